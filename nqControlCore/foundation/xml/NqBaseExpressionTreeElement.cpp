@@ -1,0 +1,5 @@
+#include <nqControlCore/foundation/xml/NqBaseExpressionTreeElement.h>
+
+void NqBaseExpressionTreeElement::registerComponents() {
+    NqXmlCompoundType::registerComponents();
+}

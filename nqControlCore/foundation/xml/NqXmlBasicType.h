@@ -1,0 +1,43 @@
+#pragma once
+
+#include <nqControlCore/foundation/xml/NqXmlValueType.h>
+
+#include <compare>
+#include <concepts>
+#include <string>
+
+/// An XML value of a basic type: double, int, unsigned int, unsigned short, bool or string.
+template <typename T>
+class NqXmlBasicType : public NqXmlValueType<NqXmlBasicType<T>, T> {
+    using Value = NqXmlValueType<NqXmlBasicType<T>, T>;
+
+public:
+    using Value::Value;
+    NqXmlBasicType() = default;
+
+    /// From a character string, for the string type alone.
+    NqXmlBasicType(const char* text) requires std::same_as<T, std::string> : Value(std::string(text)) {}
+
+    NqXmlBasicType& operator=(const T& value) {
+        this->m_Value = value;
+        return *this;
+    }
+
+    friend bool operator<(const NqXmlBasicType& a, const NqXmlBasicType& b) { return a.m_Value < b.m_Value; }
+
+    /// The text that reads back to the same value.
+    std::string toText() const;
+
+    /// Numbers may have white space around them, and the whole text must be one; booleans are "true",
+    /// "false", "1" or "0". False, and the value kept, where the text is no such value.
+    bool setValueFromString(const std::string& text);
+
+    static bool writeSchemaType(NqXmlSchema& schema) { return schema.writeSimpleType(typeid(T)); }
+};
+
+extern template class NqXmlBasicType<double>;
+extern template class NqXmlBasicType<int>;
+extern template class NqXmlBasicType<unsigned int>;
+extern template class NqXmlBasicType<unsigned short>;
+extern template class NqXmlBasicType<bool>;
+extern template class NqXmlBasicType<std::string>;

@@ -1,0 +1,101 @@
+#pragma once
+
+#include <nqControlCore/foundation/xml/NqXmlComponentMap.h>
+#include <nqControlCore/foundation/xml/NqXmlObject.h>
+
+#include <map>
+#include <memory>
+
+/// A persistent object with named components: fields of its own that are written as elements or attributes.
+///
+/// A class registers its components in registerComponents(), its base's first. The tables are made when they
+/// are first needed and belong to one object: a copy makes its own. Most classes get all of this, and their
+/// clone, equality and so on, from NqXmlPersistent.
+class NqXmlCompoundType : public NqXmlObject {
+public:
+    using SpecialDescriptorMap = std::map<NqToken, unsigned int>;
+
+    NqXmlCompoundType() = default;
+    NqXmlCompoundType(const NqXmlCompoundType& other) : NqXmlObject(other) {}
+    NqXmlCompoundType& operator=(const NqXmlCompoundType& other) {
+        NqXmlObject::operator=(other);
+        return *this;
+    }
+
+    void accept(NqXmlObjectVisitor* visitor) const override;
+    bool xmlInit() override;
+    bool read(NqXmlReader& reader) override;
+    bool readAttribute(NqXmlReader& reader) override;
+    bool write(NqXmlWriter& writer) const override;
+    bool writeSchema(NqXmlSchema& schema) const override;
+
+    /// Take each attribute or element to readAttributeFromToken or readValueFromToken. A part that fails to
+    /// read makes the result false; the others are read all the same.
+    virtual bool readAttributes(NqXmlReader& reader);
+    virtual bool readElements(NqXmlReader& reader);
+
+    /// Write the components in order. With the writer's write-default-data flag off, those that are as in a
+    /// new object are left out.
+    virtual bool writeAttributes(NqXmlWriter& writer) const;
+    virtual bool writeElements(NqXmlWriter& writer) const;
+
+    virtual bool writeSchemaAttributes(NqXmlSchema& schema) const;
+    virtual bool writeSchemaElements(NqXmlSchema& schema) const;
+
+    /// Registers all components: the base's, then this class's own, in file order.
+    virtual void registerComponents();
+
+    /// Binds an element name to a field of this object; the field stays owned by the object.
+    virtual void registerComponent(const NqToken& token, NqXmlObject* component);
+
+    /// The same for a component that is taken from a file but never written back.
+    virtual void registerComponentReadOnly(const NqToken& token, NqXmlObject* component);
+
+    virtual const NqXmlComponentMap& componentMap() const;
+
+    virtual void registerAttributeComponent(const NqToken& token, NqXmlObject* component);
+    virtual void registerAttributeComponentReadOnly(const NqToken& token, NqXmlObject* component);
+    virtual const NqXmlComponentMap& attributeComponentMap() const;
+
+    /// Numbers that a class may give to names of elements that are no components.
+    virtual SpecialDescriptorMap& specialDescriptorMap();
+
+    virtual bool hasChildren() const;
+    virtual bool hasAttributes() const;
+
+protected:
+    /// Reads the component of that name from the reader's current element.
+    virtual bool readValueFromToken(const NqToken& token, NqXmlReader& reader);
+
+    /// Called for an element that no component has registered. Here: reports it with file and line, and
+    /// passes it by.
+    virtual bool readValueFromSpecialToken(const NqToken& token, NqXmlReader& reader);
+
+    /// Reads the attribute component of that name from the reader's current attribute; others are passed by.
+    virtual bool readAttributeFromToken(const NqToken& token, NqXmlReader& reader);
+
+    virtual std::unique_ptr<NqXmlComponentMap> newComponentMap() const;
+    virtual std::unique_ptr<SpecialDescriptorMap> newSpecialDescriptorMap();
+    virtual NqXmlComponentMap& createComponentMap() const;
+    virtual NqXmlComponentMap& createAttributeComponentMap();
+    virtual SpecialDescriptorMap& createSpecialDescriptorMap();
+
+    virtual bool isReadOnlyComponent(const NqToken& token) const;
+    virtual bool isReadOnlyAttribute(const NqToken& token) const;
+
+    /// Equality of what this class holds: nothing. NqXmlPersistent calls the forms of all bases.
+    bool sameValue(const NqXmlCompoundType&) const { return true; }
+
+private:
+    /// Makes sure that the components are registered. Registration only fills a cache.
+    bool initialized() const { return xmlInitialized() || const_cast<NqXmlCompoundType*>(this)->xmlInit(); }
+
+    template <typename WriteComponent>
+    bool writeComponents(const NqXmlWriter& writer, const NqXmlComponentMap& map,
+                         const NqXmlComponentMap& (NqXmlCompoundType::*mapOf)() const,
+                         WriteComponent writeComponent) const;
+
+    mutable std::unique_ptr<NqXmlComponentMap> m_Components;
+    mutable std::unique_ptr<NqXmlComponentMap> m_AttributeComponents;
+    std::unique_ptr<SpecialDescriptorMap> m_SpecialDescriptors;
+};

@@ -1,0 +1,140 @@
+#pragma once
+
+#include <nqControlCore/foundation/xml/NqToken.h>
+#include <nqControlCore/foundation/xml/NqXmlCompoundType.h>
+
+#include <cassert>
+#include <new>
+#include <tuple>
+#include <type_traits>
+#include <typeinfo>
+
+/// How a component takes part in files and comparison.
+enum class NqXmlComponentKind {
+    Element,   ///< read, written and compared
+    Attribute, ///< the same, as an attribute
+    ReadOnly,  ///< read and compared, not written
+    Legacy     ///< read from old files; neither written nor compared
+};
+
+/// One component of a class: its name, the field that holds it and how it takes part.
+template <typename Class, typename Member>
+struct NqXmlComponent {
+    const NqToken& token;
+    Member Class::*member;
+    NqXmlComponentKind kind;
+};
+
+template <typename Class, typename Member>
+NqXmlComponent<Class, Member> nqComponent(const NqToken& token, Member Class::*member,
+                                          NqXmlComponentKind kind = NqXmlComponentKind::Element) {
+    return {token, member, kind};
+}
+
+/// The own components of a class, in file order.
+template <typename Class, typename... Members>
+std::tuple<NqXmlComponent<Class, Members>...> nqComponentList(NqXmlComponent<Class, Members>... components) {
+    return {components...};
+}
+
+/// Reaches the component list of a class, which the class keeps private and opens with
+/// `friend struct NqXmlComponentAccess;`.
+struct NqXmlComponentAccess {
+    /// Calls `action` for each component that `Class` itself lists; lists of its bases don't count.
+    template <typename Class, typename Action>
+    static void forEach(Action action) {
+        if constexpr (requires { Class::components(); }) {
+            const auto list = Class::components();
+            std::apply([&](const auto&... component) { (callIfOwn<Class>(component, action), ...); }, list);
+        }
+    }
+
+private:
+    template <typename Class, typename Owner, typename Member, typename Action>
+    static void callIfOwn(const NqXmlComponent<Owner, Member>& component, Action& action) {
+        if constexpr (std::is_same_v<Class, Owner>) {
+            action(component);
+        }
+    }
+};
+
+/// The layer between an abstract persistent class and its base: registration and comparison from one list.
+///
+/// Derived lists its own components once, in file order:
+///
+///     friend struct NqXmlComponentAccess;
+///     static auto components() {
+///         return nqComponentList(nqComponent(NqControlCore::NqPointToken, &NqExample::m_Point), ...);
+///     }
+///
+/// A class that compares more or less than its list declares its own sameValue(), public or protected with a
+/// friend, and calls that of this layer from it. Copying is the compiler's: fields that copies don't take
+/// along are NqUncopied.
+template <typename Derived, typename Base>
+class NqXmlPersistentBase : public Base {
+public:
+    using Base::Base;
+
+    void registerComponents() override {
+        Base::registerComponents();
+        auto& self = static_cast<Derived&>(*this);
+        NqXmlComponentAccess::forEach<Derived>([&](const auto& component) {
+            auto* field = &(self.*component.member);
+            switch (component.kind) {
+            case NqXmlComponentKind::Element:
+                this->registerComponent(component.token, field);
+                break;
+            case NqXmlComponentKind::Attribute:
+                this->registerAttributeComponent(component.token, field);
+                break;
+            case NqXmlComponentKind::ReadOnly:
+            case NqXmlComponentKind::Legacy:
+                this->registerComponentReadOnly(component.token, field);
+                break;
+            }
+        });
+    }
+
+    /// Whether base and own components are equal; operator== is this.
+    bool sameValue(const Derived& other) const {
+        const auto& self = static_cast<const Derived&>(*this);
+        bool same = Base::sameValue(other);
+        NqXmlComponentAccess::forEach<Derived>([&](const auto& component) {
+            same = same && (component.kind == NqXmlComponentKind::Legacy ||
+                            self.*component.member == other.*component.member);
+        });
+        return same;
+    }
+
+    friend bool operator==(const Derived& a, const Derived& b) { return a.sameValue(b); }
+};
+
+/// The layer between a concrete persistent class and its base: besides registration and comparison, all that
+/// a class needs to be made, copied and compared by those who only know its base. Derived gives `static const
+/// NqToken& classToken()`, its element name.
+template <typename Derived, typename Base>
+class NqXmlPersistent : public NqXmlPersistentBase<Derived, Base> {
+public:
+    using NqXmlPersistentBase<Derived, Base>::NqXmlPersistentBase;
+
+    NqXmlObject* clone() const override {
+        assert(typeid(*this) == typeid(Derived) &&
+               "a class below this one needs an NqXmlPersistent of its own");
+        return new (std::nothrow) Derived(static_cast<const Derived&>(*this));
+    }
+
+    bool equality(const NqXmlObject* other) const override {
+        const auto* same = dynamic_cast<const Derived*>(other);
+        return same && static_cast<const Derived&>(*this) == *same;
+    }
+
+    NqXmlObject* newObject() const override { return new (std::nothrow) Derived; }
+
+    const NqToken& token() const override { return Derived::classToken(); }
+
+    /// A new heap object, owned by the caller.
+    static NqXmlObject* creator() { return new (std::nothrow) Derived; }
+
+    /// A default-constructed object.
+    static Derived nullObject() { return Derived(); }
+};

@@ -1,0 +1,28 @@
+#include <nqControlCore/foundation/xml/NqXmlVectorBasicType.h>
+
+#include <nqControlCore/foundation/text/NqTextConversion.h>
+
+std::string nqToText(const double* numbers, std::size_t count) {
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (i != 0) {
+            text += ' ';
+        }
+        text += NqDOUBLE2STRING(numbers[i]);
+    }
+    return text;
+}
+
+bool nqAppendNumbers(std::string_view text, std::vector<double>& numbers) {
+    constexpr std::string_view kWhiteSpace = " \t\r\n";
+    for (std::size_t start = text.find_first_not_of(kWhiteSpace); start != std::string_view::npos;) {
+        const std::size_t end = text.find_first_of(kWhiteSpace, start);
+        double number = 0.0;
+        if (!nqParseReal(text.substr(start, end - start), number)) {
+            return false;
+        }
+        numbers.push_back(number);
+        start = end == std::string_view::npos ? end : text.find_first_not_of(kWhiteSpace, end);
+    }
+    return true;
+}

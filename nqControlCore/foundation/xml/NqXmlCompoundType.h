@@ -16,8 +16,8 @@ public:
     using SpecialDescriptorMap = std::map<NqToken, unsigned int>;
 
     NqXmlCompoundType() = default;
-    NqXmlCompoundType(const NqXmlCompoundType& other) : NqXmlObject(other) {}
-    NqXmlCompoundType& operator=(const NqXmlCompoundType& other) {
+    NqXmlCompoundType(const NqXmlCompoundType& other) noexcept : NqXmlObject(other) {}
+    NqXmlCompoundType& operator=(const NqXmlCompoundType& other) noexcept {
         NqXmlObject::operator=(other);
         return *this;
     }

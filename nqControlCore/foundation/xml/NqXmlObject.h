@@ -16,8 +16,8 @@ class NqXmlWriter;
 class NqXmlObject {
 public:
     NqXmlObject() = default;
-    NqXmlObject(const NqXmlObject& other) : m_Specified(other.m_Specified) {}
-    NqXmlObject& operator=(const NqXmlObject& other) {
+    NqXmlObject(const NqXmlObject& other) noexcept : m_Specified(other.m_Specified) {}
+    NqXmlObject& operator=(const NqXmlObject& other) noexcept {
         m_Specified = other.m_Specified;
         return *this;
     }

@@ -2,12 +2,10 @@
 
 #include <nqControlCore/foundation/xml/NqToken.h>
 #include <nqControlCore/foundation/xml/NqXmlCompoundType.h>
+#include <nqControlCore/foundation/xml/NqXmlConcrete.h>
 
-#include <cassert>
-#include <new>
 #include <tuple>
 #include <type_traits>
-#include <typeinfo>
 
 /// How a component takes part in files and comparison.
 enum class NqXmlComponentKind {
@@ -109,32 +107,7 @@ public:
     friend bool operator==(const Derived& a, const Derived& b) { return a.sameValue(b); }
 };
 
-/// The layer between a concrete persistent class and its base: besides registration and comparison, all that
-/// a class needs to be made, copied and compared by those who only know its base. Derived gives `static const
-/// NqToken& classToken()`, its element name.
+/// The layer between a concrete persistent class and its base: registration and comparison from its list of
+/// components, and the rest of the frame of such a class.
 template <typename Derived, typename Base>
-class NqXmlPersistent : public NqXmlPersistentBase<Derived, Base> {
-public:
-    using NqXmlPersistentBase<Derived, Base>::NqXmlPersistentBase;
-
-    NqXmlObject* clone() const override {
-        assert(typeid(*this) == typeid(Derived) &&
-               "a class below this one needs an NqXmlPersistent of its own");
-        return new (std::nothrow) Derived(static_cast<const Derived&>(*this));
-    }
-
-    bool equality(const NqXmlObject* other) const override {
-        const auto* same = dynamic_cast<const Derived*>(other);
-        return same && static_cast<const Derived&>(*this) == *same;
-    }
-
-    NqXmlObject* newObject() const override { return new (std::nothrow) Derived; }
-
-    const NqToken& token() const override { return Derived::classToken(); }
-
-    /// A new heap object, owned by the caller.
-    static NqXmlObject* creator() { return new (std::nothrow) Derived; }
-
-    /// A default-constructed object.
-    static Derived nullObject() { return Derived(); }
-};
+using NqXmlPersistent = NqXmlConcrete<Derived, NqXmlPersistentBase<Derived, Base>>;

@@ -277,15 +277,19 @@ bool NqXmlReader::readText(std::string& text) {
     return false;
 }
 
-void NqXmlReader::report(const std::string& message) {
-    if (m_Implementation->reports < kMostReports) {
-        Nq::Print::instance().write(Nq::PrintFailure, "NqXmlReader: %s -- file: %s, line: %d\n", message,
-                                    fileName(), lineNumber());
-    } else if (m_Implementation->reports == kMostReports) {
+bool NqXmlReader::mayReport() {
+    if (m_Implementation->reports == kMostReports) {
         Nq::Print::instance().write(Nq::PrintFailure,
                                     "NqXmlReader: further messages are left out -- file: %s\n", fileName());
     }
-    ++m_Implementation->reports;
+    return ++m_Implementation->reports <= kMostReports;
+}
+
+void NqXmlReader::report(const std::string& message) {
+    if (mayReport()) {
+        Nq::Print::instance().write(Nq::PrintFailure, "NqXmlReader: %s -- file: %s, line: %d\n", message,
+                                    fileName(), lineNumber());
+    }
 }
 
 void NqXmlReader::reportBadValue(std::string_view text) {

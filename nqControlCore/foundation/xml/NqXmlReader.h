@@ -76,8 +76,11 @@ public:
     /// off.
     virtual bool readText(std::string& text);
 
-    /// Prints a message with file and line at print type 4. At most a few hundred are printed for one
-    /// document.
+    /// Whether one more message about this document may be printed. After a few hundred it is false: a broken
+    /// file must not flood the log.
+    virtual bool mayReport();
+
+    /// Prints a message with file and line at print type 4, if mayReport() allows it.
     virtual void report(const std::string& message);
 
     /// Reports a text that is no value of the current element or attribute.

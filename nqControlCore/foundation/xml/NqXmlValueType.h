@@ -31,8 +31,10 @@ public:
 
     friend bool operator==(const Derived& a, const Derived& b) { return a.value() == b.value(); }
     template <typename U>
-    requires(!std::is_base_of_v<NqXmlObject, U>) && requires(const T& t, const U& u) { t == u; }
-    friend bool operator==(const Derived& a, const U& b) { return a.value() == b; }
+    requires(!std::is_base_of_v<NqXmlObject, U>) && std::is_convertible_v<const U&, const T&> friend bool
+                                                    operator==(const Derived& a, const U& b) {
+        return a.value() == static_cast<const T&>(b);
+    }
 
     NqXmlObject* clone() const override { return new Derived(self()); }
     NqXmlObject* newObject() const override { return new Derived; }

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <nqControlCore/foundation/text/NqPrint.h>
+
+#include <cstddef>
+#include <iosfwd>
+
+class NqToken;
+class NqXmlObject;
+class NqXmlReader;
+class NqXmlSchema;
+class NqXmlWriter;
+
+/// What the collection templates share and what doesn't depend on the type of their elements.
+namespace NqXmlCollection {
+
+/// A message that starts with the signature of the function that it is about.
+Nq::Print::Stream message(const char* signature, unsigned printType = Nq::PrintFailure);
+
+/// Whether `index` is below `size`; reported in the name of the operation, such as "X::erase()", if not.
+bool checkIndex(const char* signature, const char* operation, unsigned index, std::size_t size);
+
+/// Whether `first` to `last`, which is the first that stays, is a range within `size`, empty or not;
+/// reported if not.
+bool checkRange(const char* signature, unsigned first, unsigned last, std::size_t size);
+
+/// Writes the size as the count attribute of the element that the writer has open.
+bool writeCount(NqXmlWriter& writer, std::size_t size);
+
+/// Describe the count attribute, and the whole type of a list of values or of elements like `element`.
+bool writeCountSchema(NqXmlSchema& schema);
+bool writeListSchema(NqXmlSchema& schema, const NqXmlObject& element);
+
+/// Opens the list of basic values, or closes it; does nothing for other elements.
+bool beginList(NqXmlWriter& writer, bool isBasic);
+bool endList(NqXmlWriter& writer, bool isBasic);
+
+/// Writes an entry of a list in an element of its own.
+bool writeEntry(NqXmlWriter& writer, const NqXmlObject& element);
+
+/// Begins a document that holds a collection, with a new writer that is the caller's. False, and `writer`
+/// untouched, where the stream is in a failed state.
+bool writeHeader(std::ostream& stream, NqXmlWriter*& writer, const NqToken& root, std::size_t size,
+                 bool isBasic);
+
+/// Ends such a document, destroys the writer and sets the pointer to null. False for a null writer, or where
+/// anything wasn't written.
+bool writeFooter(NqXmlWriter*& writer, bool isBasic);
+
+/// Reports a child of the reader's current element of which nothing is known; it is passed by.
+void reportUnknown(NqXmlReader& reader);
+
+} // namespace NqXmlCollection

@@ -1,0 +1,55 @@
+#include <nqControlCore/xml/NqXmlCollectionReading.h>
+
+#include <nqControlCore/foundation/xml/NqXmlTokens.h>
+#include <nqControlCore/xml/NqXmlCollection.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+NqXmlCollectionReading::NqXmlCollectionReading(NqXmlReader& reader, const char* name, const char* kind,
+                                               const char* signature)
+    : m_Reader(reader), m_Name(name), m_Kind(kind), m_Signature(signature),
+      m_HasContent(reader.nodeKind() != NqXmlReader::ElementWithoutContent), m_Children(reader) {
+    for (unsigned i = 0; i < reader.attributeCount(); ++i) {
+        if (NqXml::NqCountToken.names(reader.attributeToken(i))) {
+            m_Declared = std::strtoll(reader.attributeValue(i).c_str(), nullptr, 10);
+        }
+    }
+}
+
+unsigned NqXmlCollectionReading::reservation() const {
+    constexpr long long kMostAhead = 4096;
+    return static_cast<unsigned>(std::clamp(m_Declared, 0LL, kMostAhead));
+}
+
+bool NqXmlCollectionReading::nextEntry() {
+    for (;;) {
+        NqXmlReader::Children& entries = m_Group ? *m_Group : m_Children;
+        if (!entries.next()) {
+            if (!m_Group) {
+                return false;
+            }
+            m_Group.reset();
+        } else if ((m_Group ? NqXml::NqValueToken : NqXml::NqElementToken).names(m_Reader.token())) {
+            ++m_Count;
+            return true;
+        } else if (!m_Group && NqXml::NqGroupToken.names(m_Reader.token())) {
+            m_Group.emplace(m_Reader);
+        } else {
+            NqXmlCollection::reportUnknown(m_Reader);
+        }
+    }
+}
+
+bool NqXmlCollectionReading::finish() {
+    if (!m_Reader.dataMode() && m_Reader.mayReport()) {
+        NqXmlCollection::message(m_Signature) << m_Name << " Error: XML parser should be in data mode\n";
+    }
+    if (m_HasContent && m_Count != m_Declared && m_Reader.mayReport()) {
+        NqXmlCollection::message(m_Signature, Nq::PrintReadTrouble)
+            << m_Name << " Error: " << m_Kind << " size not equal to attribute value -- " << m_Declared
+            << ", actual -- " << m_Count << "\nFilename: " << m_Reader.fileName()
+            << ", Line count: " << m_Reader.lineNumber() << "\n";
+    }
+    return m_Reader.good();
+}

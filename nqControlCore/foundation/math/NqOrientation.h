@@ -13,6 +13,11 @@ public:
     /// The rotation by `angle` (radians) about `axis`; see setFromAngleAxis.
     NqOrientation(double angle, const NqVector& axis) { setFromAngleAxis(angle, axis); }
 
+    /// The rotation by `angle` (radians) about the z axis.
+    static NqOrientation aboutZ(double angle) {
+        return {std::cos(0.5 * angle), 0.0, 0.0, std::sin(0.5 * angle)};
+    }
+
     /// Composition: (a * b) applies b first, then a.
     constexpr NqOrientation operator*(const NqOrientation& b) const {
         return {m_Scalar * b.m_Scalar - m_X * b.m_X - m_Y * b.m_Y - m_Z * b.m_Z,

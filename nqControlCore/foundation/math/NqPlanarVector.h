@@ -30,6 +30,7 @@ public:
     }
     constexpr NqPlanarVector operator+(const NqPlanarVector& v) const { return {x() + v[0], y() + v[1]}; }
     constexpr NqPlanarVector operator-(const NqPlanarVector& v) const { return {x() - v[0], y() - v[1]}; }
+    constexpr NqPlanarVector operator/(double divisor) const { return {x() / divisor, y() / divisor}; }
     constexpr bool operator==(const NqPlanarVector&) const = default;
 
     constexpr double magSquared() const { return x() * x() + y() * y(); }
@@ -38,7 +39,7 @@ public:
     /// This vector at length 1; the x axis for the zero vector.
     NqPlanarVector unitVector() const {
         const double length = mag();
-        return length == 0.0 ? NqPlanarVector(1.0, 0.0) : NqPlanarVector(x() / length, y() / length);
+        return length == 0.0 ? NqPlanarVector(1.0, 0.0) : *this / length;
     }
 
 private:

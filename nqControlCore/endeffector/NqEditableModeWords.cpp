@@ -1,0 +1,35 @@
+#include <nqControlCore/endeffector/NqEditableModeWords.h>
+
+#include <nqControlCore/filter/NqBaseMotionFilter.h>
+
+namespace {
+
+/// Whether a word is one of the spellings.
+template <typename... Spellings>
+bool isOneOf(const std::string& word, Spellings... spellings) {
+    return ((word == spellings) || ...);
+}
+
+} // namespace
+
+std::string NqEditableModeWords::print(const NqBaseMotionFilter& filter) {
+    switch (filter.filteringMode()) {
+    case NqBaseMotionFilter::Proportional:
+        return "proportional";
+    case NqBaseMotionFilter::Trapezoidal:
+        return "trapezoidal";
+    default:
+        return "threeHalves";
+    }
+}
+
+void NqEditableModeWords::apply(const std::string& word, NqBaseMotionFilter& filter, Accepts accepts) {
+    if (isOneOf(word, "proportional", "Proportional", "PROPORTIONAL")) {
+        filter.setFilteringMode(NqBaseMotionFilter::Proportional);
+    } else if (isOneOf(word, "trapezoidal", "Trapezoidal", "TRAPEZOIDAL")) {
+        filter.setFilteringMode(NqBaseMotionFilter::Trapezoidal);
+    } else if (accepts == Accepts::ThreeModes &&
+               isOneOf(word, "threeHalves", "threehalves", "ThreeHalves", "THREEHALVES")) {
+        filter.setFilteringMode(NqBaseMotionFilter::ThreeHalves);
+    }
+}

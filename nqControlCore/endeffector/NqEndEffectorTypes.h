@@ -1,0 +1,26 @@
+#pragma once
+
+#include <nqControlCore/endeffector/NqPointEndEffector.h>
+
+/// A list of types, to be run through at compile time.
+template <typename... Types>
+struct NqTypeList {
+    /// Calls `action.template operator()<Type>()` for each type, in order.
+    template <typename Action>
+    static void forEach(Action action) {
+        (action.template operator()<Types>(), ...);
+    }
+};
+
+/// All end-effector types that a file can hold, in the order of their registration. This is the one list:
+/// both collections and the tests run over it.
+using NqEndEffectorTypes = NqTypeList<NqPointEndEffector>;
+
+class NqXmlBaseVariableCompoundType;
+
+/// Registers the creators of all these types with a container.
+void nqRegisterEndEffectorTypes(NqXmlBaseVariableCompoundType& container);
+
+/// A new end-effector of the class that the container has registered under that element name, owned by the
+/// caller; null where there is none, or it makes something else.
+NqEndEffector* nqEndEffectorFromToken(const NqXmlBaseVariableCompoundType& container, const NqToken& token);

@@ -1,0 +1,39 @@
+#include <nqControlCore/foundation/manipulator/NqManipulatorActivePositionState.h>
+
+#include <nqControlCore/foundation/manipulator/NqIndividualManipulator.h>
+#include <nqControlCore/foundation/manipulator/NqJointVectors.h>
+
+NqManipulatorActivePositionState::NqManipulatorActivePositionState(const NqIndividualManipulator& manipulator)
+    : m_PositionState(manipulator.numberOfJoints()), m_NumberOfJoints(manipulator.numberOfJoints()) {}
+
+void NqManipulatorActivePositionState::setPositionState(const NqPositionState& positionState) {
+    m_PositionState = positionState;
+    if (m_NumberOfJoints) {
+        NqJointVectors::fit("NqManipulatorActivePositionState::setPositionState",
+                            m_PositionState.jointPositions(), *m_NumberOfJoints);
+    }
+    m_Generation.advance();
+}
+
+void NqManipulatorActivePositionState::computeFrames(const NqKinematicTree& tree) {
+    if (m_TreeId != tree.id()) {
+        m_TreeId = tree.id();
+        m_Generation.advance();
+    }
+    m_Frames.resize(tree.size());
+    m_PrimaryFrames.grow(tree.numberOfBodies());
+    NqXmlRealVector& positions = m_PositionState.jointPositions();
+    NqJointVectors::grow("NqManipulatorActivePositionState", positions, tree.numberOfJoints());
+    tree.computeFrames(m_PositionState.baseFrame(), positions.values(), m_Frames);
+    m_FramesGeneration = m_Generation.value();
+}
+
+const NqRigidBodyMassProperties&
+NqManipulatorActivePositionState::compositeMassProperties(const NqKinematicTree& tree, std::size_t entry) {
+    update(tree);
+    if (m_CompositesGeneration != m_Generation.value()) {
+        tree.computeCompositeMassProperties(m_Frames, m_Composites);
+        m_CompositesGeneration = m_Generation.value();
+    }
+    return m_Composites[entry];
+}

@@ -5,6 +5,19 @@
 #include <memory>
 #include <ostream>
 
+namespace {
+
+void reportName(NqXmlReader& reader, const char* signature, const char* operation, std::string_view name,
+                const char* complaint) {
+    if (reader.mayReport()) {
+        NqXmlCollection::message(signature)
+            << operation << " error:\n\t\"" << name << "\" " << complaint
+            << ".\n\tFile: " << reader.fileName() << "\n\tLine: " << reader.lineNumber() << "\n";
+    }
+}
+
+} // namespace
+
 namespace NqXmlCollection {
 
 Nq::Print::Stream message(const char* signature, unsigned printType) {
@@ -66,8 +79,28 @@ bool endList(NqXmlWriter& writer, bool isBasic) {
 }
 
 bool writeEntry(NqXmlWriter& writer, const NqXmlObject& element) {
-    return writer.writeStartTag(element.isBasicType() ? NqXml::NqValueToken : NqXml::NqElementToken) &&
-           element.write(writer) && writer.writeEndTag();
+    return writeNamed(writer, element.isBasicType() ? NqXml::NqValueToken : NqXml::NqElementToken, element);
+}
+
+bool writeNamed(NqXmlWriter& writer, const NqToken& token, const NqXmlObject& object) {
+    return writer.writeStartTag(token) && object.write(writer) && writer.writeEndTag();
+}
+
+bool writePair(NqXmlWriter& writer, const NqXmlObject& key, const NqToken& valueToken,
+               const NqXmlObject& value) {
+    return writer.writeStartTag(NqXml::NqElementToken) && writeNamed(writer, NqXml::NqKeyToken, key) &&
+           writeNamed(writer, valueToken, value) && writer.writeEndTag();
+}
+
+bool beginPairSchema(NqXmlSchema& schema, const NqXmlObject& key) {
+    return schema.beginElement(NqXml::NqElementToken, NqXmlSchema::Occurs::AnyNumber) &&
+           schema.beginComplexType() && schema.beginSequence() &&
+           schema.beginElement(NqXml::NqKeyToken, NqXmlSchema::Occurs::Once) && key.writeSchema(schema) &&
+           schema.endElement();
+}
+
+bool endPairSchema(NqXmlSchema& schema) {
+    return schema.endContent() && schema.endComplexType() && schema.endElement();
 }
 
 bool writeHeader(std::ostream& stream, NqXmlWriter*& writer, const NqToken& root, std::size_t size,
@@ -87,6 +120,15 @@ bool writeFooter(NqXmlWriter*& writer, bool isBasic) {
 void reportUnknown(NqXmlReader& reader) {
     reader.report("element \"" + std::string(reader.token().localName()) +
                   "\" is not known here and is skipped");
+}
+
+void reportUnregistered(NqXmlReader& reader, const char* signature, const char* operation) {
+    reportName(reader, signature, operation, reader.token().localName(), "tag not registered");
+}
+
+void reportRepeatedKey(NqXmlReader& reader, const char* signature, const char* operation,
+                       const std::string& key) {
+    reportName(reader, signature, operation, key, "key in XML map more than once");
 }
 
 } // namespace NqXmlCollection

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <iosfwd>
+#include <string>
 
 class NqToken;
 class NqXmlObject;
@@ -38,6 +39,17 @@ bool endList(NqXmlWriter& writer, bool isBasic);
 /// Writes an entry of a list in an element of its own.
 bool writeEntry(NqXmlWriter& writer, const NqXmlObject& element);
 
+/// Writes an object in an element of that name.
+bool writeNamed(NqXmlWriter& writer, const NqToken& token, const NqXmlObject& object);
+
+/// Writes an entry of a map, the value in an element of that name.
+bool writePair(NqXmlWriter& writer, const NqXmlObject& key, const NqToken& valueToken,
+               const NqXmlObject& value);
+
+/// Describe the entries of a map, within a sequence; between the two stands the declaration of the value.
+bool beginPairSchema(NqXmlSchema& schema, const NqXmlObject& key);
+bool endPairSchema(NqXmlSchema& schema);
+
 /// Begins a document that holds a collection, with a new writer that is the caller's. False, and `writer`
 /// untouched, where the stream is in a failed state.
 bool writeHeader(std::ostream& stream, NqXmlWriter*& writer, const NqToken& root, std::size_t size,
@@ -49,5 +61,11 @@ bool writeFooter(NqXmlWriter*& writer, bool isBasic);
 
 /// Reports a child of the reader's current element of which nothing is known; it is passed by.
 void reportUnknown(NqXmlReader& reader);
+
+/// Report, in the name of the operation, that no class is registered for the reader's current element, or
+/// that a key is there twice.
+void reportUnregistered(NqXmlReader& reader, const char* signature, const char* operation);
+void reportRepeatedKey(NqXmlReader& reader, const char* signature, const char* operation,
+                       const std::string& key);
 
 } // namespace NqXmlCollection

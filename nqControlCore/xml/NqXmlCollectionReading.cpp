@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 NqXmlCollectionReading::NqXmlCollectionReading(NqXmlReader& reader, const char* name, const char* kind,
                                                const char* signature)
@@ -31,7 +32,6 @@ bool NqXmlCollectionReading::nextEntry() {
             }
             m_Group.reset();
         } else if ((m_Group ? NqXml::NqValueToken : NqXml::NqElementToken).names(m_Reader.token())) {
-            ++m_Count;
             return true;
         } else if (!m_Group && NqXml::NqGroupToken.names(m_Reader.token())) {
             m_Group.emplace(m_Reader);
@@ -41,14 +41,14 @@ bool NqXmlCollectionReading::nextEntry() {
     }
 }
 
-bool NqXmlCollectionReading::finish() {
+bool NqXmlCollectionReading::finish(std::size_t count) {
     if (!m_Reader.dataMode() && m_Reader.mayReport()) {
         NqXmlCollection::message(m_Signature) << m_Name << " Error: XML parser should be in data mode\n";
     }
-    if (m_HasContent && m_Count != m_Declared && m_Reader.mayReport()) {
+    if (m_HasContent && !std::cmp_equal(count, m_Declared) && m_Reader.mayReport()) {
         NqXmlCollection::message(m_Signature, Nq::PrintReadTrouble)
             << m_Name << " Error: " << m_Kind << " size not equal to attribute value -- " << m_Declared
-            << ", actual -- " << m_Count << "\nFilename: " << m_Reader.fileName()
+            << ", actual -- " << count << "\nFilename: " << m_Reader.fileName()
             << ", Line count: " << m_Reader.lineNumber() << "\n";
     }
     return m_Reader.good();

@@ -114,17 +114,9 @@ public:
         clear();
         NqXmlCollectionReading reading(reader, "NqXmlVectorType", "array", __PRETTY_FUNCTION__);
         m_Elements.reserve(reading.reservation());
-        const Wrapper blank;
-        Wrapper scratch;
-        bool good = true;
-        while (reading.nextEntry()) {
-            good = scratch.read(reader) && good;
-            if (reader.good()) {
-                m_Elements.push_back(scratch);
-                scratch = blank;
-            }
-        }
-        return reading.finish() && good;
+        const bool good = reading.template readEntries<Wrapper>(
+            [&](const Wrapper& element) { m_Elements.push_back(element); });
+        return reading.finish(m_Elements.size()) && good;
     }
 
     bool write(NqXmlWriter& writer) const override {
@@ -134,11 +126,10 @@ public:
                NqXmlCollection::endList(writer, isBasic);
     }
 
-    /// Writes a document in three parts: header, as many bodies as one likes, footer. The writer that the
-    /// header makes is the caller's until the footer takes it back.
-    virtual bool writeHeaderToStream(std::ostream& stream, NqXmlWriter*& writer,
-                                     const NqToken& root = classToken()) const {
-        return NqXmlCollection::writeHeader(stream, writer, root, size(), isBasicList());
+    /// Write a document in three parts. The header makes the writer, which is the caller's until the footer
+    /// takes it back; all are false once anything has failed.
+    virtual bool writeHeaderToStream(std::ostream& stream, NqXmlWriter*& writer) const {
+        return NqXmlCollection::writeHeader(stream, writer, this->token(), size(), isBasicList());
     }
     virtual bool writeBodyToStream(NqXmlWriter* writer) const { return writer && writeElements(*writer); }
     virtual bool writeFooterToStream(NqXmlWriter*& writer) const {

@@ -12,7 +12,7 @@ void NqEndEffectorMap::registerComponentCreators() {
 
 bool NqEndEffectorMap::setRelativeLinkData(const NqXmlBasicType<std::string>& key,
                                            NqEndEffectorRelativeLinkData data) {
-    NqEndEffector* endEffector = find(key);
+    NqEndEffector* endEffector = lookup(key);
     if (!endEffector) {
         return false;
     }

@@ -16,7 +16,7 @@ bool NqEndEffectorVector::setRelativeLinkData(unsigned index, NqEndEffectorRelat
     if (index >= size()) {
         return false;
     }
-    (*this)[index].setRelativeLinkData(data);
+    (*this)[index]->setRelativeLinkData(data);
     return true;
 }
 

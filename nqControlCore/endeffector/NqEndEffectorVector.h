@@ -10,8 +10,10 @@ class NqEndEffectorVector
 public:
     static const NqToken& classToken();
 
-    void registerComponents() override;
     void registerComponentCreators() override;
+
+    /// Does nothing: a list has elements, and no components.
+    virtual void registerComponents();
 
     /// Sets the relative link of one end-effector. False for an index past the end.
     virtual bool setRelativeLinkData(unsigned index, NqEndEffectorRelativeLinkData data);

@@ -23,6 +23,11 @@ public:
         return *this;
     }
 
+    NqXmlBasicType& operator=(const char* text) requires std::same_as<T, std::string> {
+        this->m_Value = text;
+        return *this;
+    }
+
     friend bool operator<(const NqXmlBasicType& a, const NqXmlBasicType& b) { return a.m_Value < b.m_Value; }
 
     /// The text that reads back to the same value.

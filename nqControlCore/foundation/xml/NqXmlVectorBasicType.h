@@ -35,7 +35,6 @@ public:
 
     const Numbers& values() const { return this->m_Value; }
     Numbers& values() { return this->m_Value; }
-    operator Numbers&() { return this->m_Value; }
 
     /// Unchecked.
     Number& operator[](std::size_t index) { return this->m_Value[index]; }

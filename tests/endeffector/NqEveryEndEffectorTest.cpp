@@ -1,0 +1,447 @@
+#include "endeffector/NqEndEffectorSamples.h"
+#include "support/NqPrintCapture.h"
+
+#include <nqControlCore/endeffector/NqEndEffectorVector.h>
+#include <nqControlCore/foundation/xml/NqXmlDocument.h>
+#include <nqControlCore/foundation/xml/NqXmlVector.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+using RelativeData = NqEndEffectorRelativeLinkData;
+using Sparsity = NqEndEffector::SparsityDescription;
+
+/// One type on one model. The seed of a test is printed when it fails.
+class EveryEndEffector : public testing::TestWithParam<std::tuple<std::size_t, std::size_t>> {
+protected:
+    void SetUp() override { SCOPED_TRACE("seed " + std::to_string(seed)); }
+
+    static constexpr unsigned poses = 5;
+    static constexpr unsigned seed = 20240731;
+
+    const NqEndEffectorKind& kind = nqEndEffectorKinds()[std::get<0>(GetParam())];
+    const NqTestModel& model = nqTestModels()[std::get<1>(GetParam())];
+    const NqIndividualManipulator& manipulator = *model.manipulator;
+    const bool fixedBase = !model.movesBase;
+    std::mt19937_64 random{seed};
+    std::unique_ptr<NqEndEffector> endEffector = kind.make(model);
+
+    RelativeData relativeTo(RelativeData::RelativeMode mode) const {
+        RelativeData data;
+        data.setRelativeMode(mode);
+        data.setRelativeLinkID(model.relativeLink);
+        return data;
+    }
+
+    NqReArray jacobian(NqManipulatorActiveState& state, const RelativeData& relative = {}) const {
+        NqReArray j;
+        endEffector->insertJacobianComponent(manipulator, 0, relative, fixedBase, state, j);
+        return j;
+    }
+
+    NqXmlRealVector velocity(NqManipulatorActiveState& state) const {
+        NqXmlRealVector v;
+        endEffector->calculateVelocity(manipulator, state, v, 0);
+        return v;
+    }
+
+    /// Joint rates, then the motion of a free base: what the columns of the Jacobian multiply.
+    std::vector<double> rates(NqManipulatorActiveState& state) const {
+        std::vector<double> x = state.velocityState().jointVelocities();
+        for (unsigned i = 0; i < 6 && !fixedBase; ++i) {
+            x.push_back(state.velocityState().baseMotion()[i]);
+        }
+        return x;
+    }
+
+    static void expectNear(const NqXmlRealVector& actual, const std::vector<double>& expected,
+                           double tolerance, const std::string& what) {
+        ASSERT_EQ(actual.size(), expected.size()) << what;
+        double scale = 1.0;
+        for (double x : expected) {
+            scale = std::max(scale, std::fabs(x));
+        }
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            EXPECT_NEAR(actual[i], expected[i], tolerance * scale)
+                << what << ", row " << i << ", seed " << seed;
+        }
+    }
+
+    /// The Jacobian against central differences of the error in the direction of the state's velocity, and
+    /// against the velocity.
+    void expectJacobianMatches() {
+        for (unsigned pose = 0; pose < poses; ++pose) {
+            NqManipulatorActiveState state = nqRandomState(model, random);
+            state.setAccelerationState(NqAccelerationState(manipulator.numberOfJoints()));
+            const NqReArray j = jacobian(state);
+            std::vector<double> product;
+            ASSERT_TRUE(j.transform(rates(state), product));
+            expectNear(velocity(state), product, 1e-10, "velocity against Jacobian times rates");
+
+            constexpr double h = 1e-5;
+            NqEndEffectorPlacement here;
+            endEffector->calculatePlacement(manipulator, state, here);
+            NqXmlRealVector before;
+            NqXmlRealVector after;
+            NqManipulatorActiveState earlier = nqMoved(state, -h);
+            NqManipulatorActiveState later = nqMoved(state, h);
+            endEffector->calculateEndEffectorError(manipulator, here, earlier, before);
+            endEffector->calculateEndEffectorError(manipulator, here, later, after);
+            NqXmlRealVector difference(after.size());
+            for (std::size_t i = 0; i < after.size(); ++i) {
+                difference[i] = kind.traits.errorSign * (after[i] - before[i]) / (2.0 * h);
+            }
+            expectNear(difference, product, 1e-6, "differences of the error");
+        }
+    }
+};
+
+std::string describe(const testing::TestParamInfo<std::tuple<std::size_t, std::size_t>>& info) {
+    return nqEndEffectorKinds()[std::get<0>(info.param)].name + "_" +
+           nqTestModels()[std::get<1>(info.param)].name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Types, EveryEndEffector,
+                         testing::Combine(testing::Range<std::size_t>(0, nqEndEffectorKinds().size()),
+                                          testing::Range<std::size_t>(0, nqTestModels().size())),
+                         describe);
+
+TEST_P(EveryEndEffector, JacobianMatchesDifferencesAndVelocity) {
+    expectJacobianMatches();
+}
+
+TEST_P(EveryEndEffector, ExternalOffsetActsInAllOperationsAlike) {
+    const NqCoordinateSystemTransformation offset = nqRandomFrame(random);
+    NqManipulatorActiveState state = nqRandomState(model, random);
+    NqEndEffectorPlacement without;
+    endEffector->calculatePlacement(manipulator, state, without);
+    endEffector->setExternalOffsetPointer(&offset);
+    NqEndEffectorPlacement unused;
+    endEffector->calculatePlacement(manipulator, state, unused);
+    EXPECT_EQ(unused.coordSysXForm(), without.coordSysXForm()) << "an offset that is not to be used";
+    endEffector->setUseExternalOffset(true);
+    NqEndEffectorPlacement with;
+    endEffector->calculatePlacement(manipulator, state, with);
+    EXPECT_EQ(with.coordSysXForm() == without.coordSysXForm(), !kind.traits.usesExternalOffset);
+    expectJacobianMatches();
+}
+
+TEST_P(EveryEndEffector, AccelerationIsTheChangeOfVelocity) {
+    if (!kind.traits.whyNoAcceleration.empty()) {
+        RecordProperty("leftOut", kind.traits.whyNoAcceleration);
+        return;
+    }
+    for (unsigned pose = 0; pose < poses; ++pose) {
+        NqManipulatorActiveState state = nqRandomState(model, random);
+        constexpr double h = 1e-5;
+        NqManipulatorActiveState earlier = nqMoved(state, -h);
+        NqManipulatorActiveState later = nqMoved(state, h);
+        const NqXmlRealVector before = velocity(earlier);
+        NqXmlRealVector change = velocity(later);
+        for (std::size_t i = 0; i < change.size(); ++i) {
+            change[i] = (change[i] - before[i]) / (2.0 * h);
+        }
+        NqXmlRealVector acceleration;
+        endEffector->calculateAcceleration(manipulator, state, acceleration, 0);
+        expectNear(acceleration, change, 1e-5, "acceleration");
+    }
+}
+
+TEST_P(EveryEndEffector, InternalRelativeModeTakesTheRelativeMotionAway) {
+    if (!kind.traits.whyNoRelativeMotion.empty()) {
+        RecordProperty("leftOut", kind.traits.whyNoRelativeMotion);
+        return;
+    }
+    const RelativeData relative = relativeTo(RelativeData::relativeModeInternal);
+    endEffector->setRelativeLinkData(relative);
+    const NqManipulatorLink* reference = manipulator.linkByLabel(model.relativeLink);
+    for (unsigned pose = 0; pose < poses; ++pose) {
+        NqManipulatorActiveState state = nqRandomState(model, random);
+        // At rest in the base: its columns stay zero in this mode.
+        NqVelocityState velocities = state.velocityState();
+        velocities.setBaseMotion({});
+        state.setVelocityState(velocities);
+        state.setAccelerationState(NqAccelerationState(manipulator.numberOfJoints()));
+        const NqReArray j = jacobian(state, relative);
+        std::vector<double> product;
+        ASSERT_TRUE(j.transform(rates(state), product));
+
+        // The rate of the placement in the relative frame, turned into the system frame.
+        constexpr double h = 1e-5;
+        NqEndEffectorPlacement before;
+        NqEndEffectorPlacement after;
+        NqManipulatorActiveState earlier = nqMoved(state, -h);
+        NqManipulatorActiveState later = nqMoved(state, h);
+        endEffector->calculatePlacementInRelative(manipulator, earlier, before);
+        endEffector->calculatePlacementInRelative(manipulator, later, after);
+        const NqOrientation turn = reference->primaryFrameInSystem(state.activePositionState()).orientation();
+        const NqVector linear =
+            turn * ((after.coordSysXForm().translation() - before.coordSysXForm().translation()) / (2.0 * h));
+        expectNear(NqXmlRealVector{linear[0], linear[1], linear[2]}, {product.begin(), product.begin() + 3},
+                   1e-6, "relative velocity");
+
+        NqEndEffectorPlacement there;
+        NqEndEffectorPlacement back;
+        endEffector->calculatePlacementInRelative(manipulator, state, there);
+        ASSERT_TRUE(endEffector->convertPlacementFromRelativeToSystem(manipulator, there,
+                                                                      state.activePositionState(), back));
+        NqEndEffectorPlacement here;
+        endEffector->calculatePlacement(manipulator, state, here);
+        EXPECT_NEAR(endEffector->difference(here, back), 0.0, 1e-12);
+    }
+}
+
+TEST_P(EveryEndEffector, SparsityCoversTheJacobian) {
+    for (const auto mode : {RelativeData::relativeModeNone, RelativeData::relativeModeInternal,
+                            RelativeData::relativeModeExternal}) {
+        const RelativeData relative = relativeTo(mode);
+        Sparsity sparsity;
+        endEffector->insertSparsityComponent(manipulator, 2, relative, fixedBase, sparsity);
+        ASSERT_EQ(sparsity.size(), 2 + endEffector->doc());
+        for (unsigned pose = 0; pose < poses; ++pose) {
+            NqManipulatorActiveState state = nqRandomState(model, random);
+            const NqReArray j = jacobian(state, relative);
+            for (unsigned r = 0; r < endEffector->doc(); ++r) {
+                ASSERT_EQ(sparsity[2 + r].size(), j[r].size());
+                for (unsigned c = 0; c < j.columns(); ++c) {
+                    EXPECT_TRUE(j[r][c] == 0.0 || sparsity[2 + r][c])
+                        << "mode " << mode << ", row " << r << ", column " << c << ", seed " << seed;
+                }
+            }
+        }
+    }
+}
+
+TEST_P(EveryEndEffector, RowsLieWhereTheyShouldAndNowhereElse) {
+    const unsigned doc = endEffector->doc();
+    NqManipulatorActiveState state = nqRandomState(model, random);
+    const NqReArray expected = jacobian(state);
+    NqReArray stacked(doc + 4, 2);
+    stacked.setToValue(doc + 4, 2, 7.0);
+    endEffector->insertJacobianComponent(manipulator, 3, {}, fixedBase, state, stacked);
+    for (unsigned r = 0; r < stacked.rows(); ++r) {
+        const bool isOwn = r >= 3 && r < 3 + doc;
+        EXPECT_EQ(stacked[r], isOwn ? expected[r - 3] : std::vector<double>(2, 7.0)) << "row " << r;
+    }
+
+    NqReArray square(2, 2);
+    endEffector->insertErrorWeightComponent(2, square);
+    NqReArray column;
+    endEffector->insertErrorWeightComponent(2, column);
+    ASSERT_EQ(square.rows(), 2 + doc);
+    ASSERT_EQ(square.columns(), 2 + doc);
+    ASSERT_EQ(column.columns(), 1u);
+    for (unsigned r = 0; r < 2 + doc; ++r) {
+        for (unsigned c = 0; c < 2 + doc; ++c) {
+            EXPECT_EQ(square[r][c], r == c ? column[r][0] : 0.0);
+        }
+        EXPECT_EQ(column[r][0] != 0.0, r >= 2);
+    }
+
+    NqXmlRealVector v(1, 9.0);
+    endEffector->calculateVelocity(manipulator, state, v, 1);
+    const NqXmlRealVector alone = velocity(state);
+    EXPECT_EQ(v.values()[0], 9.0);
+    EXPECT_TRUE(std::equal(alone.begin(), alone.end(), v.begin() + 1, v.end()));
+}
+
+TEST_P(EveryEndEffector, UnknownLabelsAreReportedAndHarmless) {
+    NqManipulatorActiveState state = nqRandomState(model, random);
+    NqPrintCapture capture;
+    const RelativeData unknown = [] {
+        RelativeData data;
+        data.setRelativeMode(RelativeData::relativeModeInternal);
+        data.setRelativeLinkID("nowhere");
+        return data;
+    }();
+    if (kind.traits.whyNoRelativeMotion.empty()) {
+        const NqReArray own = [&] {
+            // The chain's own columns stay, and in internal mode those of the base are zero.
+            NqReArray j = jacobian(state);
+            for (unsigned r = 0; r < j.rows(); ++r) {
+                std::fill(j[r].begin() + manipulator.numberOfJoints(), j[r].end(), 0.0);
+            }
+            return j;
+        }();
+        EXPECT_EQ(jacobian(state, unknown), own);
+        EXPECT_TRUE(capture.contains("relative link: nowhere"));
+    }
+    endEffector->setRelativeLinkData(unknown);
+    NqEndEffectorPlacement out(NqVector(1.0, 2.0, 3.0));
+    EXPECT_FALSE(endEffector->convertPlacementFromSystemToRelative(manipulator, NqEndEffectorPlacement(),
+                                                                   state.activePositionState(), out));
+    EXPECT_EQ(out.coordSysXForm().translation(), NqVector(1.0, 2.0, 3.0));
+
+    capture.clear();
+    endEffector->changeLinkLabel(model.link, "lost");
+    const NqReArray j = jacobian(state);
+    EXPECT_TRUE(capture.contains("lost"));
+    EXPECT_EQ(j, NqReArray(endEffector->doc(), manipulator.numberOfJoints() + (fixedBase ? 0 : 6)));
+    EXPECT_EQ(velocity(state), NqXmlRealVector(endEffector->doc()));
+    for (const auto& line : capture.lines()) {
+        EXPECT_EQ(line.first, 4u);
+    }
+}
+
+/// Changes one value; whether there was one to change.
+bool changeValue(NqXmlObject* object) {
+    if (auto* real = dynamic_cast<NqXmlBasicType<double>*>(object)) {
+        *real = *real + 1.0;
+    } else if (auto* number = dynamic_cast<NqXmlBasicType<unsigned int>*>(object)) {
+        *number = *number + 1;
+    } else if (auto* mode = dynamic_cast<NqXmlEnumType<unsigned int>*>(object)) {
+        *mode = *mode + 1;
+    } else if (auto* flag = dynamic_cast<NqXmlBasicType<bool>*>(object)) {
+        *flag = !*flag;
+    } else if (auto* text = dynamic_cast<NqXmlBasicType<std::string>*>(object)) {
+        *text = text->value() + "x";
+    } else if (auto* vector = dynamic_cast<NqXmlVector*>(object)) {
+        vector->value()[2] += 1.0;
+    } else {
+        return false;
+    }
+    return true;
+}
+
+/// Changes each persisted field in turn and expects a copy taken before to differ from then on.
+void expectEachFieldCounts(NqXmlCompoundType& part, const NqEndEffector& whole) {
+    for (const auto& entry : part.componentMap()) {
+        if (entry.isReadOnly) {
+            continue;
+        }
+        if (auto* compound = dynamic_cast<NqXmlCompoundType*>(entry.object)) {
+            expectEachFieldCounts(*compound, whole);
+            continue;
+        }
+        const std::unique_ptr<NqXmlObject> before(whole.clone());
+        EXPECT_TRUE(whole.equality(before.get()));
+        ASSERT_TRUE(changeValue(entry.object))
+            << entry.token.token() << " is of a kind that this test must learn";
+        EXPECT_FALSE(whole.equality(before.get())) << entry.token.token();
+    }
+}
+
+TEST_P(EveryEndEffector, CopiesKeepTypeAndEachFieldCountsInComparison) {
+    const std::unique_ptr<NqXmlObject> copy(endEffector->clone());
+    EXPECT_EQ(typeid(*copy), typeid(*endEffector));
+    const std::unique_ptr<NqXmlObject> blank(endEffector->newObject());
+    EXPECT_TRUE(blank->equality(kind.makeDefault().get()));
+    EXPECT_FALSE(blank->equality(endEffector.get()));
+    EXPECT_FALSE(endEffector->equality(nullptr));
+    expectEachFieldCounts(*endEffector, *endEffector);
+
+    // What belongs to the run time doesn't count.
+    const std::unique_ptr<NqXmlObject> before(endEffector->clone());
+    endEffector->setSoftConstraintMultiplier(2.0);
+    endEffector->setSpeedFactor(0.5);
+    endEffector->setFilteringActive(false);
+    EXPECT_TRUE(endEffector->equality(before.get()));
+}
+
+TEST_P(EveryEndEffector, SurvivesXmlBitForBit) {
+    NqEndEffectorVector written;
+    std::uniform_real_distribution<double> uniform(-1.0, 1.0);
+    for (unsigned i = 0; i < 3; ++i) {
+        endEffector->setMotionThreshold(std::ldexp(uniform(random), static_cast<int>(i) * 40));
+        endEffector->setLinkIdentifier("<" + model.link + "> & \"it\"");
+        written.pushBack(*endEffector);
+    }
+    std::string text;
+    ASSERT_TRUE(NqXmlDocument::writeString(text, written));
+    NqEndEffectorVector read;
+    ASSERT_TRUE(NqXmlDocument::readString(text, read)) << text;
+    EXPECT_TRUE(read == written) << text;
+    std::string again;
+    ASSERT_TRUE(NqXmlDocument::writeString(again, read));
+    EXPECT_EQ(again, text);
+}
+
+TEST_P(EveryEndEffector, GoldenFileReads) {
+    NqPrintCapture capture;
+    const std::unique_ptr<NqEndEffector> blank = kind.makeDefault();
+    const std::unique_ptr<NqEndEffector> read = kind.makeDefault();
+    const std::string fileName = NQ_GOLDEN "/" + std::string(read->token().localName()) + ".xml";
+    ASSERT_TRUE(NqXmlDocument::readFile(fileName, *read)) << capture.text();
+    EXPECT_EQ(capture.text(), "");
+
+    // A hand-written file has every field, none of them at its default.
+    const auto expectNoDefaults = [](const NqXmlCompoundType& object, const NqXmlCompoundType& theDefault,
+                                     const auto& self) -> void {
+        for (const auto& entry : object.componentMap()) {
+            EXPECT_TRUE(entry.object->specified()) << entry.token.token();
+            const auto* same = theDefault.componentMap().find(entry.token);
+            if (const auto* compound = dynamic_cast<const NqXmlCompoundType*>(entry.object)) {
+                self(*compound, dynamic_cast<const NqXmlCompoundType&>(*same->object), self);
+            } else {
+                EXPECT_FALSE(entry.object->equality(same->object)) << entry.token.token();
+            }
+        }
+    };
+    expectNoDefaults(*read, *blank, expectNoDefaults);
+
+    // What was read is written in the same form.
+    std::string text;
+    ASSERT_TRUE(NqXmlDocument::writeString(text, *read));
+    std::stringstream golden;
+    golden << std::ifstream(fileName).rdbuf();
+    EXPECT_EQ(text, golden.str());
+}
+
+TEST_P(EveryEndEffector, EditableValuesRoundTripAndTakeEffect) {
+    const NqLabelVector values = endEffector->editableValues();
+    ASSERT_EQ(values.size(), endEffector->editingLabels().size());
+    ASSERT_EQ(values.size(), endEffector->tooltipLabels().size());
+    const std::unique_ptr<NqEndEffector> other = kind.make(model);
+    const NqLabelVector blanks = kind.makeDefault()->editableValues();
+    other->setEditableValues(blanks);
+    EXPECT_FALSE(other->equality(endEffector.get()));
+    other->setEditableValues(values);
+    EXPECT_TRUE(other->equality(endEffector.get()));
+
+    // Each number on its own: it is printed where it was put, and nothing else changes.
+    for (unsigned i = 0; i < values.size(); ++i) {
+        double number = 0.0;
+        if (nqParseReal(values[i].value(), number) &&
+            endEffector->editingLabels()[i].value().find("Is ") != 0) {
+            NqLabelVector changed = values;
+            changed[i] = NqDOUBLE2STRING(number + 0.125);
+            endEffector->setEditableValues(changed);
+            EXPECT_EQ(endEffector->editableValues(), changed) << endEffector->editingLabels()[i].value();
+        }
+    }
+    expectJacobianMatches();
+
+    NqLabelVector tooShort = values;
+    tooShort.resize(values.size() - 1);
+    const std::unique_ptr<NqXmlObject> before(endEffector->clone());
+    endEffector->setEditableValues(tooShort);
+    EXPECT_TRUE(endEffector->equality(before.get()));
+}
+
+TEST_P(EveryEndEffector, FilterTakesItToItsTargetUnderItsLimits) {
+    // A free rigid body moved as the filter asks: the error falls to nothing, and the speed limit holds.
+    endEffector->setMotionThreshold(0.4);
+    endEffector->setAccelerationThreshold(2.0);
+    NqManipulatorActiveState state = nqRandomState(model, random);
+    NqEndEffectorPlacement target;
+    endEffector->calculatePlacement(manipulator, state, target);
+    NqXmlRealVector filtered;
+    const NqXmlRealVector zero(endEffector->doc());
+    endEffector->filterEndEffectorVelocity(manipulator, target, zero, zero, 1e-3, state, filtered);
+    expectNear(filtered, std::vector<double>(endEffector->doc(), 0.0), 1e-9, "at the target");
+
+    NqXmlRealVector fast(endEffector->doc(), 3.0);
+    endEffector->filterEndEffectorVelocity(fast, fast, 1e-3, filtered);
+    double squared = 0.0;
+    for (unsigned i = 0; i < std::min(endEffector->doc(), 3u); ++i) {
+        squared += filtered[i] * filtered[i];
+    }
+    EXPECT_LT(squared, 3.0 * 9.0) << "a velocity above the limit is lowered";
+}
+
+} // namespace

@@ -1,0 +1,212 @@
+#include "support/NqPrintCapture.h"
+
+#include <nqControlCore/filter/NqPointMotionFilter.h>
+#include <nqControlCore/foundation/xml/NqXmlDocument.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+namespace {
+
+using Filter = NqPointMotionFilter;
+
+NqVector velocityIn3D(const Filter& filter, const NqVector& error, const NqVector& desired,
+                      const NqVector& previous, double step) {
+    NqVector out;
+    EXPECT_TRUE(filter.calculate3DVelocity({}, error, desired, previous, step, out));
+    return out;
+}
+
+NqPlanarVector velocityIn2D(const Filter& filter, const NqPlanarVector& error, const NqPlanarVector& desired,
+                            const NqPlanarVector& previous, double step) {
+    NqPlanarVector out;
+    EXPECT_TRUE(filter.calculate2DVelocity({}, error, desired, previous, step, out));
+    return out;
+}
+
+Filter unlimited(unsigned mode) {
+    Filter filter = Filter::nullObject();
+    filter.setFilteringMode(mode);
+    filter.setLinearGain(200.0);
+    return filter;
+}
+
+TEST(NqPointMotionFilter, ProportionalGainIsTheLeastOfThree) {
+    Filter filter;
+    filter.setFilteringMode(Filter::Proportional);
+    const NqVector e(1e-3, 0.0, 0.0);
+    // Acceleration over speed, 8 / 1; one over the time step, 1 / 0.2; and the gain itself. Starting from the
+    // velocity that results, the limit of acceleration is out of play.
+    EXPECT_DOUBLE_EQ(velocityIn3D(filter, e, {}, {8e-3, 0.0, 0.0}, 0.1).x(), 8e-3);
+    EXPECT_DOUBLE_EQ(velocityIn3D(filter, e, {}, {5e-3, 0.0, 0.0}, 0.2).x(), 5e-3);
+    filter.setLinearGain(3.0);
+    EXPECT_DOUBLE_EQ(velocityIn3D(filter, e, {}, {3e-3, 0.0, 0.0}, 0.1).x(), 3e-3);
+    filter.setSpeedFactor(0.5); // scales acceleration and speed alike, and not the gain
+    EXPECT_DOUBLE_EQ(velocityIn3D(filter, e, {}, {3e-3, 0.0, 0.0}, 0.1).x(), 3e-3);
+}
+
+TEST(NqPointMotionFilter, TrapezoidalSpeedIsThatOfConstantDeceleration) {
+    Filter filter = unlimited(Filter::Trapezoidal);
+    filter.setAccelerationThreshold(2.0);
+    filter.setDecelerationThreshold(5.0); // the smaller of the two shapes the approach
+    const NqVector out = velocityIn3D(filter, {0.0, 0.3, 0.4}, {}, {0.0, 0.8, 1.1}, 0.1);
+    EXPECT_NEAR(out.mag(), std::sqrt(2.0 * 2.0 * 0.5), 1e-15);
+    filter.setDecelerationThreshold(1.0);
+    EXPECT_NEAR(velocityIn3D(filter, {0.0, 0.3, 0.4}, {}, {0.0, 0.6, 0.8}, 0.1).mag(), 1.0, 1e-15);
+    // Close by, one step is not passed: 1e-4 m within 0.1 s.
+    EXPECT_DOUBLE_EQ(velocityIn3D(filter, {1e-4, 0.0, 0.0}, {}, {}, 0.1).x(), 1e-3);
+    EXPECT_EQ(velocityIn3D(filter, {}, {}, {0.1, 0.0, 0.0}, 0.1), NqVector());
+}
+
+TEST(NqPointMotionFilter, ThreeHalvesTakesExponentAndFeedForwardByDimension) {
+    Filter filter = unlimited(Filter::ThreeHalves);
+    filter.setAccelerationThreshold(8.0);
+    filter.setDecelerationThreshold(8.0);
+    filter.setThreshold(4.0);
+    const double d = 0.01;
+    const auto speed = [&](double n) {
+        const double k = (n + 1.0) * 8.0 / std::pow(4.0, 1.0 - n);
+        return std::pow(k / std::pow(d, n), 1.0 / (n + 1.0)) * d;
+    };
+    filter.setExponent(0.75);
+    const double w = 0.01;
+    const double previous3D = speed(0.75) + 2.0 * w;
+    const double previous2D = speed(0.5) + w;
+    EXPECT_NEAR(velocityIn3D(filter, {d, 0, 0}, {w, 0, 0}, {previous3D, 0, 0}, 1e-3).x(), previous3D, 1e-14);
+    EXPECT_NEAR(velocityIn2D(filter, {d, 0}, {w, 0}, {previous2D, 0}, 1e-3).x(), previous2D, 1e-14);
+}
+
+TEST(NqPointMotionFilter, SwitchedOffItCoversTheWholeWayWhateverTheMode) {
+    Filter filter;
+    filter.setFilteringMode(7);
+    filter.setFilteringActive(false);
+    EXPECT_EQ(velocityIn3D(filter, {1.0, 2.0, -3.0}, {9.0, 9.0, 9.0}, {}, 0.5), NqVector(2.0, 4.0, -6.0));
+    EXPECT_EQ(velocityIn2D(filter, {1.0, 2.0}, {9.0, 9.0}, {}, 0.5), NqPlanarVector(2.0, 4.0));
+}
+
+TEST(NqPointMotionFilter, BadModeIsReportedAndLeavesTheOutput) {
+    Filter filter;
+    filter.setFilteringMode(3);
+    NqVector out(1.0, 2.0, 3.0);
+    NqPlanarVector planar(1.0, 2.0);
+    NqPrintCapture capture;
+    EXPECT_FALSE(filter.calculate3DVelocity({}, {1.0, 0.0, 0.0}, {}, {}, 0.1, out));
+    EXPECT_FALSE(filter.calculate2DVelocity({}, {1.0, 0.0}, {}, {}, 0.1, planar));
+    EXPECT_EQ(out, NqVector(1.0, 2.0, 3.0));
+    EXPECT_EQ(planar, NqPlanarVector(1.0, 2.0));
+    EXPECT_EQ(capture.text(), "NqPointMotionFilter::calculate3DVelcoity()->bad filtering mode: 3.\n"
+                              "NqPointMotionFilter::calculate2DVelcoity()->bad filtering mode: 3.\n");
+    EXPECT_TRUE(filter.filter3DVelocity({0.1, 0.0, 0.0}, {0.1, 0.0, 0.0}, 0.1, out));
+}
+
+TEST(NqPointMotionFilter, ValuesThatStayAndValuesThatPass) {
+    Filter filter;
+    filter.setExponent(-3.0);
+    EXPECT_EQ(filter.exponent(), -3.0);
+    filter.setExponent(std::numeric_limits<double>::quiet_NaN());
+    EXPECT_EQ(filter.exponent(), -3.0);
+
+    Filter other;
+    other.setSpeedFactor(0.5);
+    other.setFilteringActive(false);
+    EXPECT_TRUE(other == Filter());
+    EXPECT_EQ(Filter(other).speedFactor(), 0.5);
+    other.setLinearGain(1.0);
+    EXPECT_FALSE(other == Filter());
+
+    const Filter none = Filter::nullObject();
+    EXPECT_EQ(none.filteringMode(), Filter::Trapezoidal);
+    EXPECT_EQ(none.threshold(), 1e300);
+    EXPECT_EQ(none.linearGain(), 1.0);
+
+    NqPrintCapture capture;
+    EXPECT_FALSE(NqXmlDocument::readString("<pointMotionFilter>\n<filteringMode>sideways</filteringMode>\n"
+                                           "<threshold>2.5</threshold></pointMotionFilter>",
+                                           filter, "filter.xml"));
+    EXPECT_EQ(filter.filteringMode(), Filter::Trapezoidal);
+    EXPECT_EQ(filter.threshold(), 2.5);
+    EXPECT_TRUE(capture.contains(
+        "\"sideways\" is no value of element \"filteringMode\" -- file: filter.xml, line: 2"));
+}
+
+/// A mode, a speed factor and a dimension.
+class EveryPointProfile : public testing::TestWithParam<std::tuple<unsigned, double, bool>> {};
+
+INSTANTIATE_TEST_SUITE_P(Modes, EveryPointProfile,
+                         testing::Combine(testing::Values(0u, 1u, 2u), testing::Values(0.5, 1.0, 2.0),
+                                          testing::Bool()));
+
+TEST_P(EveryPointProfile, ReachesItsTargetFromRestWithinItsLimits) {
+    const auto [mode, factor, isPlanar] = GetParam();
+    std::mt19937_64 random(5);
+    std::uniform_real_distribution<double> uniform(0.0, 1.0);
+    for (unsigned move = 0; move < 200; ++move) {
+        Filter filter;
+        filter.setFilteringMode(mode);
+        filter.setExponent(0.5);
+        filter.setThreshold(0.2 + uniform(random));
+        filter.setAccelerationThreshold(1.0 + 8.0 * uniform(random));
+        filter.setDecelerationThreshold(1.0 + 8.0 * uniform(random));
+        filter.setSpeedFactor(factor);
+        const double step = 1e-3;
+        const double a = factor * filter.accelerationThreshold();
+        const double shaping =
+            factor * std::min(filter.accelerationThreshold(), filter.decelerationThreshold());
+        const double speedLimit = factor * filter.threshold();
+
+        const NqVector target(uniform(random), uniform(random), isPlanar ? 0.0 : uniform(random));
+        NqVector position;
+        NqVector velocity;
+        double nearest = target.mag();
+        for (unsigned i = 0; i < 20000 && nearest > 1e-9; ++i) {
+            const NqVector previous = velocity;
+            if (isPlanar) {
+                NqPlanarVector out;
+                ASSERT_TRUE(filter.calculate2DVelocity({position[0], position[1]}, {target[0], target[1]}, {},
+                                                       {velocity[0], velocity[1]}, step, out));
+                velocity = NqVector(out[0], out[1], 0.0);
+            } else {
+                velocity = velocityIn3D(filter, target - position, {}, velocity, step);
+            }
+            position += step * velocity;
+            ASSERT_LE(velocity.mag(), speedLimit * (1.0 + 1e-12));
+            // Free of the limit of acceleration are only speeds below 2 a h, or their like in three-halves
+            // mode.
+            const double free = mode == Filter::Proportional  ? 0.0
+                                : mode == Filter::Trapezoidal ? 2.0 * shaping * step
+                                                              : 1.5 * shaping / std::sqrt(speedLimit) * step;
+            if (velocity.mag() > free * (1.0 + 1e-9)) {
+                ASSERT_LE((velocity - previous).mag(), a * step * (1.0 + 1e-9))
+                    << "move " << move << ", step " << i;
+            }
+            const double distance = (target - position).mag();
+            ASSERT_LE(distance, nearest + 1e-9) << "passes its target, move " << move << ", step " << i;
+            nearest = distance;
+        }
+        EXPECT_LE(nearest, mode == Filter::Trapezoidal ? 1e-9 : 1e-3) << "move " << move;
+    }
+}
+
+TEST(NqPointMotionFilter, LimitsShortenWithoutTurning) {
+    Filter filter;
+    filter.setThreshold(2.0);
+    filter.setAccelerationThreshold(10.0);
+    filter.setSpeedFactor(0.5);
+    NqVector out;
+    const NqVector fast(3.0, 0.0, 4.0);
+    ASSERT_TRUE(filter.filter3DVelocity(fast, {0.6, 0.0, 0.8}, 0.1, out));
+    EXPECT_NEAR((out - NqVector(0.6, 0.0, 0.8)).mag(), 0.0, 1e-15);
+    ASSERT_TRUE(
+        filter.filter3DVelocity(fast, {}, 0.1, out)); // 1 m/s asked for, 0.5 m/s allowed within the step
+    EXPECT_NEAR((out - NqVector(0.3, 0.0, 0.4)).mag(), 0.0, 1e-15);
+    NqPlanarVector planar;
+    ASSERT_TRUE(filter.filter2DVelocity({3.0, 4.0}, {}, 0.1, planar));
+    EXPECT_NEAR((planar - NqPlanarVector(0.3, 0.4)).mag(), 0.0, 1e-15);
+    ASSERT_TRUE(filter.filter3DVelocity(fast, {1.0, 0.0, 0.0}, 0.0, out)); // no time, no change
+    EXPECT_NEAR((out - NqVector(1.0, 0.0, 0.0)).mag(), 0.0, 1e-140);
+}
+
+} // namespace

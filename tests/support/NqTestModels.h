@@ -1,0 +1,34 @@
+#pragma once
+
+#include <nqControlCore/foundation/manipulator/NqIndividualManipulator.h>
+#include <nqControlCore/foundation/manipulator/NqManipulatorActiveState.h>
+
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+/// A manipulator to try constraints on, with the links that they sit on.
+struct NqTestModel {
+    std::string name;
+    std::shared_ptr<const NqIndividualManipulator> manipulator;
+    std::string link;         ///< for the end-effector
+    std::string secondLink;   ///< for end-effectors between two links, inboard of `link` or on another branch
+    std::string relativeLink; ///< to be relative to
+    bool movesBase = false;   ///< whether the base has a pose and moves
+};
+
+/// A planar arm of 2 joints, arms of 6 and of 7 joints, a gantry of prismatic joints with a wrist, a branched
+/// tree, and the same tree with a free base.
+const std::vector<NqTestModel>& nqTestModels();
+
+/// A state with everything drawn at random: joints, rates, accelerations and, for a model that moves its
+/// base, the base's pose and motion.
+NqManipulatorActiveState nqRandomState(const NqTestModel& model, std::mt19937_64& random);
+
+NqVector nqRandomVector(std::mt19937_64& random);
+NqCoordinateSystemTransformation nqRandomFrame(std::mt19937_64& random);
+
+/// The state a time later (or earlier) in which joints and base go on at constant acceleration: positions to
+/// second order in time, velocities to first.
+NqManipulatorActiveState nqMoved(NqManipulatorActiveState& state, double time);

@@ -373,6 +373,9 @@ TEST_P(EveryEndEffector, GoldenFileReads) {
     const auto expectNoDefaults = [](const NqXmlCompoundType& object, const NqXmlCompoundType& theDefault,
                                      const auto& self) -> void {
         for (const auto& entry : object.componentMap()) {
+            if (entry.isReadOnly) {
+                continue; // of old files alone
+            }
             EXPECT_TRUE(entry.object->specified()) << entry.token.token();
             const auto* same = theDefault.componentMap().find(entry.token);
             if (const auto* compound = dynamic_cast<const NqXmlCompoundType*>(entry.object)) {

@@ -1,0 +1,234 @@
+#include "NqDriveOptions.h"
+
+#include "NqDriveText.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace {
+
+using Options = NqDriveOptions;
+
+/// Reads a number within bounds; `lowest` itself is left out when it is 0.
+bool readNumber(std::string_view text, double lowest, double highest, double& value, std::string& complaint) {
+    double parsed = 0.0;
+    if (!NqDriveText::parseFinite(text, parsed) || parsed < lowest || parsed > highest || parsed == 0.0) {
+        complaint = "needs a number " +
+                    (lowest == 0.0 ? "above 0" : "from " + NqDriveText::significant(lowest, 6)) + " up to " +
+                    NqDriveText::significant(highest, 6) + ", not '" + std::string(text) + "'";
+        return false;
+    }
+    value = parsed;
+    return true;
+}
+
+bool readList(std::string_view text, std::vector<double>& values, std::string& complaint) {
+    if (!NqDriveText::parseFiniteList(text, values)) {
+        complaint = "needs numbers separated by commas, not '" + std::string(text) + "'";
+        return false;
+    }
+    return true;
+}
+
+/// "x,y,z" or "hold" for each end-effector, separated by "/".
+bool readWayPoint(std::string_view text, bool isRelative, Options& options, std::string& complaint) {
+    Options::WayPoint wayPoint{isRelative, {}};
+    for (const std::string_view target : NqDriveText::split(text, '/')) {
+        std::vector<double> numbers;
+        if (target == "hold") {
+            wayPoint.targets.emplace_back();
+        } else if (NqDriveText::parseFiniteList(target, numbers) && numbers.size() == 3) {
+            wayPoint.targets.emplace_back(NqVector(numbers[0], numbers[1], numbers[2]));
+        } else {
+            complaint = "needs X,Y,Z or hold for each end-effector, separated by '/', not '" +
+                        std::string(text) + "'";
+            return false;
+        }
+    }
+    options.wayPoints.push_back(std::move(wayPoint));
+    return true;
+}
+
+bool readPosture(std::string_view text, Options& options, std::string& complaint) {
+    if (text == "middle") {
+        options.posture = Options::Posture::Middle;
+    } else if (text == "start") {
+        options.posture = Options::Posture::Start;
+    } else if (text == "none") {
+        options.posture = Options::Posture::None;
+    } else if (NqDriveText::parseFiniteList(text, options.givenPosture)) {
+        options.posture = Options::Posture::Given;
+    } else {
+        complaint = "needs middle, start, none or joint positions separated by commas, not '" +
+                    std::string(text) + "'";
+        return false;
+    }
+    return true;
+}
+
+bool readMetric(std::string_view text, Options& options, std::string& complaint) {
+    const std::string refusal =
+        "needs weights above 0 for all joints, or JOINT=WEIGHT, separated by commas, not '" +
+        std::string(text) + "'";
+    std::vector<double> all;
+    if (NqDriveText::parseFiniteList(text, all) && *std::min_element(all.begin(), all.end()) > 0.0) {
+        options.metric = std::move(all);
+        return true;
+    }
+    for (const std::string_view piece : NqDriveText::split(text, ',')) {
+        const std::size_t equals = piece.rfind('=');
+        double weight = 0.0;
+        if (equals == std::string_view::npos || equals == 0 ||
+            !NqDriveText::parseFinite(piece.substr(equals + 1), weight) || !(weight > 0.0)) {
+            complaint = refusal;
+            return false;
+        }
+        options.metricByLabel.emplace_back(piece.substr(0, equals), weight);
+    }
+    return true;
+}
+
+bool readName(std::string_view text, std::string& name, std::string& complaint) {
+    name = text;
+    if (text.empty()) {
+        complaint = "needs a name";
+    }
+    return !text.empty();
+}
+
+/// One option of the command line; without `value` it stands alone.
+struct Option {
+    std::string_view name;
+    std::string_view value;
+    std::string_view help;
+    bool (*apply)(std::string_view text, Options& options, std::string& complaint);
+};
+
+constexpr Option kOptions[] = {
+    {"--target", "TARGETS", "next way point: X,Y,Z for each end-effector, in metres",
+     [](std::string_view t, Options& o, std::string& c) { return readWayPoint(t, false, o, c); }},
+    {"--relative", "TARGETS", "next way point, as offsets from where the run starts",
+     [](std::string_view t, Options& o, std::string& c) { return readWayPoint(t, true, o, c); }},
+    {"--start", "Q1,Q2,...", "joint positions at the start (default: middle of the ranges)",
+     [](std::string_view t, Options& o, std::string& c) { return readList(t, o.start, c); }},
+    {"--posture", "POSTURE", "what free joints drift to: middle (default), start, none, or Q1,Q2,...",
+     readPosture},
+    {"--gain", "A", "how fast they drift there, in 1/s (default 1)",
+     [](std::string_view t, Options& o, std::string& c) { return readNumber(t, 0.0, 1000.0, o.gain, c); }},
+    {"--metric", "WEIGHTS", "W1,W2,... or JOINT=W,...: joints with more weight move less (default 1)",
+     readMetric},
+    {"--rate", "HZ", "control steps per second (default 1000)",
+     [](std::string_view t, Options& o, std::string& c) { return readNumber(t, 1.0, 100000.0, o.rate, c); }},
+    {"--time", "S", "give up after this time (default 30)",
+     [](std::string_view t, Options& o, std::string& c) { return readNumber(t, 0.0, 86400.0, o.time, c); }},
+    {"--tolerance", "M", "distance within which a target counts as reached (default 0.0001)",
+     [](std::string_view t, Options& o, std::string& c) { return readNumber(t, 0.0, 1.0, o.tolerance, c); }},
+    {"--output", "DIR", "folder for trajectory.csv and report.html (default nqDrive-out)",
+     [](std::string_view t, Options& o, std::string& c) { return readName(t, o.output, c); }},
+    {"--svg", "FILE", "also write one picture of the run",
+     [](std::string_view t, Options& o, std::string& c) { return readName(t, o.svg, c); }},
+    {"--quiet", "", "no progress and no tables",
+     [](std::string_view, Options& o, std::string&) { return o.isQuiet = true; }},
+};
+
+} // namespace
+
+NqDriveOptions::Request NqDriveOptions::parse(int argc, const char* const* argv, NqDriveOptions& options,
+                                              std::string& complaint) {
+    std::vector<std::string_view> files;
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view argument = argv[i];
+        if (argument == "--help" || argument == "-h") {
+            return Request::Help;
+        }
+        if (argument == "--version") {
+            return Request::Version;
+        }
+        if (!argument.starts_with("-") || argument == "-") {
+            files.push_back(argument);
+            continue;
+        }
+        const std::size_t equals = argument.find('=');
+        const std::string_view name = argument.substr(0, equals);
+        const auto option = std::find_if(std::begin(kOptions), std::end(kOptions),
+                                         [&](const Option& candidate) { return candidate.name == name; });
+        if (option == std::end(kOptions)) {
+            complaint = "unknown option '" + std::string(name) + "' (nqDrive --help lists them)";
+            return Request::Refused;
+        }
+        std::string_view value;
+        if (equals != std::string_view::npos) {
+            value = argument.substr(equals + 1);
+        } else if (!option->value.empty()) {
+            if (i + 1 == argc || std::string_view(argv[i + 1]).starts_with("--")) {
+                complaint = std::string(name) + " needs a value: " + std::string(name) + " " +
+                            std::string(option->value);
+                return Request::Refused;
+            }
+            value = argv[++i];
+        }
+        if (option->value.empty() && !value.empty()) {
+            complaint = std::string(name) + " takes no value";
+            return Request::Refused;
+        }
+        if (!option->apply(value, options, complaint)) {
+            complaint = std::string(name) + " " + complaint;
+            return Request::Refused;
+        }
+    }
+    if (files.size() != 2) {
+        complaint =
+            files.size() < 2
+                ? "needs two files: nqDrive MODEL.urdf ENDEFFECTORS.xml [options] (see nqDrive --help)"
+                : "one file too many: '" + std::string(files[2]) + "' (see nqDrive --help)";
+        return Request::Refused;
+    }
+    options.model = files[0];
+    options.endEffectors = files[1];
+    if (options.wayPoints.empty()) {
+        complaint = "no target: give at least one --target X,Y,Z or --relative X,Y,Z (see nqDrive --help)";
+        return Request::Refused;
+    }
+    return Request::Run;
+}
+
+std::string NqDriveOptions::help() {
+    std::string text = R"(usage: nqDrive MODEL.urdf ENDEFFECTORS.xml --target X,Y,Z [options]
+
+Drives the end-effectors of a robot to targets: reads the robot and the end-effectors, runs the control loop, and
+writes trajectory.csv and report.html.
+
+)";
+    for (const Option& option : kOptions) {
+        text += "  " + NqDriveText::padded(std::string(option.name) + " " + std::string(option.value), 22) +
+                std::string(option.help) + "\n";
+    }
+    text += "  " + NqDriveText::padded("--help, --version", 22) + "this text; the version\n";
+    return text + R"(
+Targets are given for the end-effectors in the order of their file, separated by "/": 0.4,0.1,0.5/0.2,0,0.3 for two.
+"hold" instead of numbers keeps an end-effector where it was last sent. The target options may be given several
+times; the way points are driven to one after the other.
+Positions and rates are in rad and rad/s, of linear joints in m and m/s.
+
+Exit status: 0 when all targets were reached, 1 when they were not, 2 for bad usage or input.
+
+Examples:
+  nqDrive models/arm7.urdf models/arm7.endeffectors.xml --relative 0.1,0.2,-0.1
+  nqDrive models/arm7.urdf models/arm7.endeffectors.xml --target 0.5,0.2,0.4 --target 0.5,-0.2,0.4 --posture start
+  nqDrive models/arm6.urdf models/arm6.endeffectors.xml --relative 0,0.1,0 --relative 0,0,0 --output out --svg run.svg
+)";
+}
+
+std::string NqDriveOptions::postureText() const {
+    switch (posture) {
+    case Posture::Middle:
+        return "middle of the joint ranges";
+    case Posture::Start:
+        return "start posture";
+    case Posture::None:
+        return "none";
+    case Posture::Given:
+        break;
+    }
+    return "given";
+}

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <nqControlCore/foundation/math/NqVector.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+/// The history of a run in bounded memory: when the table is full, every second row goes and from then on
+/// only every second step is kept. Nothing is allocated after construction.
+class NqDriveRecorder {
+public:
+    /// One row; the vectors have an entry for each joint, or for each end-effector.
+    struct Sample {
+        double time = 0.0;        ///< s
+        double wayPoint = 0.0;    ///< number of the way point that is driven to, from 1
+        double determinant = 0.0; ///< of the solver's square system
+        double slowing = 1.0;     ///< share of the commanded step that was made
+        const double* positions;  ///< rad or m
+        const double* rates;      ///< rad/s or m/s
+        const NqVector* points;   ///< placement's translation in the system frame, m
+        const double* errors;     ///< left to the target
+        const double* speeds;     ///< of the end-effector
+    };
+
+    NqDriveRecorder(std::size_t joints, std::size_t endEffectors, std::size_t capacity = 16384);
+
+    /// Takes up a step, or leaves it out while the table is thinned; `isKept` takes it up all the same.
+    void add(const Sample& sample, bool isKept = false);
+
+    std::size_t joints() const { return m_Joints; }
+    std::size_t endEffectors() const { return m_EndEffectors; }
+    std::size_t rows() const { return m_Rows; }
+    /// How many steps lie between two rows.
+    std::uint64_t stride() const { return m_Stride; }
+
+    double time(std::size_t row) const { return at(row, 0); }
+    double wayPoint(std::size_t row) const { return at(row, 1); }
+    double determinant(std::size_t row) const { return at(row, 2); }
+    double slowing(std::size_t row) const { return at(row, 3); }
+    double position(std::size_t row, std::size_t joint) const { return at(row, kHead + joint); }
+    double rate(std::size_t row, std::size_t joint) const { return at(row, kHead + m_Joints + joint); }
+    NqVector point(std::size_t row, std::size_t endEffector) const;
+    double error(std::size_t row, std::size_t endEffector) const {
+        return at(row, effectorColumn(endEffector) + 3);
+    }
+    double speed(std::size_t row, std::size_t endEffector) const {
+        return at(row, effectorColumn(endEffector) + 4);
+    }
+
+    /// One quantity over all rows: `column(&NqDriveRecorder::rate, 2)`.
+    template <typename... Index>
+    std::vector<double> column(double (NqDriveRecorder::*quantity)(std::size_t, Index...) const,
+                               Index... index) const {
+        std::vector<double> values(m_Rows);
+        for (std::size_t row = 0; row < m_Rows; ++row) {
+            values[row] = (this->*quantity)(row, index...);
+        }
+        return values;
+    }
+
+private:
+    static constexpr std::size_t kHead = 4;
+    static constexpr std::size_t kPerEffector = 5;
+
+    std::size_t effectorColumn(std::size_t endEffector) const {
+        return kHead + 2 * m_Joints + kPerEffector * endEffector;
+    }
+    double at(std::size_t row, std::size_t column) const { return m_Table[row * m_Width + column]; }
+    void thin();
+
+    std::size_t m_Joints;
+    std::size_t m_EndEffectors;
+    std::size_t m_Width;
+    std::size_t m_Capacity;
+    std::vector<double> m_Table;
+    std::size_t m_Rows = 0;
+    std::uint64_t m_Stride = 1;
+    std::uint64_t m_Steps = 0;
+};

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "NqDriveRecord.h"
+#include "NqSvgPlot.h"
+
+#include <string>
+
+/// A run on paper: a page that needs no other file, and a picture.
+class NqDriveReport {
+public:
+    NqDriveReport(const NqDriveRecord& record, const NqDriveRecorder& recorder);
+
+    /// The page, as HTML that is well-formed XML too.
+    std::string html() const;
+
+    /// The arm, the distances to the targets, the speeds and the joint load in one drawing.
+    std::string svg() const;
+
+private:
+    NqSvgPlot prepared(double width, double height, const std::string& title, const std::string& unit) const;
+    NqSvgPlot errorPlot(double width, double height) const;
+    NqSvgPlot speedPlot(double width, double height) const;
+    NqSvgPlot positionPlot(std::size_t joint, double width, double height) const;
+    NqSvgPlot ratePlot(std::size_t joint, double width, double height) const;
+    NqSvgPlot loadPlot(double width, double height) const;
+    NqSvgPlot determinantPlot(double width, double height) const;
+    NqSvgPlot slowingPlot(double width, double height) const;
+    std::string armFigure() const;
+
+    std::string runTable() const;
+    std::string wayPointTable() const;
+    std::string endEffectorTable() const;
+    std::string jointTable() const;
+
+    const NqDriveRecord& m_Record;
+    const NqDriveRecorder& m_Recorder;
+    std::vector<double> m_Times;
+};

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "NqDriveLoop.h"
+#include "NqDriveRecord.h"
+#include "NqDriveRecorder.h"
+#include "NqDriveTask.h"
+
+/// Drives a task to its end: way point after way point, until the last is reached, the time is over or
+/// nothing moves on.
+class NqDriveRun {
+public:
+    /// Is told of every step, and of every way point when it is reached.
+    class Watcher {
+    public:
+        virtual ~Watcher() = default;
+        virtual void stepDone(const NqDriveRun& run) = 0;
+        virtual void wayPointReached(const NqDriveRun& run) = 0;
+    };
+
+    /// The task must outlive the run.
+    explicit NqDriveRun(const NqDriveTask& task);
+
+    /// Runs once. Nothing allocates while the arm moves.
+    void execute(Watcher& watcher);
+
+    const NqDriveLoop& loop() const { return m_Loop; }
+    const NqDriveTask& task() const { return m_Task; }
+    const NqDriveRecorder& recorder() const { return m_Recorder; }
+    const NqDriveRecord& record() const { return m_Record; }
+    /// Which way point is being driven to, from 0.
+    std::size_t wayPoint() const { return m_WayPoint; }
+    /// The end-effector with the largest error.
+    std::size_t farthest() const;
+
+private:
+    bool isWayPointReached() const;
+    bool isStalled();
+    void startWayPoint();
+    void noteStep();
+    void noteSample(bool isKept);
+    void conclude(NqDriveRecord::Outcome outcome);
+    std::string verdict() const;
+    std::string idleDirection() const;
+    void sketch();
+
+    const NqDriveTask& m_Task;
+    NqDriveLoop m_Loop;
+    NqDriveRecorder m_Recorder;
+    NqDriveRecord m_Record;
+    std::vector<NqVector> m_LastPoints;
+    std::size_t m_WayPoint = 0;
+    double m_BestError = 0.0;
+    double m_BestTime = 0.0;
+    unsigned m_RangeJoint = 0;
+    double m_RangeTime = 0.0;
+};

@@ -1,0 +1,260 @@
+#include "NqDriveTask.h"
+
+#include "NqDriveLoop.h"
+#include "NqDriveText.h"
+#include "NqMessageCollector.h"
+
+#include <nqControlCore/endeffector/NqPointEndEffector.h>
+#include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
+#include <nqControlCore/foundation/xml/NqXmlDocument.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+
+using NqDriveText::fixed;
+using NqDriveText::inQuotes;
+using NqDriveText::significant;
+
+namespace {
+
+std::string inQuotes(const std::string& text) {
+    return "'" + text + "'";
+}
+
+} // namespace
+
+bool NqDriveTask::refuse(std::string complaint) {
+    m_Complaint = std::move(complaint);
+    return false;
+}
+
+bool NqDriveTask::hasJointCount(const std::vector<double>& values, const char* option) {
+    const std::size_t joints = m_Manipulator.numberOfJoints();
+    return values.size() == joints ||
+           refuse(std::string(option) + " has " + std::to_string(values.size()) +
+                  " numbers, but the robot has " + std::to_string(joints) + " joints");
+}
+
+bool NqDriveTask::load(const NqDriveOptions& options) {
+    m_Options = options;
+    if (options.gain > options.rate) {
+        return refuse("--gain must not be greater than --rate: the drift would overshoot in every step");
+    }
+    return readFiles() && nameEndEffectors() && setStart() && setPosture() && setMetric() &&
+           checkConstraints() && setTargets();
+}
+
+bool NqDriveTask::readFiles() {
+    for (const std::string& file : {m_Options.model, m_Options.endEffectors}) {
+        std::error_code error;
+        if (!std::filesystem::is_regular_file(file, error)) {
+            return refuse("no such file: " + inQuotes(file));
+        }
+    }
+    NqMessageCollector messages;
+    if (!NqUrdfReader::readFile(m_Options.model, m_Manipulator)) {
+        return refuse("cannot read the robot " + inQuotes(m_Options.model) + ": " +
+                      messages.first("not a URDF model"));
+    }
+    const std::size_t robotMessages = messages.lines().size();
+    if (!NqXmlDocument::readFile(m_Options.endEffectors, m_EndEffectors)) {
+        const auto& lines = messages.lines();
+        return refuse("cannot read the end-effectors " + inQuotes(m_Options.endEffectors) + ": " +
+                      (lines.size() > robotMessages ? lines[robotMessages] : "not an endEffectorVector"));
+    }
+    m_Notes = messages.lines();
+    if (m_Manipulator.numberOfJoints() == 0) {
+        return refuse("the robot " + inQuotes(m_Options.model) + " has no moving joint");
+    }
+    if (m_EndEffectors.size() == 0) {
+        return refuse("no end-effector in " + inQuotes(m_Options.endEffectors) +
+                      (m_Notes.empty() ? "" : ": " + m_Notes.back()));
+    }
+    return true;
+}
+
+bool NqDriveTask::nameEndEffectors() {
+    for (unsigned e = 0; e < m_EndEffectors.size(); ++e) {
+        const std::string& label = m_EndEffectors[e]->linkIdentifier();
+        if (!label.empty() && !m_Manipulator.linkByLabel(label)) {
+            return refuse("end-effector " + std::to_string(e + 1) + " sits on link " + inQuotes(label) +
+                          ", which the robot doesn't have");
+        }
+        std::string name = label.empty() ? m_EndEffectors[e]->token().token() : label;
+        const auto isTaken = [&](const std::string& candidate) {
+            return std::find(m_Names.begin(), m_Names.end(), candidate) != m_Names.end();
+        };
+        for (unsigned number = 2; isTaken(name); ++number) {
+            name = label + " " + std::to_string(number);
+        }
+        m_Names.push_back(name);
+    }
+    return true;
+}
+
+bool NqDriveTask::setStart() {
+    m_Start = m_Options.start;
+    if (m_Start.empty()) {
+        for (unsigned j = 0; j < m_Manipulator.numberOfJoints(); ++j) {
+            const NqJointDescription& joint = m_Manipulator.linkByIndex(j)->joint();
+            const double middle = 0.5 * (joint.lowerPositionLimit() + joint.upperPositionLimit());
+            m_Start.push_back(std::isfinite(middle) ? middle : 0.0);
+        }
+    }
+    if (!hasJointCount(m_Start, "--start")) {
+        return false;
+    }
+    for (unsigned j = 0; j < m_Start.size(); ++j) {
+        const NqJointDescription& joint = m_Manipulator.linkByIndex(j)->joint();
+        if (m_Start[j] < joint.lowerPositionLimit() || m_Start[j] > joint.upperPositionLimit()) {
+            return refuse("--start puts joint " + inQuotes(joint.name()) + " at " +
+                          significant(m_Start[j], 6) + ", outside its range from " +
+                          significant(joint.lowerPositionLimit(), 6) + " to " +
+                          significant(joint.upperPositionLimit(), 6));
+        }
+    }
+    return true;
+}
+
+bool NqDriveTask::setPosture() {
+    switch (m_Options.posture) {
+    case NqDriveOptions::Posture::Start:
+        m_Posture = m_Start;
+        break;
+    case NqDriveOptions::Posture::Given:
+        m_Posture = m_Options.givenPosture;
+        return hasJointCount(m_Posture, "--posture");
+    case NqDriveOptions::Posture::Middle:
+        for (unsigned j = 0; j < m_Start.size(); ++j) {
+            const NqJointDescription& joint = m_Manipulator.linkByIndex(j)->joint();
+            const double middle = 0.5 * (joint.lowerPositionLimit() + joint.upperPositionLimit());
+            m_Posture.push_back(std::isfinite(middle) ? middle : m_Start[j]);
+        }
+        break;
+    case NqDriveOptions::Posture::None:
+        break;
+    }
+    return true;
+}
+
+bool NqDriveTask::setMetric() {
+    m_Metric = m_Options.metric.empty() ? std::vector<double>(m_Start.size(), 1.0) : m_Options.metric;
+    if (!hasJointCount(m_Metric, "--metric")) {
+        return false;
+    }
+    for (const auto& [label, weight] : m_Options.metricByLabel) {
+        bool isFound = false;
+        for (unsigned j = 0; j < m_Metric.size(); ++j) {
+            const NqManipulatorLink& link = *m_Manipulator.linkByIndex(j);
+            if (link.joint().name() == label || link.linkLabel() == label) {
+                m_Metric[j] = weight;
+                isFound = true;
+            }
+        }
+        if (!isFound) {
+            return refuse("--metric names joint " + inQuotes(label) + ", which the robot doesn't have");
+        }
+    }
+    return true;
+}
+
+bool NqDriveTask::checkConstraints() {
+    NqMessageCollector messages;
+    NqDriveLoop loop(m_Manipulator, m_EndEffectors, 1.0 / m_Options.rate);
+    loop.setPositions(m_Start);
+    if (!messages.lines().empty()) {
+        return refuse("the end-effectors don't fit the robot: " + messages.lines().front());
+    }
+    if (loop.rows() > loop.joints()) {
+        return refuse("the end-effectors constrain " + std::to_string(loop.rows()) +
+                      " coordinates, but the robot has only " + std::to_string(loop.joints()) + " joints");
+    }
+    for (unsigned e = 0; e < m_EndEffectors.size(); ++e) {
+        std::vector<std::vector<bool>> sparsity;
+        const NqEndEffector& endEffector = *m_EndEffectors[e];
+        endEffector.insertSparsityComponent(m_Manipulator, 0, endEffector.relativeLinkData(), true, sparsity);
+        for (const auto& row : sparsity) {
+            if (std::find(row.begin(), row.end(), true) == row.end()) {
+                return refuse("no joint moves end-effector " + inQuotes(m_Names[e]));
+            }
+        }
+    }
+    return true;
+}
+
+bool NqDriveTask::setTargets() {
+    NqDriveLoop loop(m_Manipulator, m_EndEffectors, 1.0 / m_Options.rate);
+    loop.setPositions(m_Start);
+    std::vector<NqEndEffectorPlacement> start;
+    for (std::size_t e = 0; e < loop.endEffectors(); ++e) {
+        start.push_back(loop.relativePlacement(e));
+    }
+    std::vector<NqEndEffectorPlacement> targets = start;
+    for (std::size_t w = 0; w < m_Options.wayPoints.size(); ++w) {
+        const NqDriveOptions::WayPoint& wayPoint = m_Options.wayPoints[w];
+        if (wayPoint.targets.size() != targets.size()) {
+            const auto counted = [](std::size_t count, const std::string& what) {
+                return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+            };
+            return refuse("way point " + std::to_string(w + 1) + " has " +
+                          counted(wayPoint.targets.size(), "target") + " for " +
+                          counted(targets.size(), "end-effector"));
+        }
+        for (std::size_t e = 0; e < targets.size(); ++e) {
+            if (wayPoint.targets[e]) {
+                NqCoordinateSystemTransformation target = start[e].coordSysXForm();
+                target.setTranslation(wayPoint.isRelative ? target.translation() + *wayPoint.targets[e]
+                                                          : *wayPoint.targets[e]);
+                targets[e].setCoordSysXForm(target);
+            }
+        }
+        m_Targets.push_back(targets);
+    }
+    return true;
+}
+
+/// The largest distance of an end-effector's point from `centre` that the lengths of the links allow.
+double NqDriveTask::reach(const NqEndEffector& endEffector, const NqVector& point, NqVector& centre) const {
+    NqManipulatorActivePositionState state(m_Manipulator);
+    state.setPositionState(NqPositionState(m_Start));
+    double reach = 0.0;
+    NqVector outboard = point;
+    const NqManipulatorLink* link = m_Manipulator.linkByLabel(endEffector.linkIdentifier());
+    for (; link && link->parentLink(); link = link->parentLink()) {
+        const NqVector& origin = link->linkFrameInSystem(state).translation();
+        reach += (outboard - origin).mag();
+        const NqJointDescription& joint = link->joint();
+        if (joint.type() == NqJointDescription::Prismatic) {
+            const double position = m_Start[link->jointIndex()];
+            reach += std::max(joint.upperPositionLimit() - position, position - joint.lowerPositionLimit());
+        }
+        outboard = origin;
+    }
+    centre = outboard;
+    return reach;
+}
+
+std::string NqDriveTask::unreachableTarget() const {
+    NqDriveLoop loop(m_Manipulator, m_EndEffectors, 1.0 / m_Options.rate);
+    loop.setPositions(m_Start);
+    for (unsigned e = 0; e < m_EndEffectors.size(); ++e) {
+        const NqEndEffector& endEffector = *m_EndEffectors[e];
+        if (!dynamic_cast<const NqPointEndEffector*>(&endEffector) ||
+            endEffector.relativeLinkData().relativeMode() != 0) {
+            continue;
+        }
+        NqVector centre;
+        const double bound = reach(endEffector, loop.points()[e], centre);
+        for (std::size_t w = 0; w < m_Targets.size(); ++w) {
+            const double distance = (m_Targets[w][e].coordSysXForm().translation() - centre).mag();
+            if (distance > bound + m_Options.tolerance) {
+                return "way point " + std::to_string(w + 1) + " is out of reach of end-effector " +
+                       inQuotes(m_Names[e]) + ": " + fixed(distance, 3) +
+                       " m from the first joint, and the arm stretched out measures " + fixed(bound, 3) +
+                       " m";
+            }
+        }
+    }
+    return {};
+}

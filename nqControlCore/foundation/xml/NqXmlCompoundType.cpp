@@ -24,6 +24,11 @@ bool NqXmlCompoundType::read(NqXmlReader& reader) {
     if (!NqXmlObject::read(reader)) {
         return false;
     }
+    for (const auto* map : {&componentMap(), &attributeComponentMap()}) {
+        for (const auto& entry : *map) {
+            entry.object->setSpecified(false);
+        }
+    }
     const bool attributesRead = readAttributes(reader);
     return readElements(reader) && attributesRead;
 }

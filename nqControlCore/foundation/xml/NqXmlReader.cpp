@@ -2,23 +2,35 @@
 
 #include <nqControlCore/foundation/text/NqPrint.h>
 #include <nqControlCore/foundation/text/NqTextConversion.h>
+#include <nqControlCore/foundation/xml/NqXmlInputGuard.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 #include <vector>
 
 #include <libxml/xmlreader.h>
 
 namespace {
 
-constexpr int kDeepestNesting = 256;
+constexpr int kDeepestNesting = 256; // libxml2's own limit too
+constexpr const char* kTooDeep = "nested deeper than 256 elements";
 constexpr unsigned kMostReports = 200;
 constexpr std::size_t kLongestQuotation = 60;
 
 std::string_view viewOf(const xmlChar* text) {
     return text ? std::string_view(reinterpret_cast<const char*>(text)) : std::string_view();
+}
+
+/// What libxml2 says, but for two cases that it words for its own developers.
+std::string describe(const xmlError& error) {
+    const std::string_view message = nqTrimmed(error.message ? error.message : "broken document");
+    if (error.code == XML_ERR_DOCUMENT_END) {
+        return "the document breaks off, or goes on behind its end";
+    }
+    return message.starts_with("Excessive depth") ? std::string(kTooDeep) : std::string(message);
 }
 
 struct Attribute {
@@ -36,7 +48,9 @@ struct NqXmlReader::Implementation {
     const NqXmlBaseVariableCompoundType* context = nullptr;
     std::vector<Attribute> attributes;
     unsigned currentAttribute = 0;
+    NqXmlInputGuard guard;
     unsigned reports = 0;
+    unsigned failureLine = 0; ///< where the document itself is broken
     bool started = false;
     bool failed = false;
 
@@ -51,32 +65,43 @@ struct NqXmlReader::Implementation {
 
     /// Bytes for libxml2, which itself opens nothing: so nothing is decompressed or fetched either.
     static int readBytes(void* context, char* buffer, int length) {
-        auto& self = *static_cast<Implementation*>(context);
-        const auto wanted = static_cast<std::size_t>(length);
+        auto& owner = *static_cast<NqXmlReader*>(context);
+        auto& self = *owner.m_Implementation;
+        std::size_t count = static_cast<std::size_t>(length);
         if (self.file) {
-            const std::size_t count = std::fread(buffer, 1, wanted, self.file);
-            return count == 0 && std::ferror(self.file) ? -1 : static_cast<int>(count);
+            count = std::fread(buffer, 1, count, self.file);
+            if (count == 0 && std::ferror(self.file)) {
+                owner.fail(std::string("cannot be read: ") + std::strerror(errno));
+                return -1;
+            }
+        } else {
+            count = std::min(count, self.memory.size());
+            std::memcpy(buffer, self.memory.data(), count);
+            self.memory.remove_prefix(count);
         }
-        const std::size_t count = std::min(wanted, self.memory.size());
-        std::memcpy(buffer, self.memory.data(), count);
-        self.memory.remove_prefix(count);
+        if (const char* trouble = self.guard.troubleIn({buffer, count})) {
+            self.failureLine = self.guard.line();
+            owner.fail(trouble);
+            return -1;
+        }
         return static_cast<int>(count);
     }
 
     static void takeError(void* context, xmlErrorPtr error) {
         auto& owner = *static_cast<NqXmlReader*>(context);
-        if (error->level >= XML_ERR_ERROR && !owner.m_Implementation->failed) {
-            owner.fail(std::string(nqTrimmed(error->message ? error->message : "broken document")));
+        if (error->level >= XML_ERR_ERROR && owner.good()) {
+            owner.m_Implementation->failureLine = static_cast<unsigned>(std::max(error->line, 0));
+            owner.fail(describe(*error));
         }
     }
 
     void open(NqXmlReader* owner) {
-        // Entities are not substituted, no DTD is loaded, nothing comes from the network.
-        reader = xmlReaderForIO(readBytes, nullptr, this, nullptr, nullptr, XML_PARSE_NONET);
+        reader = xmlReaderForIO(readBytes, nullptr, owner, nullptr, "UTF-8",
+                                XML_PARSE_NONET | XML_PARSE_IGNORE_ENC);
         if (reader) {
             xmlTextReaderSetStructuredErrorHandler(
                 reader, reinterpret_cast<xmlStructuredErrorFunc>(takeError), owner);
-        } else {
+        } else if (owner->good()) {
             owner->fail("cannot be read");
         }
     }
@@ -177,7 +202,7 @@ bool NqXmlReader::moveOn() {
         return false;
     case XML_READER_TYPE_ELEMENT:
         if (depth() >= kDeepestNesting) {
-            fail("nested deeper than " + std::to_string(kDeepestNesting) + " elements");
+            fail(kTooDeep);
             return false;
         }
         m_Implementation->collectAttributes();
@@ -226,9 +251,15 @@ bool NqXmlReader::good() const {
 }
 
 unsigned NqXmlReader::lineNumber() const {
-    const int line =
-        m_Implementation->reader ? xmlTextReaderGetParserLineNumber(m_Implementation->reader) : 0;
-    return line > 0 ? static_cast<unsigned>(line) : 0;
+    if (m_Implementation->failureLine != 0 || !m_Implementation->reader) {
+        return m_Implementation->failureLine;
+    }
+    // The parser works ahead, so the line of the node is the better one; a node has 16 bits for it.
+    const long nodeLine = xmlGetLineNo(xmlTextReaderCurrentNode(m_Implementation->reader));
+    if (nodeLine > 0 && nodeLine < std::numeric_limits<unsigned short>::max()) {
+        return static_cast<unsigned>(nodeLine);
+    }
+    return static_cast<unsigned>(std::max(xmlTextReaderGetParserLineNumber(m_Implementation->reader), 0));
 }
 
 const std::string& NqXmlReader::fileName() const {

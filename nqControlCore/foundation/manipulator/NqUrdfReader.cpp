@@ -104,6 +104,9 @@ public:
         if (m_NumberOfLinks > kMostLinks) {
             return source.refuse("more than %u links", kMostLinks);
         }
+        if (hasLoop()) {
+            return source.refuse("some links form a loop");
+        }
         xmlChar* cleaned = nullptr;
         int size = 0;
         xmlDocDumpMemoryEnc(document.get(), &cleaned, &size, "UTF-8");
@@ -151,17 +154,48 @@ private:
             ++m_NumberOfLinks;
         } else if (name == "joint") {
             m_JointOrder.emplace(attribute(element, "name"), m_JointOrder.size());
-        } else if (name == "child" && !m_Children.insert(attribute(element, "link")).second) {
-            return source.refuse("line %d: link \"%s\" is the child of two joints", xmlGetLineNo(element),
-                                 attribute(element, "link"));
+        } else if (name == "child") {
+            const std::string child = attribute(element, "link");
+            if (!m_Parents.emplace(child, parentOf(element)).second) {
+                return source.refuse("line %d: link \"%s\" is the child of two joints", xmlGetLineNo(element),
+                                     child);
+            }
         }
         return true;
+    }
+
+    /// The parent link that the joint around this element names.
+    static std::string parentOf(const xmlNode* element) {
+        for (xmlNode* sibling = element->parent->children; sibling; sibling = sibling->next) {
+            if (sibling->type == XML_ELEMENT_NODE && view(sibling->name) == "parent") {
+                return attribute(sibling, "link");
+            }
+        }
+        return {};
+    }
+
+    /// Whether walking from some link to its parents never ends. The URDF parser would make objects that keep
+    /// each other alive.
+    bool hasLoop() const {
+        std::set<std::string_view> ending;
+        for (const auto& start : m_Parents) {
+            std::set<std::string_view> path;
+            auto walk = m_Parents.find(start.first);
+            while (walk != m_Parents.end() && !ending.contains(walk->first)) {
+                if (!path.insert(walk->first).second) {
+                    return true;
+                }
+                walk = m_Parents.find(walk->second);
+            }
+            ending.merge(path);
+        }
+        return false;
     }
 
     std::string m_Text;
     std::size_t m_NumberOfLinks = 0;
     std::map<std::string, std::size_t> m_JointOrder;
-    std::set<std::string> m_Children;
+    std::map<std::string, std::string> m_Parents; ///< by child link
 };
 
 /// Takes the error messages of the URDF parser, which go to one handler of the process. There is one such
@@ -298,9 +332,6 @@ bool build(const Source& source, const CleanDescription& description, const urdf
                    description.jointOrder(b->parent_joint->name);
         });
     }
-    if (result.numberOfLinks() != model.links_.size()) {
-        return source.refuse("some links form a loop");
-    }
     return true;
 }
 
@@ -314,6 +345,7 @@ bool readText(const Source& source, const std::string& text, NqIndividualManipul
     }
     std::string error;
     const urdf::ModelInterfaceSharedPtr model = ParserMessages::instance().parse(description.text(), error);
+    error.erase(error.find_last_not_of(". \n") + 1);
     // An error may leave a model of which a part is missing.
     if (!model || !model->root_link_ || !error.empty()) {
         return source.refuse("%s", error.empty() ? std::string("no robot to be read") : error);

@@ -1,0 +1,115 @@
+#include <crosscheck/NqKdlModel.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+namespace {
+
+constexpr double kTolerance = 1.0e-12;
+constexpr unsigned kSeed = 20240;
+constexpr int kPoses = 20;
+
+class KdlKinematics : public testing::TestWithParam<std::string> {
+protected:
+    void SetUp() override { ASSERT_TRUE(m_Model.read(GetParam())); }
+
+    /// Calls `check` with each link's label at each of the poses, and takes the largest deviation that it
+    /// gives.
+    template <typename Check>
+    void expectAgreement(const char* what, Check check) {
+        std::mt19937_64 generator(kSeed);
+        double largest = 0.0;
+        for (int pose = 0; pose < kPoses; ++pose) {
+            m_Model.setRandomPose(generator);
+            for (const auto& [label, element] : m_Model.tree().getSegments()) {
+                const double deviation = check(label);
+                EXPECT_LE(deviation, kTolerance)
+                    << what << " of " << label << ", pose " << pose << ", seed " << kSeed;
+                largest = std::max(largest, deviation);
+            }
+        }
+        std::printf("%s: %s within %.1e\n", GetParam().c_str(), what, largest);
+    }
+
+    const NqManipulatorLink& link(const std::string& label) {
+        const NqManipulatorLink* found = m_Model.manipulator().linkByLabel(label);
+        return found ? *found : m_Model.manipulator();
+    }
+
+    NqKdlModel m_Model;
+};
+
+TEST_P(KdlKinematics, FramesOfAllLinks) {
+    expectAgreement("frames", [&](const std::string& label) {
+        return nqDeviation(m_Model.frame(label),
+                           link(label).primaryFrameInSystem(m_Model.state().activePositionState()));
+    });
+}
+
+TEST_P(KdlKinematics, JacobianOfAPointOnEachLink) {
+    const NqVector point(0.1, -0.2, 0.3);
+    expectAgreement("Jacobian", [&](const std::string& label) {
+        NqManipulatorActivePositionState& state = m_Model.state().activePositionState();
+        const NqVector position = link(label).primaryFrameInSystem(state) * point;
+        std::vector<NqGeneralMotion> columns(m_Model.manipulator().numberOfJoints());
+        for (const NqManipulatorLink* walk = &link(label); walk->parentLink(); walk = walk->parentLink()) {
+            const unsigned j = walk->jointIndex();
+            const NqCoordinateSystemTransformation& frame = walk->linkFrameInSystem(state);
+            NqGeneralMotion column =
+                walk->joint().jointMotion(state.positionState().jointPositions()[j], 1.0);
+            column.transformBy(frame.orientation()).transformBy(position - frame.translation());
+            columns[j] = column;
+        }
+        const std::vector<NqGeneralMotion> reference = m_Model.jacobian(label, point);
+        double largest = 0.0;
+        for (unsigned j = 0; j < columns.size(); ++j) {
+            largest = std::max(largest, nqDeviation(reference[j], columns[j]));
+        }
+        return largest;
+    });
+}
+
+// Of each link with all that hangs from it, in the base frame. KDL leaves out the mass of the root, and so
+// what is fixed to it is left out here.
+TEST_P(KdlKinematics, MassOfWhatMovesWithEachLink) {
+    const NqIndividualManipulator& manipulator = m_Model.manipulator();
+    expectAgreement("mass properties", [&](const std::string& top) {
+        KDL::RigidBodyInertia reference;
+        for (const auto& [label, element] : m_Model.tree().getSegments()) {
+            const NqManipulatorLink* walk = &link(label);
+            while (walk->parentLink() && walk->jointIndex() != link(top).jointIndex()) {
+                walk = walk->parentLink();
+            }
+            if (link(label).parentLink() && (walk->parentLink() || !link(top).parentLink())) {
+                reference = reference + m_Model.frame(label) * element.segment.getInertia();
+            }
+        }
+        NqRigidBodyMassProperties actual = link(top).compositeMassProperties(m_Model.state());
+        actual.transformBy(link(top).linkFrameInSystem(m_Model.state().activePositionState()));
+        const NqRigidBodyMassProperties root =
+            link(top).parentLink() ? NqRigidBodyMassProperties() : manipulator.massProperties();
+
+        const KDL::Vector firstMoment = reference.getMass() * reference.getCOG();
+        double largest = std::abs(actual.mass() - root.mass() - reference.getMass());
+        for (unsigned i = 0; i < 3; ++i) {
+            const double first = firstMoment(static_cast<int>(i));
+            largest = std::max(largest, std::abs(actual.firstMoment()[i] - root.firstMoment()[i] - first));
+            for (unsigned j = 0; j < 3; ++j) {
+                const double second = reference.getRotationalInertia().data[3 * i + j];
+                largest = std::max(
+                    largest, std::abs(actual.secondMoment()(i, j) - root.secondMoment()(i, j) - second));
+            }
+        }
+        return largest / std::max(1.0, reference.getMass());
+    });
+}
+
+std::string modelName(const testing::TestParamInfo<std::string>& info) {
+    const std::string stem = info.param.substr(info.param.find_last_of('/') + 1);
+    return stem.substr(0, stem.find('.'));
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, KdlKinematics, testing::ValuesIn(NqKdlModel::files()), modelName);
+
+} // namespace

@@ -1,0 +1,277 @@
+#include <manipulator/NqTestManipulators.h>
+
+#include <numbers>
+
+namespace {
+
+/// A manipulator on a base that moves, along a path of constant joint accelerations.
+class EveryManipulator : public testing::TestWithParam<std::tuple<std::string, unsigned>> {
+protected:
+    EveryManipulator()
+        : m_Manipulator(nqTestManipulator(std::get<0>(GetParam()))), m_Numbers(std::get<1>(GetParam())) {
+        const unsigned n = m_Manipulator.numberOfJoints();
+        m_Positions = m_Numbers.reals(n);
+        m_Rates = m_Numbers.reals(n);
+        m_Accelerations = m_Numbers.reals(n);
+        m_BaseFrame = m_Numbers.frame();
+        m_BaseVelocity = m_Numbers.motion();
+        m_BaseAcceleration = m_Numbers.motion();
+    }
+
+    /// The state at time `t`. The base's orientation is right to second order.
+    NqManipulatorActiveState stateAt(double t) const {
+        NqPositionState position(m_Positions);
+        NqVelocityState velocity(m_Rates);
+        NqAccelerationState acceleration(m_Accelerations);
+        for (unsigned j = 0; j < m_Positions.size(); ++j) {
+            const double rate = m_Rates[j] + 0.5 * t * m_Accelerations[j];
+            position.setJointPosition(j, m_Positions[j] + t * rate);
+            velocity.setJointVelocity(j, m_Rates[j] + t * m_Accelerations[j]);
+        }
+        const auto stepOf = [&](const NqVector& rate, const NqVector& change) {
+            return t * rate + 0.5 * t * t * change;
+        };
+        const NqVector turn = stepOf(m_BaseVelocity.angular(), m_BaseAcceleration.angular());
+        position.setBaseFrame(
+            {m_BaseFrame.translation() + stepOf(m_BaseVelocity.linear(), m_BaseAcceleration.linear()),
+             NqOrientation(turn.mag(), turn) * m_BaseFrame.orientation()});
+        velocity.setBaseMotion({m_BaseVelocity.linear() + t * m_BaseAcceleration.linear(),
+                                m_BaseVelocity.angular() + t * m_BaseAcceleration.angular()});
+        acceleration.setBaseMotion(m_BaseAcceleration);
+        NqManipulatorActiveState state(m_Manipulator);
+        state.setPositionState(position);
+        state.setVelocityState(velocity);
+        state.setAccelerationState(acceleration);
+        return state;
+    }
+
+    template <typename Check>
+    void forEachLink(Check check) {
+        for (unsigned number = 0; number < m_Manipulator.numberOfLinks(); ++number) {
+            SCOPED_TRACE(m_Manipulator.link(number)->linkLabel());
+            check(*m_Manipulator.link(number));
+        }
+    }
+
+    NqIndividualManipulator m_Manipulator;
+    NqTestNumbers m_Numbers;
+    NqXmlRealVector m_Positions, m_Rates, m_Accelerations;
+    NqCoordinateSystemTransformation m_BaseFrame;
+    NqGeneralMotion m_BaseVelocity, m_BaseAcceleration;
+};
+
+/// The velocity of a frame by central differences, of its origin and of its axes.
+NqGeneralMotion differenceOf(const NqCoordinateSystemTransformation& before,
+                             const NqCoordinateSystemTransformation& after, double step) {
+    double angle = 0.0;
+    NqVector axis;
+    (after.orientation() * before.orientation().inverse()).getAngleAxis(angle, axis);
+    return {(after.translation() - before.translation()) / (2.0 * step), (angle / (2.0 * step)) * axis};
+}
+
+void expectNear(const NqGeneralMotion& expected, const NqGeneralMotion& actual, double tolerance) {
+    nqExpectNear(expected.linear(), actual.linear(), tolerance, "linear part");
+    nqExpectNear(expected.angular(), actual.angular(), tolerance, "angular part");
+}
+
+TEST_P(EveryManipulator, VelocitiesAndAccelerationsAreThoseOfTheFrames) {
+    const double h = 1e-5;
+    NqManipulatorActiveState before = stateAt(-h), now = stateAt(0.0), after = stateAt(h);
+    forEachLink([&](const NqManipulatorLink& link) {
+        expectNear(differenceOf(link.primaryFrameInSystem(before.activePositionState()),
+                                link.primaryFrameInSystem(after.activePositionState()), h),
+                   link.primaryFrameVelocity(now), 1e-8);
+        const auto velocityIn = [&](NqManipulatorActiveState& state) {
+            return link.linkFrameInSystem(state.activePositionState()).orientation() *
+                   link.localVelocity(state);
+        };
+        expectNear(differenceOf(link.linkFrameInSystem(before.activePositionState()),
+                                link.linkFrameInSystem(after.activePositionState()), h),
+                   velocityIn(now), 1e-8);
+        const NqGeneralMotion a = velocityIn(before), b = velocityIn(after);
+        expectNear({(b.linear() - a.linear()) / (2 * h), (b.angular() - a.angular()) / (2 * h)},
+                   link.linkFrameInSystem(now.activePositionState()).orientation() *
+                       link.localAcceleration(now),
+                   1e-8);
+    });
+}
+
+TEST_P(EveryManipulator, WalkToTheBaseMeetsEachJointOnce) {
+    NqManipulatorActiveState state = stateAt(0.0);
+    NqManipulatorActivePositionState& positions = state.activePositionState();
+    forEachLink([&](const NqManipulatorLink& link) {
+        const NqVector& origin = link.primaryFrameInSystem(positions).translation();
+        NqGeneralMotion sum = m_BaseVelocity;
+        sum.transformBy(origin - m_Manipulator.baseFrameInSystem(positions).translation());
+        for (const NqManipulatorLink* walk = &link; walk->parentLink(); walk = walk->parentLink()) {
+            const unsigned j = walk->jointIndex();
+            const NqCoordinateSystemTransformation& frame = walk->linkFrameInSystem(positions);
+            NqGeneralMotion part = walk->joint().jointMotion(m_Positions[j], m_Rates[j]);
+            part.transformBy(frame.orientation()).transformBy(origin - frame.translation());
+            sum = {sum.linear() + part.linear(), sum.angular() + part.angular()};
+            EXPECT_TRUE(!walk->parentLink()->parentLink() || walk->parentLink()->jointIndex() < j);
+        }
+        expectNear(sum, link.primaryFrameVelocity(state), 1e-13);
+    });
+}
+
+TEST_P(EveryManipulator, CompositeMassIsTheSumOfTheLinks) {
+    NqManipulatorActiveState state = stateAt(0.0);
+    NqManipulatorActivePositionState& positions = state.activePositionState();
+    forEachLink([&](const NqManipulatorLink& top) {
+        double mass = 0.0;
+        NqVector moment;
+        NqVector turned; // the second moment, rotated into the system frame, of a vector
+        const NqVector probe(0.3, -0.5, 0.8);
+        const NqVector& origin = top.linkFrameInSystem(positions).translation();
+        forEachLink([&](const NqManipulatorLink& link) {
+            const NqManipulatorLink* walk = &link;
+            while (walk->parentLink() && walk->jointIndex() != top.jointIndex()) {
+                walk = walk->parentLink();
+            }
+            if (!top.parentLink() || walk->parentLink()) {
+                const NqCoordinateSystemTransformation& frame = link.primaryFrameInSystem(positions);
+                NqRigidBodyMassProperties own = link.massProperties(0);
+                own.transformBy(
+                    NqCoordinateSystemTransformation(frame.translation() - origin, frame.orientation()));
+                mass += own.mass();
+                moment += own.firstMoment();
+                turned += own.secondMoment() * probe;
+            }
+        });
+        const NqRigidBodyMassProperties& composite = top.compositeMassProperties(state);
+        const NqOrientation& orientation = top.linkFrameInSystem(positions).orientation();
+        EXPECT_NEAR(composite.mass(), mass, 1e-13);
+        nqExpectNear(moment, orientation * composite.firstMoment(), 1e-13, "first moment");
+        nqExpectNear(turned, orientation * (composite.secondMoment() * (orientation.inverse() * probe)),
+                     1e-13, "second moment");
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, EveryManipulator,
+                         testing::Combine(testing::Values("arm7", "arm6", "planar3", "branched"),
+                                          testing::Values(1u, 2u, 3u)),
+                         [](const auto& test) {
+                             return std::get<0>(test.param) + std::to_string(std::get<1>(test.param));
+                         });
+
+TEST(ManipulatorModel, PlanarArmStandsWhereTrigonometryPutsIt) {
+    const NqIndividualManipulator arm = nqTestManipulator("planar3");
+    NqManipulatorActiveState state(arm);
+    const double a = 0.4, b = -1.1, c = 2.3;
+    state.setPositionState(NqPositionState(NqXmlRealVector{a, b, c}));
+    const NqCoordinateSystemTransformation& tip =
+        arm.linkByLabel("tip")->primaryFrameInSystem(state.activePositionState());
+    nqExpectNear({0.5 * std::cos(a) + 0.4 * std::cos(a + b) + 0.2 * std::cos(a + b + c),
+                  0.5 * std::sin(a) + 0.4 * std::sin(a + b) + 0.2 * std::sin(a + b + c), 0.0},
+                 tip.translation(), 1e-15, "tip");
+    nqExpectNear({std::cos(a + b + c), std::sin(a + b + c), 0.0}, tip.orientation().xAxis(), 1e-15,
+                 "heading");
+}
+
+TEST(ManipulatorModel, ResearchArmAtZeroHasThePublishedReach) {
+    const NqIndividualManipulator arm = nqTestManipulator("arm7");
+    NqManipulatorActivePositionState state(arm);
+    const NqCoordinateSystemTransformation& hand = arm.linkByLabel("hand")->primaryFrameInSystem(state);
+    nqExpectNear({0.088, 0.0, 0.333 + 0.316 + 0.384 - 0.107 - 0.1034}, hand.translation(), 1e-15, "hand");
+    nqExpectNear({0.0, 0.0, -1.0}, hand.orientation().zAxis(), 1e-15, "approach");
+}
+
+/// base -(slide along y)- slider -(fixed)- plate -(turn about -z)- wheel, and a post fixed to the base.
+NqIndividualManipulator slidingManipulator() {
+    const auto ofMass = [](double mass) {
+        return NqRigidBodyMassProperties(mass, NqVector(), NqSecondMoment());
+    };
+    NqIndividualManipulator m("sliding", "base", ofMass(1.0));
+    m.addLink("base", "post", NqJointDescription(), NqVector(0, 0, 1), {}, ofMass(2.0));
+    m.addLink("post", "slider", NqJointDescription(NqJointDescription::Prismatic, "slide"), NqVector(1, 0, 0),
+              NqVector::yVector(2.0), ofMass(4.0));
+    m.addLink("slider", "plate", NqJointDescription(),
+              {NqVector(0, 0, 0.5), NqOrientation(std::numbers::pi / 2, NqVector::zVector(1.0))}, {},
+              ofMass(8.0));
+    m.addLink("plate", "wheel", NqJointDescription(NqJointDescription::Revolute, "turn"), NqVector(0.2, 0, 0),
+              NqVector::zVector(-1.0), ofMass(16.0));
+    return m;
+}
+
+TEST(ManipulatorModel, BodiesOnFixedJointsMoveWithTheirCarrier) {
+    const NqIndividualManipulator m = slidingManipulator();
+    ASSERT_EQ(m.numberOfJoints(), 2u);
+    const NqManipulatorLink *slider = m.linkByLabel("slider"), *plate = m.linkByLabel("plate"),
+                            *wheel = m.linkByLabel("wheel"), *post = m.linkByLabel("post");
+    EXPECT_EQ(m.linkByIndex(0), slider);
+    EXPECT_EQ(m.linkByIndex(1), wheel);
+    EXPECT_EQ(m.linkByIndex(2), nullptr);
+    EXPECT_EQ(m.linkByLabel("base"), &m);
+    EXPECT_EQ(m.linkByLabel(""), nullptr);
+    EXPECT_EQ(m.linkByLabel("Wheel"), nullptr);
+
+    EXPECT_EQ(&plate->joint(), &slider->joint());
+    EXPECT_EQ(plate->jointIndex(), slider->jointIndex());
+    EXPECT_EQ(plate->parentLink(), &m);
+    EXPECT_EQ(slider->parentLink(), &m);
+    EXPECT_EQ(wheel->parentLink(), slider);
+    EXPECT_EQ(post->parentLink(), nullptr);
+    EXPECT_EQ(post->joint().jointMotion(0.0, 1.0), NqGeneralMotion());
+
+    NqManipulatorActiveState state(m);
+    state.setPositionState(NqPositionState(NqXmlRealVector{0.3, 0.7}));
+    NqManipulatorActivePositionState& positions = state.activePositionState();
+    EXPECT_EQ(&plate->linkFrameInSystem(positions), &slider->linkFrameInSystem(positions));
+    nqExpectNear({1, 0.3, 1}, slider->primaryFrameInSystem(positions).translation(), 1e-15, "slider");
+    nqExpectNear({1, 0, 0}, slider->primaryFrameInSystem(positions).orientation().xAxis(), 1e-15, "slider");
+    nqExpectNear({1, 0.3, 1.5}, plate->primaryFrameInSystem(positions).translation(), 1e-15, "plate");
+    nqExpectNear({1, 0.5, 1.5}, wheel->primaryFrameInSystem(positions).translation(), 1e-15, "wheel");
+    nqExpectNear({std::sin(0.7), std::cos(0.7), 0},
+                 wheel->primaryFrameInSystem(positions).orientation().xAxis(), 1e-15, "wheel");
+
+    EXPECT_EQ(m.massProperties().mass(), 3.0);
+    EXPECT_EQ(slider->massProperties().mass(), 12.0);
+    EXPECT_EQ(plate->massProperties().mass(), 0.0);
+    EXPECT_EQ(post->compositeMassProperties(state).mass(), 31.0);
+    EXPECT_EQ(plate->compositeMassProperties(state).mass(), 28.0);
+    // Slider 4 at x 1, plate 8 there too, wheel 16: all at y 0.3 or 0.5.
+    nqExpectNear({28.0 / 31.0, (12 * 0.3 + 16 * 0.5) / 31, (2 * 1.0 + 4 * 1.0 + 24 * 1.5) / 31},
+                 m.compositeMassProperties(state).centerOfMass(), 1e-15, "centre of mass");
+}
+
+TEST(ManipulatorModel, DhFrameHasTheAxisAsItsZAxis) {
+    NqTestNumbers numbers(11);
+    for (const NqVector& axis :
+         {NqVector(0, 0, 1), NqVector(0, 0, -1), NqVector(0, -2, 0), NqVector(1e-9, -2e-9, -1),
+          NqVector(-1e-200, 0, -1), NqVector(1e-5, 0, 1), numbers.vector(), numbers.vector()}) {
+        NqIndividualManipulator m("m", "base");
+        const NqManipulatorLink* link = m.addLink(
+            "base", "link", NqJointDescription(NqJointDescription::Revolute), NqVector(1, 2, 3), axis);
+        NqManipulatorActivePositionState state(m);
+        nqExpectNear(axis.unitVector(), link->linkFrameInSystem(state).orientation().zAxis(), 1e-15, "axis");
+        nqExpectNear({1, 0, 0}, link->primaryFrameInSystem(state).orientation().xAxis(), 1e-15, "primary x");
+        nqExpectNear({0, 0, 1}, link->primaryFrameInSystem(state).orientation().zAxis(), 1e-15, "primary z");
+    }
+}
+
+TEST(ManipulatorModel, CopiesShareNothingWithTheirSource) {
+    NqIndividualManipulator copy, assigned;
+    {
+        const NqIndividualManipulator source = slidingManipulator();
+        copy = source;
+        assigned.addLink("", "old", NqJointDescription(), {});
+        assigned = NqIndividualManipulator(source);
+    }
+    assigned = *&assigned;
+    for (NqIndividualManipulator* m : {&copy, &assigned}) {
+        ASSERT_TRUE(
+            m->addLink("plate", "second wheel", NqJointDescription(NqJointDescription::Revolute), {}));
+        EXPECT_EQ(m->linkByLabel("base"), m);
+        EXPECT_EQ(m->linkByLabel("old"), nullptr);
+        EXPECT_EQ(m->linkByLabel("second wheel")->parentLink(), m->linkByLabel("slider"));
+        EXPECT_EQ(m->linkByLabel("plate")->parentLink(), m);
+        NqManipulatorActiveState state(*m);
+        nqExpectNear({1, 0, 1.5},
+                     m->linkByIndex(2)->linkFrameInSystem(state.activePositionState()).translation(), 1e-15,
+                     "second wheel");
+        EXPECT_EQ(m->linkByLabel("post")->compositeMassProperties(state).mass(), 31.0);
+    }
+}
+
+} // namespace

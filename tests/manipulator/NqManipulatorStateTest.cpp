@@ -1,0 +1,151 @@
+#include <manipulator/NqTestManipulators.h>
+#include <support/NqPrintCapture.h>
+
+#include <nqControlCore/foundation/manipulator/NqManipulatorSystemState.h>
+#include <nqControlCore/foundation/xml/NqXmlDocument.h>
+
+namespace {
+
+/// All that a state answers about a link, gathered so that two states can be compared.
+struct Answers {
+    Answers(const NqManipulatorLink& link, NqManipulatorActiveState& state)
+        : frame(link.primaryFrameInSystem(state.activePositionState())), velocity(link.localVelocity(state)),
+          primaryVelocity(link.primaryFrameVelocity(state)), acceleration(link.localAcceleration(state)),
+          composite(link.compositeMassProperties(state)) {}
+    bool operator==(const Answers&) const = default;
+
+    NqCoordinateSystemTransformation frame;
+    NqGeneralMotion velocity, primaryVelocity, acceleration;
+    NqRigidBodyMassProperties composite;
+};
+
+class ManipulatorState : public testing::Test {
+protected:
+    ManipulatorState() {
+        m_Position.setJointPositions(m_Numbers.reals(7));
+        m_Position.setBaseFrame(m_Numbers.frame());
+        m_Velocity.setJointVelocities(m_Numbers.reals(7));
+        m_Velocity.setBaseMotion(m_Numbers.motion());
+        m_Acceleration.setJointAccelerations(m_Numbers.reals(7));
+        m_Acceleration.setBaseMotion(m_Numbers.motion());
+    }
+
+    /// Of a state that was asked only once all was set.
+    Answers fresh(const NqManipulatorLink& link) const {
+        NqManipulatorActiveState state;
+        state.setPositionState(m_Position);
+        state.setVelocityState(m_Velocity);
+        state.setAccelerationState(m_Acceleration);
+        return {link, state};
+    }
+
+    NqTestNumbers m_Numbers{5};
+    NqIndividualManipulator m_Arm = nqTestManipulator("arm7");
+    const NqManipulatorLink& m_Hand = *m_Arm.linkByLabel("hand");
+    NqPositionState m_Position;
+    NqVelocityState m_Velocity;
+    NqAccelerationState m_Acceleration;
+};
+
+TEST_F(ManipulatorState, EveryChangeDropsWhatWasComputed) {
+    NqManipulatorActiveState state(m_Arm);
+    for (int round = 0; round < 2; ++round) {
+        m_Position.setJointPosition(2, m_Numbers.real());
+        m_Acceleration.setBaseMotion(m_Numbers.motion());
+        m_Velocity.setJointVelocity(0, m_Numbers.real());
+        const auto ask = [&] { return Answers(m_Hand, state); };
+        ask();
+        state.setPositionState(m_Position);
+        ask();
+        state.setAccelerationState(m_Acceleration);
+        ask();
+        state.setVelocityState(m_Velocity);
+        EXPECT_EQ(ask(), fresh(m_Hand));
+        m_Position.setBaseFrame(m_Numbers.frame());
+        state.activePositionState().setPositionState(m_Position);
+        EXPECT_EQ(ask(), fresh(m_Hand));
+    }
+}
+
+TEST_F(ManipulatorState, CopiedAndAssignedPartsBringTheirOwnResults) {
+    NqManipulatorActiveState state(m_Arm), other(m_Arm);
+    other.setPositionState(m_Position);
+    other.setVelocityState(m_Velocity);
+    other.setAccelerationState(m_Acceleration);
+    Answers(m_Hand, state), Answers(m_Hand, other);
+    NqManipulatorActiveState copy(other);
+    EXPECT_EQ(Answers(m_Hand, copy), fresh(m_Hand));
+    // Both have been asked as often, so that their generations would be alike.
+    state.setPositionState(NqPositionState(7));
+    Answers(m_Hand, state);
+    state.activePositionState() = other.activePositionState();
+    state.activeVelocityState() = other.activeVelocityState();
+    state.activeAccelerationState() = other.activeAccelerationState();
+    EXPECT_EQ(Answers(m_Hand, state), fresh(m_Hand));
+    state = NqManipulatorActiveState(m_Arm);
+    EXPECT_NE(Answers(m_Hand, state), fresh(m_Hand));
+}
+
+TEST_F(ManipulatorState, AnswersAboutOneManipulatorAfterAnother) {
+    const NqIndividualManipulator tree = nqTestManipulator("branched");
+    NqIndividualManipulator growing = m_Arm;
+    NqManipulatorActiveState state;
+    state.setPositionState(m_Position);
+    state.setVelocityState(m_Velocity);
+    state.setAccelerationState(m_Acceleration);
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(Answers(m_Hand, state), fresh(m_Hand));
+        EXPECT_EQ(Answers(*tree.linkByLabel("left_camera"), state), fresh(*tree.linkByLabel("left_camera")));
+        const NqManipulatorLink* added =
+            growing.addLink("hand", "tool" + std::to_string(round), NqJointDescription(), m_Numbers.frame());
+        EXPECT_EQ(Answers(*added, state), fresh(*added));
+    }
+}
+
+TEST_F(ManipulatorState, MissingJointsCountAsZero) {
+    NqPrintCapture prints;
+    NqManipulatorActiveState made(m_Arm), open;
+    NqPositionState full(7), shortened(3);
+    full.setJointPosition(1, 0.5);
+    shortened.setJointPosition(1, 0.5);
+    for (NqManipulatorActiveState* state : {&made, &open}) {
+        NqManipulatorActiveState expected(m_Arm);
+        expected.setPositionState(full);
+        prints.clear();
+        state->setPositionState(shortened);
+        state->setVelocityState(NqVelocityState(2));
+        state->setAccelerationState(NqAccelerationState());
+        EXPECT_EQ(Answers(m_Hand, *state), Answers(m_Hand, expected));
+        EXPECT_EQ(state->positionState().jointPositions().size(), 7u);
+        EXPECT_EQ(state->velocityState().jointVelocities().size(), 7u);
+        ASSERT_EQ(prints.lines().size(), 3u);
+        EXPECT_EQ(prints.lines()[0].first, 4u);
+        EXPECT_TRUE(prints.contains("3 values for 7 joints"));
+    }
+    made.setPositionState(NqPositionState(9));
+    EXPECT_EQ(made.positionState().jointPositions().size(), 7u);
+    prints.clear();
+    shortened.setJointPosition(3, 1.0);
+    EXPECT_TRUE(prints.contains("NqPositionState::setJointPosition(): no joint 3 among 3.\n"));
+}
+
+TEST_F(ManipulatorState, StatesAreValuesThatXmlKeeps) {
+    std::string document;
+    NqPositionState position;
+    NqVelocityState velocity;
+    ASSERT_TRUE(NqXmlDocument::writeString(document, m_Position));
+    EXPECT_TRUE(NqXmlDocument::readString(document, position));
+    EXPECT_EQ(position, m_Position);
+    ASSERT_TRUE(NqXmlDocument::writeString(document, m_Velocity));
+    EXPECT_TRUE(NqXmlDocument::readString(document, velocity));
+    EXPECT_EQ(velocity, m_Velocity);
+    velocity.setBaseMotion(NqGeneralMotion());
+    EXPECT_NE(velocity, m_Velocity);
+
+    NqManipulatorSystemState system;
+    system.setVelocityStates({m_Velocity});
+    EXPECT_EQ(NqManipulatorSystemState(system), system);
+    EXPECT_NE(system, NqManipulatorSystemState());
+}
+
+} // namespace

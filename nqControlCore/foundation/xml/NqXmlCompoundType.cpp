@@ -8,8 +8,10 @@
 
 void NqXmlCompoundType::accept(NqXmlObjectVisitor* visitor) const {
     NqXmlObject::accept(visitor);
-    for (const auto& entry : componentMap()) {
-        entry.object->accept(visitor);
+    for (const auto* map : {&attributeComponentMap(), &componentMap()}) {
+        for (const auto& entry : *map) {
+            entry.object->accept(visitor);
+        }
     }
 }
 

@@ -2,11 +2,11 @@
 
 #include <nqControlCore/foundation/text/NqTextConversion.h>
 
-std::string nqToText(const double* numbers, std::size_t count) {
+std::string nqToText(const double* numbers, std::size_t count, unsigned columns) {
     std::string text;
     for (std::size_t i = 0; i < count; ++i) {
         if (i != 0) {
-            text += ' ';
+            text += columns != 0 && i % columns == 0 ? '\n' : ' ';
         }
         text += NqDOUBLE2STRING(numbers[i]);
     }

@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-/// Numbers separated by white space, as one text.
-std::string nqToText(const double* numbers, std::size_t count);
+/// Numbers separated by white space, as one text; with so many on a line, unless `columns` is 0.
+std::string nqToText(const double* numbers, std::size_t count, unsigned columns = 0);
 
 /// Appends the numbers of a text separated by white space. False where something else stands in it.
 bool nqAppendNumbers(std::string_view text, std::vector<double>& numbers);
@@ -63,6 +63,12 @@ public:
         return true;
     }
     static bool writeSchemaType(NqXmlSchema& schema) { return schema.writeListType(typeid(Number)); }
+
+    /// As other values, on as many lines as the writer's number of content columns says.
+    bool write(NqXmlWriter& writer) const override {
+        return NqXmlObject::write(writer) && writer.data(nqToText(this->m_Value.data(), this->m_Value.size(),
+                                                                  writer.numOfContentColumns()));
+    }
 };
 
 /// The real vector that crosses most interfaces.

@@ -1,0 +1,100 @@
+#include "NqXmlTestClasses.h"
+#include "support/NqPrintCapture.h"
+
+#include <nqControlCore/foundation/xml/NqXmlDocument.h>
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace {
+
+constexpr const char* kSquare =
+    "<square type='given' other='x'>\n<filteringMode> proportional </filteringMode>"
+    "<position>7</position>\n<unheard><size>99</size></unheard>"
+    "<offset>8</offset><size>2</size></square>";
+
+TEST(NqXmlCompoundType, ReadsInAnyOrderAndPassesByStrangers) {
+    NqPrintCapture print;
+    NqTestSquare square;
+    ASSERT_TRUE(NqXmlDocument::readString(kSquare, square, "in.xml"));
+    EXPECT_TRUE(square.m_Name == "given" && square.m_Side == 2.0 && square.m_Mode == 0U &&
+                square.m_Given == 7 && square.m_Old == 8);
+    EXPECT_EQ(print.text(),
+              "NqXmlReader: element \"unheard\" is not known here and is skipped -- file: in.xml, line: 3\n");
+
+    std::string document;
+    ASSERT_TRUE(NqXmlDocument::writeString(document, square));
+    EXPECT_EQ(document.find("position"), std::string::npos); // read-only
+    EXPECT_EQ(document.find("offset"), std::string::npos);   // legacy
+    NqTestSquare read;
+    ASSERT_TRUE(NqXmlDocument::readString(document, read));
+    EXPECT_FALSE(read == square);
+    read.m_Given = 7;
+    EXPECT_EQ(read, square);
+}
+
+TEST(NqXmlCompoundType, TellsWhatAFileSpecified) {
+    NqTestSquare square;
+    ASSERT_TRUE(NqXmlDocument::readString("<square><size>2</size></square>", square));
+    EXPECT_TRUE(square.m_Side.specified());
+    EXPECT_FALSE(square.m_Mode.specified() || square.m_Name.specified());
+    ASSERT_TRUE(NqXmlDocument::readString("<square type='x'/>", square));
+    EXPECT_TRUE(square.m_Name.specified());
+    EXPECT_FALSE(square.m_Side.specified());
+    EXPECT_EQ(square.m_Side, 2.0);
+}
+
+TEST(NqXmlCompoundType, ReadsOnBehindABadField) {
+    NqPrintCapture print;
+    NqTestSquare square;
+    EXPECT_FALSE(NqXmlDocument::readString("<square><position>?</position><size>2</size></square>", square));
+    EXPECT_TRUE(square.m_Side == 2.0 && square.m_Given == 0);
+    EXPECT_FALSE(square.m_Given.specified());
+}
+
+TEST(NqXmlCompoundType, CopiesHaveComponentsOfTheirOwn) {
+    NqTestSquare square(2.0);
+    EXPECT_EQ(square.componentMap().size(), 4U);
+    NqTestSquare copy = square;
+    NqTestSquare moved = std::move(square);
+    NqTestSquare assigned;
+    EXPECT_TRUE(assigned.hasAttributes());
+    assigned = copy;
+    for (NqTestSquare* each : {&copy, &moved, &assigned}) {
+        EXPECT_EQ(each->componentMap().begin()->object, &each->m_Side);
+        EXPECT_EQ(each->attributeComponentMap().begin()->object, &each->m_Name);
+        EXPECT_EQ(each->m_Side, 2.0);
+    }
+}
+
+TEST(NqXmlCompoundType, LeavesOutDefaultsOnRequest) {
+    NqTestSquare square;
+    square.m_Mode = 5U; // which has no name
+    std::ostringstream stream;
+    NqXmlWriter writer("square.xml", stream);
+    writer.setHeader(false);
+    writer.setWriteDefaultDataFlag(false);
+    ASSERT_TRUE(writer.writeStartTag("square") && square.write(writer) && writer.writeEndTag() &&
+                writer.flush());
+    EXPECT_EQ(stream.str(),
+              "<square>\n  <filteringMode xmlns=\"http://nq.example/namespace/ct#\">5</filteringMode>\n"
+              "</square>\n");
+    NqTestSquare read;
+    ASSERT_TRUE(NqXmlDocument::readString(stream.str(), read));
+    EXPECT_EQ(read, square);
+}
+
+TEST(NqXmlPersistent, ObjectsKeepTheirClass) {
+    const NqTestCircle circle;
+    const NqTestShape& shape = circle;
+    const std::unique_ptr<NqXmlObject> copy(shape.clone());
+    const std::unique_ptr<NqXmlObject> blank(shape.newObject());
+    EXPECT_TRUE(dynamic_cast<NqTestCircle*>(copy.get()) && dynamic_cast<NqTestCircle*>(blank.get()));
+    EXPECT_TRUE(shape.equality(copy.get()) && shape.equalsDefault());
+    EXPECT_FALSE(shape.equality(nullptr));
+    const NqTestSquare square;
+    EXPECT_FALSE(shape.equality(&square));
+}
+
+} // namespace

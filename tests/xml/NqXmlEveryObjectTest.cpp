@@ -1,0 +1,201 @@
+#include "NqXmlTestClasses.h"
+#include "support/NqPrintCapture.h"
+
+#include <nqControlCore/foundation/xml/NqXmlDocument.h>
+#include <nqControlCore/foundation/xml/NqXmlObjectVisitor.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include <libxml/xmlschemas.h>
+
+namespace {
+
+struct ObjectCase {
+    const char* name;
+    std::shared_ptr<NqXmlObject> object;
+    const char* text; ///< of the document, without declaration and line breaks
+    unsigned visited; ///< objects that a visitor sees
+};
+
+void PrintTo(const ObjectCase& objectCase, std::ostream* stream) {
+    *stream << objectCase.name;
+}
+
+NqTestMap sampleMap() {
+    NqTestMap map;
+    map.add(70, -0.0);
+    map.add(3, 0.1);
+    return map;
+}
+
+NqTestSet sampleSet() {
+    NqTestSet set;
+    set.add("b");
+    set.add("a");
+    return set;
+}
+
+NqTestShapeVector sampleShapes() {
+    NqTestShapeVector shapes;
+    NqTestSquare square(2.5);
+    square.m_Name = "big & \"wide\"\n";
+    shapes.pushBack(square);
+    shapes.pushBack(NqTestCircle());
+    shapes.setAddLibraries({"extra"});
+    return shapes;
+}
+
+NqTestShapeMap sampleShapeMap() {
+    NqTestShapeMap shapes;
+    shapes.add("<second>", NqTestCircle());
+    shapes.add("first", NqTestSquare());
+    return shapes;
+}
+
+template <typename Object>
+std::shared_ptr<NqXmlObject> made(const Object& object) {
+    return std::make_shared<Object>(object);
+}
+
+class NqXmlEveryObject : public testing::TestWithParam<ObjectCase> {};
+
+#define NQ_CT "xmlns=\"http://nq.example/namespace/ct#\""
+
+INSTANTIATE_TEST_SUITE_P(
+    Forms, NqXmlEveryObject,
+    testing::Values(
+        ObjectCase{"EmptyTexts", made(NqTestTexts()), "<vectorType count=\"0\"/>", 1},
+        ObjectCase{"Texts", made(NqTestTexts{"a", " b ", ""}),
+                   "<vectorType count=\"3\"><group><value>a</value><value> b </value><value></value></group>"
+                   "</vectorType>",
+                   4},
+        ObjectCase{"RealVectors", made(NqXmlVectorType<NqXmlRealVector>{NqXmlRealVector{1.0, -2.5}, {}}),
+                   "<vectorType count=\"2\"><group><value>1 -2.5</value><value></value></group></vectorType>",
+                   3},
+        ObjectCase{"Transformations",
+                   made(NqXmlVectorType<NqCoordinateSystemTransformation>{NqVector(1.0, 2.0, 3.0)}),
+                   "<vectorType count=\"1\"><group><value>1 2 3 1 0 0 0</value></group></vectorType>", 1},
+        ObjectCase{"Maps", made(NqXmlVectorType<NqTestMap>{sampleMap()}),
+                   "<vectorType count=\"1\"><element>"
+                   "<element><key>3</key><value>0.1</value></element>"
+                   "<element><key>70</key><value>-0</value></element></element></vectorType>",
+                   6},
+        ObjectCase{"Holder", made(NqTestHolder()),
+                   "<motionFilterSet " NQ_CT
+                   "><motionFilterSets count=\"1\"><element type=\"shape\"><size>1</size>"
+                   "<filteringMode>trapezoidal</filteringMode></element></motionFilterSets>"
+                   "<endEffectorVector count=\"0\"/></motionFilterSet>",
+                   9},
+        ObjectCase{"Set", made(sampleSet()),
+                   "<setType count=\"2\"><group><value>a</value><value>b</value></group></setType>", 3},
+        ObjectCase{
+            "Shapes", made(sampleShapes()),
+            "<endEffectorVector " NQ_CT " count=\"2\"><addLibraries><library>extra</library></addLibraries>"
+            "<square type=\"big &amp; &quot;wide&quot;&#10;\"><size>2.5</size>"
+            "<filteringMode>trapezoidal</filteringMode></square><circle type=\"shape\"/></endEffectorVector>",
+            9},
+        ObjectCase{"ShapeMap", made(sampleShapeMap()),
+                   "<endEffectorMap " NQ_CT
+                   "><element><key>&lt;second&gt;</key><circle type=\"shape\"/></element>"
+                   "<element><key>first</key><square type=\"shape\"><size>1</size>"
+                   "<filteringMode>trapezoidal</filteringMode></square></element></endEffectorMap>",
+                   11}),
+    [](const auto& which) { return which.param.name; });
+
+void keepSilent(void*, const char*, ...) {}
+
+std::string written(const NqXmlObject& object) {
+    std::string document;
+    EXPECT_TRUE(NqXmlDocument::writeString(document, object));
+    return document;
+}
+
+TEST_P(NqXmlEveryObject, HasItsFormAndReadsBack) {
+    NqPrintCapture print;
+    const std::string document = written(*GetParam().object);
+    std::string lines = document.substr(document.find('\n'));
+    for (std::size_t at = 0; (at = lines.find('\n', at)) != std::string::npos;) {
+        lines.erase(at, lines.find_first_not_of(" \n", at) - at);
+    }
+    EXPECT_EQ(lines, GetParam().text);
+
+    const std::unique_ptr<NqXmlObject> read(GetParam().object->newObject());
+    ASSERT_TRUE(NqXmlDocument::readString(document, *read));
+    EXPECT_TRUE(read->equality(GetParam().object.get()));
+    EXPECT_EQ(written(*read), document);
+    ASSERT_TRUE(NqXmlDocument::readString(document, *read)); // what was there goes
+    EXPECT_TRUE(read->equality(GetParam().object.get()));
+
+    const std::unique_ptr<NqXmlObject> copy(GetParam().object->clone());
+    EXPECT_TRUE(copy->equality(GetParam().object.get()));
+    EXPECT_EQ(written(*copy), document);
+    const std::string name = GetParam().name;
+    EXPECT_EQ(copy->equalsDefault(), name == "EmptyTexts" || name == "Holder");
+}
+
+TEST_P(NqXmlEveryObject, ReadsAsFarAsADocumentGoes) {
+    NqPrintCapture print;
+    const std::string document = written(*GetParam().object);
+    const std::size_t end = document.find_last_of('>') + 1;
+    for (std::size_t length = 0; length < end; ++length) {
+        print.clear();
+        const std::unique_ptr<NqXmlObject> read(GetParam().object->newObject());
+        EXPECT_FALSE(NqXmlDocument::readString(document.substr(0, length), *read, "cut.xml")) << length;
+        EXPECT_TRUE(print.contains("-- file: cut.xml, line: ")) << length;
+    }
+}
+
+TEST_P(NqXmlEveryObject, MatchesItsSchema) {
+    const auto fileName = std::filesystem::path(testing::TempDir()) / (std::string(GetParam().name) + ".xsd");
+    ASSERT_TRUE(GetParam().object->createSchema(fileName.string(), GetParam().object->token()));
+    const auto parser = std::unique_ptr<xmlSchemaParserCtxt, decltype(&xmlSchemaFreeParserCtxt)>(
+        xmlSchemaNewParserCtxt(fileName.c_str()), xmlSchemaFreeParserCtxt);
+    const auto schema =
+        std::unique_ptr<xmlSchema, decltype(&xmlSchemaFree)>(xmlSchemaParse(parser.get()), xmlSchemaFree);
+    ASSERT_TRUE(schema);
+    const auto validate = [&](const std::string& text) {
+        const auto document = std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)>(
+            xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr, 0), xmlFreeDoc);
+        const auto context = std::unique_ptr<xmlSchemaValidCtxt, decltype(&xmlSchemaFreeValidCtxt)>(
+            xmlSchemaNewValidCtxt(schema.get()), xmlSchemaFreeValidCtxt);
+        xmlSchemaSetValidErrors(context.get(), keepSilent, nullptr, nullptr);
+        return xmlSchemaValidateDoc(context.get(), document.get());
+    };
+    const std::string document = written(*GetParam().object);
+    EXPECT_EQ(validate(document), 0);
+    std::string other = document;
+    other.insert(other.rfind("</") == std::string::npos ? other.rfind("/>") : other.rfind("</"),
+                 other.rfind("</") == std::string::npos ? " more=\"1\"" : "<more/>");
+    EXPECT_NE(validate(other), 0) << other;
+}
+
+TEST_P(NqXmlEveryObject, ShowsItsParts) {
+    struct Visitor : NqXmlObjectVisitor {
+        void visit(const NqXmlObject*) override { ++objects; }
+        void visit(const NqXmlBaseVariableCompoundType*) override { ++containers; }
+        unsigned objects = 0;
+        unsigned containers = 0;
+    } visitor;
+    GetParam().object->accept(&visitor);
+    EXPECT_EQ(visitor.objects, GetParam().visited);
+    EXPECT_EQ(visitor.containers,
+              std::string(GetParam().text).find("<endEffector") == std::string::npos ? 0U : 1U);
+}
+
+TEST(NqXmlDocument, FilesAreReplacedWhole) {
+    NqPrintCapture print;
+    const std::string fileName = testing::TempDir() + "nqDocument.xml";
+    NqTestTexts texts;
+    ASSERT_TRUE(NqXmlDocument::writeFile(fileName, NqTestTexts{"kept"}));
+    EXPECT_FALSE(NqXmlDocument::writeFile(fileName, NqTestTexts{"bell \a"}));
+    ASSERT_TRUE(NqXmlDocument::readFile(fileName, texts));
+    EXPECT_EQ(texts, (NqTestTexts{"kept"}));
+    EXPECT_FALSE(NqXmlDocument::writeFile("/no/such/folder/file.xml", texts));
+    EXPECT_TRUE(print.contains("cannot write /no/such/folder/file.xml"));
+    std::filesystem::remove(fileName);
+}
+
+} // namespace

@@ -1,0 +1,106 @@
+#pragma once
+
+#include <nqControlCore/foundation/xml/NqXmlEnumType.h>
+#include <nqControlCore/foundation/xml/NqXmlPersistent.h>
+#include <nqControlCore/xml/NqControlCoreTokens.h>
+#include <nqControlCore/xml/NqXmlMapType.h>
+#include <nqControlCore/xml/NqXmlSetType.h>
+#include <nqControlCore/xml/NqXmlVariableMapType.h>
+#include <nqControlCore/xml/NqXmlVariableVectorType.h>
+
+using NqTestText = NqXmlBasicType<std::string>;
+using NqTestTexts = NqXmlVectorType<NqTestText>;
+using NqTestReals = NqXmlVectorType<NqXmlBasicType<double>>;
+using NqTestMap = NqXmlMapType<NqXmlBasicType<unsigned short>, NqXmlBasicType<double>>;
+using NqTestSet = NqXmlSetType<NqTestText>;
+
+/// Persistent classes to try the framework with: an abstract one, two below it, and what holds them.
+class NqTestShape : public NqXmlPersistentBase<NqTestShape, NqXmlCompoundType> {
+public:
+    virtual double area() const = 0;
+    NqTestText m_Name{"shape"};
+
+private:
+    friend struct NqXmlComponentAccess;
+    static auto components() {
+        return nqComponentList(
+            nqComponent(NqControlCore::NqTypeToken, &NqTestShape::m_Name, NqXmlComponentKind::Attribute));
+    }
+};
+
+class NqTestSquare : public NqXmlPersistent<NqTestSquare, NqTestShape> {
+public:
+    NqTestSquare() = default;
+    explicit NqTestSquare(double side) : m_Side(side) {}
+    static const NqToken& classToken() {
+        static const NqToken theToken = NqControlCore::ns + "square";
+        return theToken;
+    }
+    double area() const override { return m_Side * m_Side; }
+
+    bool xmlInit() override {
+        m_Mode.registerEnumeration(0, NqControlCore::NqProportionalToken);
+        m_Mode.registerEnumeration(1, NqControlCore::NqTrapezoidalToken);
+        return NqXmlPersistent::xmlInit();
+    }
+
+    NqXmlBasicType<double> m_Side{1.0};
+    NqXmlEnumType<unsigned int> m_Mode{1U};
+    NqXmlBasicType<int> m_Given{0};
+    NqXmlBasicType<int> m_Old{0};
+
+private:
+    using NqXmlPersistent = ::NqXmlPersistent<NqTestSquare, NqTestShape>;
+    friend struct NqXmlComponentAccess;
+    static auto components() {
+        using namespace NqControlCore;
+        return nqComponentList(
+            nqComponent(NqSizeToken, &NqTestSquare::m_Side),
+            nqComponent(NqFilteringModeToken, &NqTestSquare::m_Mode),
+            nqComponent(NqPositionToken, &NqTestSquare::m_Given, NqXmlComponentKind::ReadOnly),
+            nqComponent(NqOffsetToken, &NqTestSquare::m_Old, NqXmlComponentKind::Legacy));
+    }
+};
+
+class NqTestCircle : public NqXmlPersistent<NqTestCircle, NqTestShape> {
+public:
+    static const NqToken& classToken() {
+        static const NqToken theToken = NqControlCore::ns + "circle";
+        return theToken;
+    }
+    double area() const override { return 3.0; }
+};
+
+class NqTestShapeVector : public NqXmlConcrete<NqTestShapeVector, NqXmlVariableVectorType<NqTestShape>> {
+public:
+    static const NqToken& classToken() { return NqControlCore::NqEndEffectorVectorToken; }
+    void registerComponentCreators() override {
+        registerComponentCreator(NqTestSquare::classToken(), NqTestSquare::creator);
+        registerComponentCreator(NqTestCircle::classToken(), NqTestCircle::creator);
+        registerComponentCreator("count", NqTestTexts::creator); // which is no shape
+    }
+};
+
+class NqTestShapeMap : public NqXmlConcrete<NqTestShapeMap, NqXmlVariableMapType<NqTestText, NqTestShape>> {
+public:
+    static const NqToken& classToken() { return NqControlCore::NqEndEffectorMapToken; }
+    void registerComponentCreators() override {
+        registerComponentCreator(NqTestSquare::classToken(), NqTestSquare::creator);
+        registerComponentCreator(NqTestCircle::classToken(), NqTestCircle::creator);
+    }
+};
+
+/// Holds collections as a class of the library does.
+class NqTestHolder : public NqXmlPersistent<NqTestHolder, NqXmlCompoundType> {
+public:
+    static const NqToken& classToken() { return NqControlCore::NqMotionFilterSetToken; }
+    NqXmlVectorType<NqTestSquare> m_Squares{1};
+    NqTestShapeVector m_Shapes;
+
+private:
+    friend struct NqXmlComponentAccess;
+    static auto components() {
+        return nqComponentList(nqComponent(NqControlCore::NqMotionFilterSetsToken, &NqTestHolder::m_Squares),
+                               nqComponent(NqControlCore::NqEndEffectorVectorToken, &NqTestHolder::m_Shapes));
+    }
+};

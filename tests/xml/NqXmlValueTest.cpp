@@ -1,0 +1,164 @@
+#include "NqXmlTestClasses.h"
+#include "support/NqPrintCapture.h"
+
+#include <nqControlCore/foundation/xml/NqXmlDocument.h>
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <limits>
+#include <random>
+#include <sstream>
+
+namespace {
+
+/// `object` with what is written of another, to which it needn't be equal.
+template <typename Object>
+Object passedThroughXml(const Object& object) {
+    std::string document;
+    EXPECT_TRUE(NqXmlDocument::writeString(document, object));
+    Object read;
+    EXPECT_TRUE(NqXmlDocument::readString(document, read)) << document;
+    return read;
+}
+
+TEST(NqXmlValue, RealsKeepTheirBits) {
+    using Limits = std::numeric_limits<double>;
+    NqXmlRealVector reals{0.0,
+                          -0.0,
+                          Limits::denorm_min(),
+                          -Limits::min(),
+                          Limits::max(),
+                          Limits::infinity(),
+                          -Limits::infinity(),
+                          0.1};
+    std::mt19937_64 random(7);
+    for (int i = 0; i < 2000; ++i) {
+        const auto real = std::bit_cast<double>(random());
+        reals.pushBack(real == real ? real : 1.0);
+    }
+    NqTestReals single;
+    for (const double real : reals) {
+        single.pushBack(real);
+    }
+    const NqXmlRealVector list = passedThroughXml(reals);
+    const NqTestReals entries = passedThroughXml(single);
+    ASSERT_EQ(list.size(), reals.size());
+    ASSERT_EQ(entries.size(), reals.size());
+    for (std::size_t i = 0; i < reals.size(); ++i) {
+        EXPECT_EQ(std::bit_cast<std::uint64_t>(list[i]), std::bit_cast<std::uint64_t>(reals[i]));
+        EXPECT_EQ(std::bit_cast<std::uint64_t>(entries[i].value()), std::bit_cast<std::uint64_t>(reals[i]));
+    }
+    EXPECT_TRUE(std::isnan(passedThroughXml(NqXmlBasicType<double>(Limits::quiet_NaN())).value()));
+}
+
+TEST(NqXmlValue, TextsComeBackFromElementsAttributesAndKeys) {
+    for (const char* text :
+         {"", " ", "  two  blanks  ", "<a href=\"x\">&amp;</a>", "it's", "line\nbreak", "\r\n\t", "]]>",
+          "gr\xC3\xBC\xC3\x9F \xE2\x9C\x93 \xF0\x9F\xA6\xBE", "<!DOCTYPE x [", "&#65;"}) {
+        EXPECT_EQ(passedThroughXml(NqTestTexts{text})[0], text);
+        NqTestShapeMap map;
+        NqTestSquare square;
+        square.m_Name = text;
+        map.add(text, square);
+        EXPECT_EQ(passedThroughXml(map), map) << text;
+    }
+}
+
+TEST(NqXmlValue, GeometryComesBack) {
+    NqOrientation orientation;
+    orientation.setFromAngleAxis(1.0, NqVector(1.0, 2.0, 3.0));
+    const NqCoordinateSystemTransformation pose(NqVector(0.1, 1e-300, -3.0), orientation);
+    EXPECT_EQ(passedThroughXml(NqXmlVectorType<NqVector>{pose.translation()})[0], pose.translation());
+    const auto read = passedThroughXml(NqXmlVectorType<NqCoordinateSystemTransformation>{pose})[0];
+    EXPECT_EQ(read.translation(), pose.translation());
+    const NqVector x = read.orientation() * NqVector::xVector(1.0);
+    EXPECT_LT((x - orientation * NqVector::xVector(1.0)).mag(), 1e-15);
+}
+
+struct BadText {
+    const char* what;
+    std::shared_ptr<NqXmlObject> object;
+    const char* text;
+};
+
+class NqXmlBadText : public testing::TestWithParam<BadText> {};
+
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, NqXmlBadText,
+    testing::Values(BadText{"real", std::make_shared<NqXmlBasicType<double>>(4.0), "1.5x"},
+                    BadText{"empty real", std::make_shared<NqXmlBasicType<double>>(4.0), " "},
+                    BadText{"comma", std::make_shared<NqXmlBasicType<double>>(4.0), "1,5"},
+                    BadText{"int", std::make_shared<NqXmlBasicType<int>>(4), "2147483648"},
+                    BadText{"unsigned", std::make_shared<NqXmlBasicType<unsigned>>(4U), "-1"},
+                    BadText{"short", std::make_shared<NqXmlBasicType<unsigned short>>(std::uint16_t{4}),
+                            "65536"},
+                    BadText{"bool", std::make_shared<NqXmlBasicType<bool>>(true), "yes"},
+                    BadText{"list", std::make_shared<NqXmlRealVector>(3), "1 2 three"},
+                    BadText{"vector", std::make_shared<NqXmlVector>(NqVector(1, 2, 3)), "1 2"},
+                    BadText{"orientation", std::make_shared<NqXmlOrientation>(), "1 2 3 4 5"},
+                    BadText{"name", std::make_shared<NqXmlEnumType<unsigned>>(2U), "sideways"}));
+
+TEST_P(NqXmlBadText, FailsTheReadAndKeepsTheValue) {
+    NqPrintCapture print;
+    const std::unique_ptr<NqXmlObject> before(GetParam().object->clone());
+    EXPECT_FALSE(NqXmlDocument::readString("<value>\n" + std::string(GetParam().text) + "</value>",
+                                           *GetParam().object, "bad.xml"));
+    EXPECT_TRUE(GetParam().object->equality(before.get()));
+    EXPECT_TRUE(print.contains(GetParam().text)) << print.text();
+    EXPECT_TRUE(print.contains("is no value of element \"value\" -- file: bad.xml, line: 1")) << print.text();
+}
+
+TEST(NqXmlValue, TextMayStandInPieces) {
+    NqTestTexts texts;
+    NqPrintCapture print;
+    ASSERT_TRUE(NqXmlDocument::readString(
+        "<?xml version='1.0'?><!-- note --><v:vectorType xmlns:v='urn:v' count='2'><group><?note?>"
+        "<value>a<!-- note -->&lt;&#65;<![CDATA[<b>&]]><?note?>c</value><value/></group></v:vectorType>",
+        texts));
+    EXPECT_EQ(texts, (NqTestTexts{"a<A<b>&c", ""}));
+    EXPECT_EQ(print.text(), "");
+}
+
+TEST(NqXmlWriter, BreaksLongLists) {
+    std::ostringstream stream;
+    NqXmlWriter writer("list.xml", stream);
+    writer.setHeader(false);
+    writer.setNumOfContentColumns(2);
+    const NqXmlRealVector list{1, 2, 3, 4, 5};
+    ASSERT_TRUE(writer.writeStartTag("value") && list.write(writer) && writer.writeEndTag() &&
+                writer.flush());
+    EXPECT_EQ(stream.str(), "<value>1 2\n3 4\n5</value>\n");
+}
+
+TEST(NqXmlWriter, DeclaresWhatTheRootIsToTell) {
+    std::ostringstream stream;
+    NqXmlWriter writer("root.xml", stream);
+    writer.setStyleSheet("show.xsl");
+    writer.setSchemaLocation("urn:a a.xsd");
+    writer.setLanguageSelection("en");
+    ASSERT_TRUE(writer.header(NqToken("urn:a", "root"), "made by hand") && writer.writeStartTag("inner") &&
+                writer.writeStartTag(NqToken("urn:b", "other")) && writer.writeEndTag() &&
+                writer.writeEndTag() && writer.writeEndTag());
+    EXPECT_FALSE(writer.writeEndTag()); // nothing is open
+    EXPECT_FALSE(writer.flush());
+    const std::string text = stream.str();
+    for (const char* part :
+         {"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<?xml-stylesheet type=\"text/xsl\"",
+          "<!--made by hand-->\n<root xmlns=\"urn:a\"", "xsi:schemaLocation=\"urn:a a.xsd\"",
+          "xml:lang=\"en\"", "<inner>\n    <other xmlns=\"urn:b\"/>"}) {
+        EXPECT_NE(text.find(part), std::string::npos) << part << " in " << text;
+    }
+}
+
+TEST(NqXmlWriter, RefusesWhatXmlCannotHold) {
+    for (const char* text : {"\a", "\xC3", "\xED\xA0\x80", "\xEF\xBF\xBF"}) {
+        NqPrintCapture print;
+        std::string document = "kept";
+        EXPECT_FALSE(NqXmlDocument::writeString(document, NqTestTexts{"fine", text}));
+        EXPECT_TRUE(print.contains("a text holds characters that XML cannot"));
+        EXPECT_EQ(document, "kept");
+    }
+}
+
+} // namespace

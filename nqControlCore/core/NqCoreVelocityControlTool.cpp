@@ -1,0 +1,483 @@
+#include <nqControlCore/core/NqCoreVelocityControlTool.h>
+
+#include <nqControlCore/foundation/manipulator/NqJacobianState.h>
+#include <nqControlCore/foundation/matrix/NqRowOperations.h>
+#include <nqControlCore/foundation/text/NqPrint.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+using NqRowOperations::Panel;
+using NqRowOperations::PanelWidth;
+
+namespace {
+
+/// What an exactly zero pivot of the lower rows becomes.
+constexpr double kRepairedPivot = 1.0e-300;
+
+bool reportDimensions(unsigned n, unsigned m) {
+    Nq::Print::instance().write(
+        Nq::PrintFailure,
+        "NqCoreVelocityControlTool::calcJointRates(): n=%d is not greater than or equal to m=%d\n", n, m);
+    return false;
+}
+
+bool reportVector() {
+    Nq::Print::instance().write(
+        Nq::PrintFailure, "NqCoreVelocityControlTool::calcJointRates(): incorrectly dimensioned vector.\n");
+    return false;
+}
+
+bool hasRows(const NqReArray& array, std::size_t rows, std::size_t entries) {
+    for (std::size_t i = 0; i < rows; ++i) {
+        if (i >= array.size() || array[i].size() < entries) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool hasShape(const NqReArray& array, unsigned rows, unsigned columns) {
+    return array.rows() == rows && array.columns() == columns;
+}
+
+void swapColumns(NqReArray& matrix, unsigned first, unsigned second, unsigned rows) {
+    for (unsigned r = 0; r < rows; ++r) {
+        std::swap(matrix[r][first], matrix[r][second]);
+    }
+}
+
+/// weighted[j][i] = sum over k of W[j][k] N[k][i], each from 0 in rising k. Entries that W lacks count as
+/// zero.
+void applyMetric(const NqReArray& metric, const NqReArray& nullSpace, unsigned n, NqReArray& weighted) {
+    const bool isDiagonal = metric.columns() == 1;
+    const unsigned weightedRows = std::min(n, metric.rows());
+    for (unsigned j = 0; j < n; ++j) {
+        std::vector<double>& target = weighted[j];
+        std::fill(target.begin(), target.end(), 0.0);
+        if (j >= weightedRows) {
+            continue;
+        }
+        const std::vector<double>& weights = metric[j];
+        if (isDiagonal) {
+            const double weight = weights.empty() ? 0.0 : weights[0];
+            std::transform(nullSpace[j].begin(), nullSpace[j].end(), target.begin(),
+                           [weight](double entry) { return entry * weight; });
+            continue;
+        }
+        const auto count =
+            static_cast<unsigned>(std::min<std::size_t>(std::min(n, metric.columns()), weights.size()));
+        for (unsigned k = 0; k < count; k += PanelWidth) {
+            const double* rows[PanelWidth];
+            const unsigned width = std::min(PanelWidth, count - k);
+            for (unsigned i = 0; i < width; ++i) {
+                rows[i] = nullSpace[k + i].data();
+            }
+            NqRowOperations::addMultiples(target.data(), &weights[k], rows, width, 0, target.size());
+        }
+    }
+}
+
+void reportZeroColumns(const NqReArray& weightedNullSpace, unsigned n) {
+    for (unsigned i = 0; i < weightedNullSpace.columns(); ++i) {
+        unsigned j = 0;
+        while (j < n && weightedNullSpace[j][i] == 0.0) {
+            ++j;
+        }
+        if (j == n) {
+            Nq::Print::instance().write(Nq::PrintFailure,
+                                        "NqCoreVelocityControlTool::prep(): M.nj has zero column\n");
+        }
+    }
+}
+
+/// The pivot column of a row, of columns `begin` on. `kept` stands where none qualifies.
+unsigned choosePivot(const std::vector<double>& row, unsigned begin, unsigned end, bool lastWins,
+                     unsigned kept) {
+    return lastWins ? NqRowOperations::lastLargest(row.data(), begin, end, kept)
+                    : NqRowOperations::firstLargest(row.data(), begin, end, kept);
+}
+
+} // namespace
+
+const NqReArray& NqCoreVelocityControlTool::primaryMatrix() const {
+    return m_PrimaryMatrix;
+}
+
+void NqCoreVelocityControlTool::setPrimaryMatrix(const NqReArray& primaryMatrix) {
+    m_PrimaryMatrix = primaryMatrix;
+}
+
+const NqReArray& NqCoreVelocityControlTool::nullSpace() const {
+    return m_NullSpace;
+}
+
+const NqReArray& NqCoreVelocityControlTool::weightedNullSpace() const {
+    return m_WeightedNullSpace;
+}
+
+const bool& NqCoreVelocityControlTool::weightFlag() const {
+    return m_WeightFlag;
+}
+
+void NqCoreVelocityControlTool::setWeightFlag(bool weightFlag) {
+    m_WeightFlag = weightFlag;
+}
+
+const std::vector<unsigned int>& NqCoreVelocityControlTool::indices() const {
+    return m_Indices;
+}
+
+void NqCoreVelocityControlTool::setIndices(const std::vector<unsigned int>& indices) {
+    m_Indices = indices;
+}
+
+bool NqCoreVelocityControlTool::calcJointRates(NqJacobianState* jacobianState, const NqReArray& jacobian,
+                                               const NqReArray& metric, const std::vector<double>& gradient,
+                                               const double& alpha, const std::vector<double>& velocity,
+                                               unsigned int n, std::vector<double>& jointRates,
+                                               std::vector<double>& nullSpaceJointRates,
+                                               double& determinant) {
+    m_M = jacobian.rows();
+    m_N = n;
+    if (m_N < m_M) {
+        m_NullDimension = 0;
+        jointRates.resize(m_N);
+        return reportDimensions(m_N, m_M);
+    }
+    m_NullDimension = m_N - m_M;
+    bool rowsFit = true;
+    for (unsigned i = 0; i < m_M; ++i) {
+        rowsFit = rowsFit && jacobian[i].size() == m_N;
+    }
+    if (gradient.size() < m_N || velocity.size() < m_M || !rowsFit) {
+        return reportVector();
+    }
+    resize();
+    for (unsigned i = 0; i < m_M; ++i) {
+        m_PrimaryMatrix[i] = jacobian[i];
+    }
+    if (!prep(jacobianState, m_PrimaryMatrix, m_Indices, m_M, m_WeightFlag ? 1u : 0u, metric, m_NullSpace,
+              m_WeightedNullSpace)) {
+        return false;
+    }
+    std::vector<double>& stacked = *m_StackedRightHandSide;
+    stacked.assign(m_N, 0.0);
+    for (unsigned j = 0; j < m_N; ++j) {
+        NqRowOperations::addMultiple(stacked.data() + m_M, gradient[j], m_NullSpace[j].data(),
+                                     m_NullDimension);
+    }
+    for (unsigned i = m_M; i < m_N; ++i) {
+        stacked[i] = -(stacked[i] * alpha);
+    }
+    return solveTwice(velocity, jointRates, nullSpaceJointRates, determinant);
+}
+
+bool NqCoreVelocityControlTool::calcJointRatesAB(NqJacobianState* jacobianState, const NqReArray& bRows,
+                                                 const std::vector<double>& nullGradient, const double& alpha,
+                                                 const std::vector<double>& velocity, unsigned int n,
+                                                 std::vector<double>& jointRates,
+                                                 std::vector<double>& nullSpaceJointRates,
+                                                 double& determinant) {
+    if (!jacobianState) {
+        Nq::Print::instance().write(Nq::PrintFailure,
+                                    "NqCoreVelocityControlTool::calcJointRatesAB(): no Jacobian state\n");
+        return false;
+    }
+    const NqReArray& jacobian = jacobianState->jacobianArray();
+    if (jacobian.size() != 0) {
+        m_PrimaryMatrix = jacobianState->factoredJacobianArray();
+        m_NullSpace = jacobianState->nullSpaceArray();
+        m_Indices = jacobianState->pivotIndices();
+    } else {
+        m_PrimaryMatrix.setToIdentity(n, n);
+        m_NullSpace.setToIdentity(n, n);
+        m_Indices.resize(n);
+        std::iota(m_Indices.begin(), m_Indices.end(), 0u);
+    }
+    m_N = n;
+    m_M = jacobian.rows();
+    if (m_N < m_M) {
+        m_NullDimension = 0;
+        if (jointRates.size() < m_N) {
+            jointRates.resize(m_N);
+        }
+        return reportDimensions(m_N, m_M);
+    }
+    m_NullDimension = m_N - m_M;
+    bool pivotsFit = true;
+    for (std::size_t i = 0; i < m_Indices.size(); ++i) {
+        pivotsFit = pivotsFit && (i < m_N ? m_Indices[i] < m_N : m_Indices[i] == i);
+    }
+    if (nullGradient.size() < m_NullDimension || velocity.size() < m_M || !pivotsFit ||
+        !hasShape(m_PrimaryMatrix, m_N, m_N) || !hasRows(m_PrimaryMatrix, m_N, m_N) ||
+        !hasRows(bRows, m_NullDimension, m_N)) {
+        return reportVector();
+    }
+    if (!prep(m_PrimaryMatrix, m_Indices, m_M, m_N, bRows)) {
+        return false;
+    }
+    std::vector<double>& stacked = *m_StackedRightHandSide;
+    stacked.resize(m_N);
+    for (unsigned i = m_M; i < m_N; ++i) {
+        stacked[i] = -(nullGradient[i - m_M] * alpha);
+    }
+    return solveTwice(velocity, jointRates, nullSpaceJointRates, determinant);
+}
+
+/// Puts the velocity on top of the right-hand side, whose lower part stands, and solves with it and without
+/// it.
+bool NqCoreVelocityControlTool::solveTwice(const std::vector<double>& velocity,
+                                           std::vector<double>& jointRates,
+                                           std::vector<double>& nullSpaceJointRates, double& determinant) {
+    std::vector<double>& stacked = *m_StackedRightHandSide;
+    std::copy_n(velocity.begin(), m_M, stacked.begin());
+    calc(m_PrimaryMatrix, m_Indices, stacked, jointRates, determinant);
+    std::fill_n(stacked.begin(), m_M, 0.0);
+    calc(m_PrimaryMatrix, m_Indices, stacked, nullSpaceJointRates, determinant);
+    return true;
+}
+
+void NqCoreVelocityControlTool::resize() {
+    if (!hasShape(m_PrimaryMatrix, m_N, m_N)) {
+        m_PrimaryMatrix.setToZeros(m_N, m_N);
+    }
+    if (!hasShape(m_NullSpace, m_N, m_NullDimension)) {
+        m_NullSpace.setToZeros(m_N, m_NullDimension);
+    }
+    if (!hasShape(m_WeightedNullSpace, m_N, m_NullDimension)) {
+        m_WeightedNullSpace.setToZeros(m_N, m_NullDimension);
+    }
+    if (m_Indices.size() < m_N) {
+        m_Indices.assign(m_N, 0u);
+    }
+}
+
+bool NqCoreVelocityControlTool::prep(NqReArray& primaryMatrix, std::vector<unsigned int>& indices,
+                                     unsigned int m, unsigned int n, const NqReArray& bRows) {
+    while (indices.size() < n) {
+        indices.push_back(static_cast<unsigned>(indices.size()));
+    }
+    completeFactoring(primaryMatrix, indices, m, n, Ties::LastWins, [&bRows](unsigned i) {
+        return [row = bRows[i].data()](unsigned column) { return row[column]; };
+    });
+    return true;
+}
+
+bool NqCoreVelocityControlTool::prep(NqJacobianState* jacobianState, NqReArray& primaryMatrix,
+                                     std::vector<unsigned int>& indices, unsigned int m,
+                                     unsigned int weightFlag, const NqReArray& metric, NqReArray& nullSpace,
+                                     NqReArray& weightedNullSpace) {
+    const unsigned n = primaryMatrix.columns();
+    indices.resize(n);
+    if (m != 0 && metric.rows() == 0) {
+        return false;
+    }
+    if (m == 0) {
+        nullSpace.setToIdentity(n, n);
+        std::iota(indices.begin(), indices.end(), 0u);
+    } else if (jacobianState && jacobianState->useSparseNullSpace()) {
+        primaryMatrix.nullSpaceSparse(nullSpace, m, indices, jacobianState->sparsityIndicesFirst(),
+                                      jacobianState->sparsityIndicesSecond());
+    } else {
+        primaryMatrix.nullSpace(nullSpace, m, indices);
+    }
+    if (weightFlag == 1) {
+        applyMetric(metric, nullSpace, n, weightedNullSpace);
+    } else {
+        weightedNullSpace = nullSpace;
+    }
+    reportZeroColumns(weightedNullSpace, n);
+    completeFactoring(primaryMatrix, indices, m, n, Ties::FirstWins, [&weightedNullSpace](unsigned i) {
+        return [rows = &weightedNullSpace[0], i](unsigned column) { return rows[column][i]; };
+    });
+    return true;
+}
+
+/// Fills rows m to n - 1 from `lowerRow(i)`, an accessor to the elements of lower row i in the caller's
+/// column order, brings them into the order of `indices`, eliminates them, and merges the interchanges of
+/// both stages in `indices`.
+template <typename LowerRow>
+void NqCoreVelocityControlTool::completeFactoring(NqReArray& matrix, std::vector<unsigned int>& indices,
+                                                  unsigned m, unsigned n, Ties ties,
+                                                  const LowerRow& lowerRow) {
+    std::vector<unsigned int>& columnOrder = *m_ColumnOrder;
+    columnOrder.resize(n);
+    std::iota(columnOrder.begin(), columnOrder.end(), 0u);
+    for (unsigned i = 0; i < n; ++i) {
+        std::swap(columnOrder[i], columnOrder[indices[i]]);
+    }
+    const auto fillLowerRows = [&] {
+        for (unsigned r = m; r < n; ++r) {
+            std::transform(columnOrder.begin(), columnOrder.end(), matrix[r].begin(), lowerRow(r - m));
+        }
+    };
+    *m_FirstPivots = indices;
+    m_SecondPivots->resize(indices.size());
+    std::iota(m_SecondPivots->begin(), m_SecondPivots->end(), 0u);
+    fillLowerRows();
+    if (!eliminateInPanels(matrix, m, n, ties)) {
+        // A pivot that lies before its own row: take everything back, and go the narrow way.
+        for (unsigned c = n; c-- > m;) {
+            swapColumns(matrix, c, (*m_SecondPivots)[c], m);
+            (*m_SecondPivots)[c] = c;
+        }
+        fillLowerRows();
+        eliminateInOrder(matrix, m, n, ties);
+    }
+    matrix.combineIndices(*m_FirstPivots, *m_SecondPivots, indices);
+}
+
+/// Eliminates the lower rows a few pivots at a time, each along whole rows. To the last bit the same as
+/// eliminateInOrder(), as every element gets the same terms in the same order, as long as no column changes
+/// places with one that is done with. Where that would happen this stops and returns false.
+bool NqCoreVelocityControlTool::eliminateInPanels(NqReArray& matrix, unsigned m, unsigned n, Ties ties) {
+    for (unsigned first = 0; first < m; first += PanelWidth) {
+        Panel panel(first);
+        for (unsigned c = first; c < std::min(first + PanelWidth, m); ++c) {
+            panel.add(matrix[c].data());
+        }
+        for (unsigned r = m; r < n; ++r) {
+            panel.eliminate(matrix[r].data(), n);
+        }
+    }
+    unsigned p = 0;
+    for (unsigned first = m; first < n; first += PanelWidth) {
+        Panel panel(first);
+        const unsigned behind = std::min(first + PanelWidth, n);
+        for (unsigned c = first; c < behind; ++c) {
+            std::vector<double>& row = matrix[c];
+            panel.eliminate(row.data(), n);
+            p = choosePivot(row, c, n, ties == Ties::LastWins, p);
+            if (p < c) {
+                return false;
+            }
+            if (p != c) {
+                swapColumns(matrix, c, p, n);
+            }
+            (*m_SecondPivots)[c] = p;
+            if (row[c] == 0.0) {
+                row[c] = kRepairedPivot;
+            }
+            panel.add(row.data());
+        }
+        for (unsigned r = behind; r < n; ++r) {
+            panel.eliminate(matrix[r].data(), n);
+        }
+    }
+    return true;
+}
+
+/// Eliminates the lower rows column by column. A row of zeros (or of NaN) keeps the pivot of the row before,
+/// whose column may be done with already; it changes places all the same.
+void NqCoreVelocityControlTool::eliminateInOrder(NqReArray& matrix, unsigned m, unsigned n, Ties ties) {
+    const auto reduced = [&matrix](unsigned r, unsigned column, unsigned terms) {
+        double element = matrix[r][column];
+        for (unsigned k = 0; k < terms; ++k) {
+            element -= matrix[k][column] * matrix[r][k];
+        }
+        return element;
+    };
+    unsigned p = 0;
+    for (unsigned c = 0; c < n; ++c) {
+        const unsigned below = std::max(c + 1, m);
+        if (c >= m) {
+            for (unsigned j = c; j < n; ++j) {
+                matrix[c][j] = reduced(c, j, c);
+            }
+            p = choosePivot(matrix[c], c, n, ties == Ties::LastWins, p);
+            if (p != c) {
+                swapColumns(matrix, c, p, n);
+            }
+            (*m_SecondPivots)[c] = p;
+        }
+        for (unsigned r = below; r < n; ++r) {
+            matrix[r][c] = reduced(r, c, c);
+        }
+        if (c >= m && matrix[c][c] == 0.0) {
+            matrix[c][c] = kRepairedPivot;
+        }
+        const double reciprocal = 1.0 / matrix[c][c];
+        for (unsigned r = below; r < n; ++r) {
+            matrix[r][c] *= reciprocal;
+        }
+    }
+}
+
+bool NqCoreVelocityControlTool::calc(const NqReArray& factoredMatrix,
+                                     const std::vector<unsigned int>& indices,
+                                     const std::vector<double>& rightHandSide, std::vector<double>& solution,
+                                     double& determinant) {
+    const auto n = static_cast<unsigned>(factoredMatrix.size());
+    if (rightHandSide.size() < n) {
+        Nq::Print::instance().write(Nq::PrintFailure,
+                                    "NqCoreVelocityControlTool::calc(): bad dimensions on input...\n");
+        Nq::Print::instance().write(Nq::PrintFailure,
+                                    " problem dimension %d, right-hand-side dimension %d.\n", n,
+                                    rightHandSide.size());
+        return false;
+    }
+    if (solution.size() < n) {
+        solution.assign(n, 0.0);
+    }
+    double* const x = solution.data();
+    std::copy_n(rightHandSide.begin(), n, x);
+
+    // Forward, a few rows abreast: their sums are independent up to the rows themselves.
+    for (unsigned first = 0; first < n; first += PanelWidth) {
+        const unsigned behind = std::min(first + PanelWidth, n);
+        if (behind - first == PanelWidth) {
+            const double* const r0 = factoredMatrix[first].data();
+            const double* const r1 = factoredMatrix[first + 1].data();
+            const double* const r2 = factoredMatrix[first + 2].data();
+            const double* const r3 = factoredMatrix[first + 3].data();
+            double s0 = x[first], s1 = x[first + 1], s2 = x[first + 2], s3 = x[first + 3];
+            for (unsigned j = 0; j < first; ++j) {
+                s0 -= x[j] * r0[j];
+                s1 -= x[j] * r1[j];
+                s2 -= x[j] * r2[j];
+                s3 -= x[j] * r3[j];
+            }
+            s1 -= s0 * r1[first];
+            s2 = (s2 - s0 * r2[first]) - s1 * r2[first + 1];
+            s3 = ((s3 - s0 * r3[first]) - s1 * r3[first + 1]) - s2 * r3[first + 2];
+            x[first] = s0;
+            x[first + 1] = s1;
+            x[first + 2] = s2;
+            x[first + 3] = s3;
+        } else {
+            for (unsigned i = first; i < n; ++i) {
+                for (unsigned j = 0; j < i; ++j) {
+                    x[i] -= x[j] * factoredMatrix[i][j];
+                }
+            }
+        }
+    }
+    for (unsigned i = n; i-- > 0;) {
+        const double* const row = factoredMatrix[i].data();
+        double sum = x[i];
+        for (unsigned j = i + 1; j < n; ++j) {
+            sum -= x[j] * row[j];
+        }
+        if (row[i] != 0.0) {
+            x[i] = sum / row[i];
+        }
+    }
+
+    bool isOdd = false;
+    for (unsigned i = n; i-- > 0;) {
+        if (indices[i] != i) {
+            std::swap(x[i], x[indices[i]]);
+            isOdd = !isOdd;
+        }
+    }
+    determinant = 1.0;
+    for (unsigned i = 0; i < n; ++i) {
+        determinant *= factoredMatrix[i][i];
+    }
+    if (isOdd) {
+        determinant *= -1.0;
+    }
+    return true;
+}

@@ -1,0 +1,138 @@
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <utility>
+
+/// The inner loops of the factorings, along contiguous rows so that they vectorise. Each element receives its
+/// terms one by one in rising order of the rows they come from, whatever the grouping of the loops.
+///
+/// Products are added; a caller that subtracts passes the negated factor, which gives the same bits.
+namespace NqRowOperations {
+
+/// How many pivot rows are worked through together.
+inline constexpr unsigned PanelWidth = 4;
+
+/// y[j] += factor x[j].
+inline void addMultiple(double* __restrict y, double factor, const double* __restrict x, std::size_t count) {
+    for (std::size_t j = 0; j < count; ++j) {
+        y[j] += factor * x[j];
+    }
+}
+
+/// y[j] += factors[0] rows[0][j], then factors[1] rows[1][j] and so on, for `width` rows, at most PanelWidth;
+/// j runs from `begin` to `end` - 1, in y and in the rows.
+inline void addMultiples(double* y, const double* factors, const double* const* rows, unsigned width,
+                         std::size_t begin, std::size_t end) {
+    if (width < PanelWidth) {
+        for (unsigned k = 0; k < width; ++k) {
+            addMultiple(y + begin, factors[k], rows[k] + begin, end - begin);
+        }
+        return;
+    }
+    const double f0 = factors[0], f1 = factors[1], f2 = factors[2], f3 = factors[3];
+    const double* __restrict r0 = rows[0];
+    const double* __restrict r1 = rows[1];
+    const double* __restrict r2 = rows[2];
+    const double* __restrict r3 = rows[3];
+    double* __restrict target = y;
+    for (std::size_t j = begin; j < end; ++j) {
+        target[j] = (((target[j] + f0 * r0[j]) + f1 * r1[j]) + f2 * r2[j]) + f3 * r3[j];
+    }
+}
+
+/// The greatest magnitude from `begin` to `end` - 1; NaN doesn't count, and 0 is the least.
+inline double largestMagnitude(const double* row, std::size_t begin, std::size_t end) {
+    const auto larger = [](double entry, double best) {
+        const double magnitude = std::abs(entry);
+        return magnitude > best ? magnitude : best;
+    };
+    double best[PanelWidth] = {};
+    std::size_t j = begin;
+    for (; j + PanelWidth <= end; j += PanelWidth) {
+        for (unsigned lane = 0; lane < PanelWidth; ++lane) {
+            best[lane] = larger(row[j + lane], best[lane]);
+        }
+    }
+    for (; j < end; ++j) {
+        best[0] = larger(row[j], best[0]);
+    }
+    return std::max({best[0], best[1], best[2], best[3]});
+}
+
+/// The first column from `begin` to `end` - 1 whose entry has the greatest magnitude; `kept` when all of them
+/// are zero or NaN.
+inline unsigned firstLargest(const double* row, unsigned begin, unsigned end, unsigned kept) {
+    const double best = largestMagnitude(row, begin, end);
+    if (best == 0.0) {
+        return kept;
+    }
+    while (std::abs(row[begin]) != best) {
+        ++begin;
+    }
+    return begin;
+}
+
+/// The last such column, also when all magnitudes are zero; `kept` when all entries are NaN.
+inline unsigned lastLargest(const double* row, unsigned begin, unsigned end, unsigned kept) {
+    const double best = largestMagnitude(row, begin, end);
+    while (end > begin) {
+        if (std::abs(row[--end]) == best) {
+            return end;
+        }
+    }
+    return kept;
+}
+
+/// A few consecutive rows of a matrix, factored. The columns first, first + 1 ... are theirs.
+struct Panel {
+    unsigned first;                 ///< row and column index of the first one
+    unsigned width = 0;             ///< how many there are by now
+    const double* rows[PanelWidth]; ///< the whole rows
+    double reciprocals[PanelWidth]; ///< 1.0 / pivot of each
+
+    explicit Panel(unsigned firstRow) : first(firstRow) {}
+
+    void add(const double* row) {
+        rows[width] = row;
+        reciprocals[width] = 1.0 / row[first + width];
+        ++width;
+    }
+
+    /// Leaves the multipliers that eliminate `row` in the panel's columns of that row, and negated in
+    /// `factors`.
+    void multipliers(double* row, double* factors) const {
+        double* const head = row + first;
+        if (width == PanelWidth) {
+            const double* const r0 = rows[0] + first;
+            const double* const r1 = rows[1] + first;
+            const double* const r2 = rows[2] + first;
+            head[0] *= reciprocals[0];
+            head[1] = (head[1] - head[0] * r0[1]) * reciprocals[1];
+            head[2] = ((head[2] - head[0] * r0[2]) - head[1] * r1[2]) * reciprocals[2];
+            head[3] = (((head[3] - head[0] * r0[3]) - head[1] * r1[3]) - head[2] * r2[3]) * reciprocals[3];
+            for (unsigned k = 0; k < PanelWidth; ++k) {
+                factors[k] = -head[k];
+            }
+            return;
+        }
+        for (unsigned k = 0; k < width; ++k) {
+            head[k] *= reciprocals[k];
+            factors[k] = -head[k];
+            for (unsigned later = k + 1; later < width; ++later) {
+                head[later] += factors[k] * rows[k][first + later];
+            }
+        }
+    }
+
+    /// Eliminates `row` against the panel: the multipliers, and the columns behind the panel, up to `end`
+    /// - 1.
+    void eliminate(double* row, std::size_t end) const {
+        double factors[PanelWidth];
+        multipliers(row, factors);
+        addMultiples(row, factors, rows, width, first + width, end);
+    }
+};
+
+} // namespace NqRowOperations

@@ -1,0 +1,219 @@
+#include "endeffector/NqEndEffectorSamples.h"
+
+#include <nqControlCore/core/NqCoreVelocityControlTool.h>
+#include <nqControlCore/foundation/manipulator/NqJacobianState.h>
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+
+// All allocation of the program comes by here, that of operator new and of the C libraries too.
+
+extern "C" {
+void* __libc_malloc(std::size_t size) noexcept;
+void* __libc_calloc(std::size_t count, std::size_t size) noexcept;
+void* __libc_realloc(void* block, std::size_t size) noexcept;
+void* __libc_memalign(std::size_t alignment, std::size_t size) noexcept;
+}
+
+namespace {
+
+std::size_t theAllocations = 0;
+
+} // namespace
+
+extern "C" {
+void* malloc(std::size_t size) noexcept {
+    ++theAllocations;
+    return __libc_malloc(size);
+}
+void* calloc(std::size_t count, std::size_t size) noexcept {
+    ++theAllocations;
+    return __libc_calloc(count, size);
+}
+void* realloc(void* block, std::size_t size) noexcept {
+    ++theAllocations;
+    return __libc_realloc(block, size);
+}
+void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
+    ++theAllocations;
+    return __libc_memalign(alignment, size);
+}
+int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexcept {
+    ++theAllocations;
+    *block = __libc_memalign(alignment, size);
+    return *block ? 0 : ENOMEM;
+}
+}
+
+namespace {
+
+using RelativeData = NqEndEffectorRelativeLinkData;
+
+template <typename Action>
+std::size_t allocationsOf(Action action) {
+    const std::size_t before = theAllocations;
+    action();
+    return theAllocations - before;
+}
+
+/// Two end-effectors of a type on a model, and all that a control loop asks of them and of the solver.
+class ControlLoop {
+public:
+    ControlLoop(const NqTestModel& model, const NqEndEffectorKind& kind, RelativeData::RelativeMode mode)
+        : m_Manipulator(*model.manipulator), m_FixedBase(!model.movesBase), m_State(m_Manipulator),
+          m_Position(m_Manipulator.numberOfJoints()), m_Velocity(m_Manipulator.numberOfJoints()),
+          m_Acceleration(m_Manipulator.numberOfJoints()) {
+        NqTestModel second = model;
+        second.link = model.secondLink;
+        RelativeData relative;
+        relative.setRelativeMode(mode);
+        relative.setRelativeLinkID(model.relativeLink);
+        m_EndEffectors.push_back(kind.make(model));
+        m_EndEffectors.push_back(kind.make(second));
+        for (const auto& endEffector : m_EndEffectors) {
+            endEffector->setRelativeLinkData(relative);
+            endEffector->setExternalOffsetPointer(&m_Offset);
+            endEffector->setUseExternalOffset(true);
+        }
+        m_Columns = m_Manipulator.numberOfJoints() + (m_FixedBase ? 0 : NqEndEffector::m_theBaseDof);
+        m_Gradient.assign(m_Columns, 0.1);
+        m_Metric.setToIdentity(m_Columns, m_Columns);
+        m_DiagonalMetric.setToValue(m_Columns, 1, 2.0);
+        m_Sparse.setUseSparseNullSpace(true);
+    }
+
+    void step() {
+        m_Time += 0.01;
+        setState();
+        unsigned rows = 0;
+        for (const auto& endEffector : m_EndEffectors) {
+            ask(*endEffector, rows);
+            rows += endEffector->doc();
+        }
+        if (rows <= m_Columns) {
+            solve();
+        }
+    }
+
+    bool isSolved() const { return m_IsSolved; }
+
+private:
+    void setState() {
+        for (unsigned j = 0; j < m_Manipulator.numberOfJoints(); ++j) {
+            m_Position.setJointPosition(j, std::sin(m_Time + j));
+            m_Velocity.setJointVelocity(j, std::cos(m_Time + j));
+            m_Acceleration.setJointAcceleration(j, -std::sin(m_Time + j));
+        }
+        if (!m_FixedBase) {
+            const NqVector v(m_Time, -m_Time, 0.5);
+            m_Position.setBaseFrame({v, NqOrientation()});
+            m_Velocity.setBaseMotion({v, v});
+            m_Acceleration.setBaseMotion({v, v});
+        }
+        m_State.setPositionState(m_Position);
+        m_State.setVelocityState(m_Velocity);
+        m_State.setAccelerationState(m_Acceleration);
+    }
+
+    void ask(const NqEndEffector& e, unsigned row) {
+        e.insertJacobianComponent(m_Manipulator, row, e.relativeLinkData(), m_FixedBase, m_State, m_Jacobian);
+        e.insertSparsityComponent(m_Manipulator, row, e.relativeLinkData(), m_FixedBase, m_Sparsity);
+        e.insertErrorWeightComponent(row, m_Weights);
+        e.calculatePlacement(m_Manipulator, m_State, m_Placement);
+        e.calculatePlacementInRelative(m_Manipulator, m_State, m_RelativePlacement);
+        e.convertPlacementFromRelativeToSystem(m_Manipulator, m_RelativePlacement,
+                                               m_State.activePositionState(), m_Placement);
+        e.calculateVelocity(m_Manipulator, m_State, m_Velocities, row);
+        e.calculateAcceleration(m_Manipulator, m_State, m_Accelerations, row);
+        e.calculateEndEffectorError(m_Manipulator, m_Target, m_State, m_Error);
+        m_Desired.assign(e.doc(), 0.2);
+        e.filterEndEffectorVelocity(m_Desired, m_Error, 0.001, m_Filtered);
+        e.filterEndEffectorVelocity(m_Manipulator, m_Target, m_Desired, m_Error, 0.001, m_State, m_Filtered);
+        m_Time += 1e-9 * e.minimumTime(m_Placement, m_Target) * e.difference(m_Placement, m_Target);
+    }
+
+    void solve() {
+        m_Sparse.setSparsity(m_Sparsity);
+        m_Dense.setJacobian(m_Jacobian);
+        m_Sparse.setJacobian(m_Jacobian);
+        const auto calculate = [&](NqJacobianState* state, const NqReArray& metric) {
+            return m_Tool.calcJointRates(state, m_Jacobian, metric, m_Gradient, 0.5, m_Velocities.values(),
+                                         m_Columns, m_Rates, m_NullSpaceRates, m_Determinant);
+        };
+        m_IsSolved = calculate(nullptr, m_Metric) && calculate(&m_Dense, m_DiagonalMetric) &&
+                     calculate(&m_Sparse, m_Metric) &&
+                     m_Tool.calcJointRatesAB(&m_Sparse, m_Metric, m_Gradient, 0.5, m_Velocities.values(),
+                                             m_Columns, m_Rates, m_NullSpaceRates, m_Determinant);
+    }
+
+    const NqIndividualManipulator& m_Manipulator;
+    bool m_FixedBase;
+    std::vector<std::unique_ptr<NqEndEffector>> m_EndEffectors;
+    NqCoordinateSystemTransformation m_Offset{NqVector(0.1, 0.2, 0.3)};
+    NqEndEffectorPlacement m_Target{NqVector(0.3, -0.2, 0.6)};
+    unsigned m_Columns = 0;
+    std::vector<double> m_Gradient;
+    NqReArray m_Metric, m_DiagonalMetric;
+
+    double m_Time = 0.0;
+    NqManipulatorActiveState m_State;
+    NqPositionState m_Position;
+    NqVelocityState m_Velocity;
+    NqAccelerationState m_Acceleration;
+    NqReArray m_Jacobian, m_Weights;
+    NqEndEffector::SparsityDescription m_Sparsity;
+    NqEndEffectorPlacement m_Placement, m_RelativePlacement;
+    NqXmlRealVector m_Velocities, m_Accelerations, m_Error, m_Desired, m_Filtered;
+    NqJacobianState m_Dense, m_Sparse;
+    NqCoreVelocityControlTool m_Tool;
+    std::vector<double> m_Rates, m_NullSpaceRates;
+    double m_Determinant = 0.0;
+    bool m_IsSolved = false;
+};
+
+TEST(NqAllocationTest, EveryWayToMemoryIsSeen) {
+    void* volatile block = nullptr; // what is volatile is not optimised away
+    EXPECT_EQ(allocationsOf([&] { block = std::malloc(8); }), 1u);
+    EXPECT_EQ(allocationsOf([&] { block = std::realloc(block, 4096); }), 1u);
+    std::free(block);
+    EXPECT_EQ(allocationsOf([&] { block = std::calloc(2, 8); }), 1u);
+    std::free(block);
+    EXPECT_EQ(allocationsOf([&] { block = std::aligned_alloc(64, 64); }), 1u);
+    std::free(block);
+    void* aligned = nullptr;
+    EXPECT_EQ(allocationsOf([&] { EXPECT_EQ(posix_memalign(&aligned, 64, 64), 0); }), 1u);
+    std::free(aligned);
+    EXPECT_EQ(allocationsOf([&] { block = ::operator new(8); }), 1u);
+    ::operator delete(block);
+}
+
+class ControlStep : public testing::TestWithParam<std::size_t> {};
+
+TEST_P(ControlStep, AllocatesNothingOnceWarm) {
+    const NqTestModel& model = nqTestModels()[GetParam()];
+    bool isSolved = false;
+    for (const NqEndEffectorKind& kind : nqEndEffectorKinds()) {
+        for (const auto mode : {RelativeData::relativeModeNone, RelativeData::relativeModeInternal,
+                                RelativeData::relativeModeExternal}) {
+            ControlLoop loop(model, kind, mode);
+            loop.step();
+            loop.step();
+            const std::size_t allocations = allocationsOf([&] {
+                for (unsigned i = 0; i < 100; ++i) {
+                    loop.step();
+                }
+            });
+            EXPECT_EQ(allocations, 0u) << kind.name << " in relative mode " << mode;
+            isSolved = isSolved || loop.isSolved();
+        }
+    }
+    EXPECT_TRUE(isSolved || model.manipulator->numberOfJoints() < 6);
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, ControlStep, testing::Range<std::size_t>(0, nqTestModels().size()),
+                         [](const auto& model) { return nqTestModels()[model.param].name; });
+
+} // namespace

@@ -1,0 +1,16 @@
+# Checks that the first C++ snippet of the README is the marked region of an example, less its indentation.
+cmake_minimum_required(VERSION 3.25)
+
+file(READ ${README} readme)
+file(READ ${EXAMPLE} example)
+if(NOT readme MATCHES "```cpp\n(.*)")
+    message(FATAL_ERROR "${README} has no C++ snippet")
+endif()
+string(REGEX REPLACE "```.*" "" snippet "${CMAKE_MATCH_1}")
+if(NOT example MATCHES "\n    // \\[README\n(.*)\n    // README\\]\n")
+    message(FATAL_ERROR "${EXAMPLE} has no marked region")
+endif()
+string(REPLACE "\n    " "\n" region "\n${CMAKE_MATCH_1}\n")
+if(NOT "\n${snippet}" STREQUAL region)
+    message(FATAL_ERROR "The snippet in ${README} differs from the marked region of ${EXAMPLE}, which is:${region}")
+endif()

@@ -1,0 +1,100 @@
+#include "support/NqPrintCapture.h"
+
+#include <nqControlCore/core/NqCoreVelocityControlTool.h>
+#include <nqControlCore/endeffector/NqEndEffectorVector.h>
+#include <nqControlCore/endeffector/NqPointEndEffector.h>
+#include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
+#include <nqControlCore/foundation/xml/NqXmlDocument.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <thread>
+
+namespace {
+
+constexpr unsigned kThreads = 4;
+
+/// Runs `action(i)` on so many threads at once.
+template <typename Action>
+void onThreads(Action action) {
+    std::vector<std::thread> threads;
+    for (unsigned i = 0; i < kThreads; ++i) {
+        threads.emplace_back(action, i);
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+/// Drives the hand to a target that depends on `run`, with a state, end-effectors and a tool of its own.
+/// Gives the joint positions at the end.
+std::vector<double> driven(const NqIndividualManipulator& arm, unsigned run) {
+    NqEndEffectorVector endEffectors;
+    if (!NqXmlDocument::readFile(NQ_MODELS "/arm7.endeffectors.xml", endEffectors) || endEffectors.empty()) {
+        return {};
+    }
+    const NqEndEffector& hand = *endEffectors.begin();
+    const unsigned n = arm.numberOfJoints();
+    const NqEndEffectorPlacement target(NqVector(0.4, 0.1 * run, 0.5));
+    NqPositionState position(NqXmlRealVector{0.0, -0.5, 0.0, -2.2, 0.0, 1.8, 0.8});
+    NqManipulatorActiveState state(arm);
+    NqCoreVelocityControlTool tool;
+    NqReArray jacobian;
+    NqReArray metric;
+    metric = std::vector<double>(n, 1.0);
+    const NqXmlRealVector still(3);
+    NqXmlRealVector previous(3);
+    NqXmlRealVector command;
+    std::vector<double> rates;
+    std::vector<double> nullSpaceRates;
+    double determinant = 0.0;
+    for (unsigned step = 0; step < 200; ++step) {
+        state.setPositionState(position);
+        hand.insertJacobianComponent(arm, 0, hand.relativeLinkData(), true, state, jacobian);
+        hand.filterEndEffectorVelocity(arm, target, still, previous, 0.005, state, command);
+        tool.calcJointRates(nullptr, jacobian, metric, position.jointPositions(), 0.1, command.values(), n,
+                            rates, nullSpaceRates, determinant);
+        for (unsigned j = 0; j < n; ++j) {
+            position.jointPositions()[j] += 0.005 * rates[j];
+        }
+        previous = command;
+    }
+    return position.jointPositions();
+}
+
+TEST(NqSharedManipulatorTest, ThreadsThatShareOneDriveAsIfAlone) {
+    NqIndividualManipulator arm;
+    ASSERT_TRUE(NqUrdfReader::readFile(NQ_MODELS "/arm7.urdf", arm));
+    std::vector<std::vector<double>> together(kThreads);
+    onThreads([&](unsigned i) { together[i] = driven(arm, i); });
+    for (unsigned i = 0; i < kThreads; ++i) {
+        EXPECT_EQ(together[i].size(), 7u);
+        EXPECT_EQ(together[i], driven(arm, i));
+    }
+    EXPECT_NE(together[0], together[1]);
+}
+
+TEST(NqSharedManipulatorTest, MessagesFromThreadsStayWhole) {
+    const NqIndividualManipulator base;
+    NqPrintCapture capture;
+    constexpr unsigned messages = 50;
+    onThreads([&](unsigned i) {
+        NqPointEndEffector nowhere;
+        nowhere.setLinkIdentifier("link of thread " + std::to_string(i));
+        NqManipulatorActiveState state(base);
+        NqVector point;
+        for (unsigned k = 0; k < messages; ++k) {
+            nowhere.calculatePointPlacement(base, state, point);
+        }
+    });
+    for (unsigned i = 0; i < kThreads; ++i) {
+        const std::string line = "NqPointEndEffector::calculatePointPlacement(): bad label on point end "
+                                 "effector: link of thread " +
+                                 std::to_string(i) + ".\n";
+        EXPECT_EQ(std::count(capture.lines().begin(), capture.lines().end(), std::pair(4u, line)), messages);
+    }
+    EXPECT_EQ(capture.lines().size(), kThreads * messages);
+}
+
+} // namespace

@@ -43,6 +43,29 @@ bool refuse(const char* operation) {
     return false;
 }
 
+/// Of each row, the longest run of zeros within that of the row above.
+template <typename Rows>
+void findZeroRuns(const Rows& rows, unsigned m, unsigned columns, std::vector<unsigned int>& zeroStart,
+                  std::vector<unsigned int>& zeroEnd) {
+    zeroStart.resize(m);
+    zeroEnd.resize(m);
+    unsigned begin = 0;
+    unsigned end = columns;
+    for (unsigned r = 0; r < m; ++r) {
+        unsigned runStart = begin, bestStart = begin, bestEnd = begin;
+        for (unsigned j = begin; j < end; ++j) {
+            if (rows[r][j] != 0) {
+                runStart = j + 1;
+            } else if (j + 1 - runStart > bestEnd - bestStart) {
+                bestStart = runStart;
+                bestEnd = j + 1;
+            }
+        }
+        zeroStart[r] = begin = bestStart;
+        zeroEnd[r] = end = bestEnd;
+    }
+}
+
 /// Has `fill` write the result, by way of a fresh array where the result is one of the operands.
 template <typename Fill>
 void writeResult(NqReArray& result, bool isOperand, const Fill& fill) {
@@ -783,35 +806,20 @@ bool NqReArray::calculateZeroStartIndices(unsigned int m, std::vector<unsigned i
     if (m > m_Rows.size() || !isRectangular()) {
         return refuse("calculateZeroStartIndices");
     }
-    zeroStart.resize(m);
-    zeroEnd.resize(m);
-    unsigned begin = 0;
-    unsigned end = columns();
-    for (unsigned r = 0; r < m; ++r) {
-        unsigned runStart = begin, bestStart = begin, bestEnd = begin;
-        for (unsigned j = begin; j < end; ++j) {
-            if (m_Rows[r][j] != 0.0) {
-                runStart = j + 1;
-            } else if (j + 1 - runStart > bestEnd - bestStart) {
-                bestStart = runStart;
-                bestEnd = j + 1;
-            }
-        }
-        zeroStart[r] = begin = bestStart;
-        zeroEnd[r] = end = bestEnd;
-    }
+    findZeroRuns(m_Rows, m, columns(), zeroStart, zeroEnd);
     return true;
 }
 
 bool NqReArray::calculateZeroStartIndices(const std::vector<std::vector<bool>>& sparsity,
                                           std::vector<unsigned int>& zeroStart,
                                           std::vector<unsigned int>& zeroEnd) {
-    NqReArray pattern;
-    pattern.m_Rows.reserve(sparsity.size());
-    for (const std::vector<bool>& bits : sparsity) {
-        pattern.m_Rows.emplace_back(bits.begin(), bits.end());
+    const std::size_t columns = sparsity.empty() ? 0 : sparsity.front().size();
+    if (!std::ranges::all_of(sparsity, [&](const auto& bits) { return bits.size() == columns; })) {
+        return refuse("calculateZeroStartIndices");
     }
-    return pattern.calculateZeroStartIndices(pattern.rows(), zeroStart, zeroEnd);
+    findZeroRuns(sparsity, static_cast<unsigned>(sparsity.size()), static_cast<unsigned>(columns), zeroStart,
+                 zeroEnd);
+    return true;
 }
 
 void NqReArray::dump(std::ostream& stream) const {

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <nqControlCore/foundation/matrix/NqReArray.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+#include <vector>
+
+using NqRandom = std::mt19937;
+
+inline double nqUniform(NqRandom& random) {
+    return std::uniform_real_distribution<double>(-1.0, 1.0)(random);
+}
+
+inline NqReArray nqArray(const std::vector<std::vector<double>>& rows) {
+    NqReArray array(static_cast<unsigned>(rows.size()), 0);
+    for (unsigned i = 0; i < rows.size(); ++i) {
+        array.assign(i, rows[i]);
+    }
+    return array;
+}
+
+inline std::vector<double> nqRandomVector(NqRandom& random, unsigned size) {
+    std::vector<double> values(size);
+    for (double& value : values) {
+        value = nqUniform(random);
+    }
+    return values;
+}
+
+inline NqReArray nqRandomArray(NqRandom& random, unsigned rows, unsigned columns) {
+    NqReArray array(rows, 0);
+    for (unsigned i = 0; i < rows; ++i) {
+        array.assign(i, nqRandomVector(random, columns));
+    }
+    return array;
+}
+
+/// Equal to the last bit; any NaN equals any other.
+inline bool nqSameBits(const std::vector<double>& a, const std::vector<double>& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](double x, double y) {
+        return std::isnan(x) ? std::isnan(y) : x == y && std::signbit(x) == std::signbit(y);
+    });
+}

@@ -1,0 +1,359 @@
+#include <matrix/NqArrayTesting.h>
+
+#include <nqControlCore/core/NqCoreVelocityControlTool.h>
+#include <nqControlCore/foundation/manipulator/NqJacobianState.h>
+#include <support/NqPrintCapture.h>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <numeric>
+
+namespace {
+
+using Numbers = std::vector<double>;
+using Indices = std::vector<unsigned int>;
+
+struct Outcome {
+    bool success = false;
+    Numbers rates, nullRates;
+    double determinant = 0.0;
+};
+
+struct Problem {
+    unsigned n, m;
+    NqReArray jacobian, metric;
+    Numbers gradient, velocity;
+    double alpha = 0.7;
+
+    /// Well-conditioned, with a positive definite metric.
+    Problem(NqRandom& random, unsigned joints, unsigned constraints, bool isDiagonal = false)
+        : n(joints), m(constraints), jacobian(nqRandomArray(random, m, n)),
+          gradient(nqRandomVector(random, n)), velocity(nqRandomVector(random, m)) {
+        for (unsigned i = 0; i < m; ++i) {
+            jacobian[i][(3 * i) % n] += std::copysign(static_cast<double>(n) / 3.0 + 1.0, nqUniform(random));
+        }
+        NqReArray unit;
+        unit.setToIdentity(n, n);
+        nqRandomArray(random, n, n).underconstrainedNormal(metric);
+        metric += unit;
+        for (unsigned i = 0; i < n && isDiagonal; ++i) {
+            metric[i].assign(1, metric[i][i]);
+        }
+    }
+
+    Outcome solve(NqCoreVelocityControlTool& tool, NqJacobianState* state = nullptr) const {
+        Outcome outcome;
+        outcome.success = tool.calcJointRates(state, jacobian, metric, gradient, alpha, velocity, n,
+                                              outcome.rates, outcome.nullRates, outcome.determinant);
+        return outcome;
+    }
+
+    Outcome solveAB(NqCoreVelocityControlTool& tool, NqJacobianState* state, const NqReArray& bRows,
+                    const Numbers& nullGradient) const {
+        Outcome outcome;
+        outcome.success = tool.calcJointRatesAB(state, bRows, nullGradient, alpha, velocity, n, outcome.rates,
+                                                outcome.nullRates, outcome.determinant);
+        return outcome;
+    }
+};
+
+/// The n by n system, plainly stacked.
+struct Stacked {
+    NqReArray rows;
+    Numbers rightHandSide;
+
+    Stacked(const Problem& problem, const NqReArray& nullSpace, bool isWeighted)
+        : rows(problem.jacobian), rightHandSide(problem.velocity) {
+        const unsigned n = problem.n;
+        const NqReArray& metric = problem.metric;
+        rows.resizeArray(n, n);
+        for (unsigned i = 0; i < n - problem.m; ++i) {
+            Numbers direction;
+            nullSpace.getColumn(i, direction);
+            for (unsigned j = 0; j < n; ++j) {
+                double weighted = 0.0;
+                for (unsigned k = 0; k < std::min(n, metric.columns()) && j < metric.rows(); ++k) {
+                    weighted += direction[metric.columns() == 1 ? j : k] * metric[j][k];
+                }
+                rows[problem.m + i][j] = isWeighted ? weighted : direction[j];
+            }
+            rightHandSide.push_back(
+                -(problem.alpha * std::inner_product(problem.gradient.begin(), problem.gradient.end(),
+                                                     direction.begin(), 0.0)));
+        }
+    }
+};
+
+/// The stacked solve element by element, as a textbook has it: `a` holds the factored upper rows and the
+/// plain lower ones in the caller's column order, `pivots` the interchanges of the upper rows.
+Outcome byTheBook(NqReArray a, Indices pivots, Numbers rightHandSide, unsigned m, bool lastWins) {
+    const auto n = static_cast<unsigned>(a.size());
+    const auto swapColumns = [&](unsigned c, unsigned p, unsigned begin) {
+        for (unsigned r = begin; r < n; ++r) {
+            std::swap(a[r][c], a[r][p]);
+        }
+    };
+    const auto reduce = [&](unsigned r, unsigned column, unsigned terms) {
+        for (unsigned k = 0; k < terms; ++k) {
+            a[r][column] -= a[k][column] * a[r][k];
+        }
+    };
+    for (unsigned i = 0; i < n; ++i) {
+        swapColumns(i, pivots[i], m);
+    }
+    unsigned p = 0;
+    for (unsigned c = 0; c < n; ++c) {
+        double best = 0.0;
+        for (unsigned j = c; j < n && c >= m; ++j) {
+            reduce(c, j, c);
+            const double magnitude = std::fabs(a[c][j]);
+            if (lastWins ? magnitude >= best : magnitude > best) {
+                best = magnitude;
+                p = j;
+            }
+        }
+        if (c >= m) {
+            swapColumns(c, p, 0);
+            pivots[c] = p;
+        }
+        for (unsigned r = std::max(c + 1, m); r < n; ++r) {
+            reduce(r, c, c);
+        }
+        a[c][c] = c >= m && a[c][c] == 0.0 ? 1.0e-300 : a[c][c];
+        const double reciprocal = 1.0 / a[c][c];
+        for (unsigned r = std::max(c + 1, m); r < n; ++r) {
+            a[r][c] *= reciprocal;
+        }
+    }
+    const auto solve = [&](Numbers x) {
+        for (unsigned i = 0; i < n; ++i) {
+            for (unsigned j = 0; j < i; ++j) {
+                x[i] -= x[j] * a[i][j];
+            }
+        }
+        for (unsigned i = n; i-- > 0;) {
+            double sum = x[i];
+            for (unsigned j = i + 1; j < n; ++j) {
+                sum -= x[j] * a[i][j];
+            }
+            x[i] = a[i][i] != 0.0 ? sum / a[i][i] : x[i];
+        }
+        for (unsigned i = n; i-- > 0;) {
+            std::swap(x[i], x[pivots[i]]);
+        }
+        return x;
+    };
+    Outcome outcome{true, solve(rightHandSide), {}, 1.0};
+    std::fill_n(rightHandSide.begin(), m, 0.0);
+    outcome.nullRates = solve(rightHandSide);
+    for (unsigned i = 0; i < n; ++i) {
+        outcome.determinant *= a[i][i];
+    }
+    for (unsigned i = 0; i < n; ++i) {
+        outcome.determinant *= pivots[i] == i ? 1.0 : -1.0;
+    }
+    return outcome;
+}
+
+void expectSame(const Outcome& outcome, const Outcome& expected) {
+    EXPECT_TRUE(outcome.success && nqSameBits(outcome.rates, expected.rates) &&
+                nqSameBits(outcome.nullRates, expected.nullRates) &&
+                nqSameBits({outcome.determinant}, {expected.determinant}));
+}
+
+/// Largest entry of A x - b, against the magnitudes of the terms that it is made of.
+double residual(const NqReArray& a, const Numbers& x, const Numbers& b) {
+    double worst = 0.0;
+    for (unsigned i = 0; i < b.size(); ++i) {
+        double sum = -b[i], scale = std::abs(b[i]) + 1e-30;
+        for (unsigned j = 0; j < x.size(); ++j) {
+            sum += a[i][j] * x[j];
+            scale += std::abs(a[i][j] * x[j]);
+        }
+        worst = std::max(worst, std::abs(sum) / scale);
+    }
+    return worst;
+}
+
+TEST(CoreVelocityControlTool, MeetsTheVelocityAndDescendsTheGradientInTheRest) {
+    NqRandom random(1);
+    NqCoreVelocityControlTool tool;
+    for (unsigned round = 0; round < 1000; ++round) {
+        const unsigned n = 1 + round % 40, m = static_cast<unsigned>(random() % (n + 1));
+        const Problem problem(random, n, m, round % 3 == 0);
+        NqJacobianState state;
+        state.setUseSparseNullSpace(round % 2 == 0);
+        const Outcome outcome = problem.solve(tool, &state);
+        ASSERT_TRUE(outcome.success);
+        EXPECT_LT(residual(problem.jacobian, outcome.rates, problem.velocity), 1e-12);
+        EXPECT_LT(residual(problem.jacobian, outcome.nullRates, Numbers(m, 0.0)), 1e-12);
+        const double climb = std::inner_product(outcome.nullRates.begin(), outcome.nullRates.end(),
+                                                problem.gradient.begin(), 0.0);
+        EXPECT_TRUE(m == n ? outcome.nullRates == Numbers(n, 0.0) : climb < 0.0) << "n " << n << " m " << m;
+
+        const Stacked stacked(problem, tool.nullSpace(), true);
+        NqReArray bRows(n - m, n);
+        Numbers nullGradient;
+        for (unsigned i = m; i < n; ++i) {
+            bRows[i - m] = stacked.rows[i];
+            nullGradient.push_back(-stacked.rightHandSide[i] / problem.alpha);
+        }
+        state.setJacobian(problem.jacobian);
+        for (const Outcome& each : {outcome, problem.solveAB(tool, &state, bRows, nullGradient)}) {
+            EXPECT_LT(residual(stacked.rows, each.rates, stacked.rightHandSide), 1e-11);
+            EXPECT_NEAR(each.determinant / stacked.rows.determinant(), 1.0, 1e-9);
+        }
+    }
+}
+
+TEST(CoreVelocityControlTool, IsTheTextbookToTheLastBit) {
+    NqPrintCapture capture; // of zero columns
+    NqRandom random(9);
+    NqCoreVelocityControlTool tool;
+    for (unsigned round = 0; round < 2000; ++round) {
+        SCOPED_TRACE(round);
+        const unsigned n = 1 + static_cast<unsigned>(random() % 14),
+                       m = static_cast<unsigned>(random() % (n + 1));
+        Problem problem(random, n, m, round % 3 == 0);
+        NqReArray& metric = problem.metric;
+        const unsigned kind = round % 7;
+        for (NqReArray* array : {&problem.jacobian, &metric}) {
+            for (unsigned i = 0; i < array->rows() && (kind == 1 || kind == 2); ++i) {
+                for (double& entry : (*array)[i]) { // ties, exact cancellation, singular problems
+                    entry = std::round(entry);
+                }
+            }
+        }
+        if (kind == 2 || kind == 3) { // joints without weight, whole rows of zeros
+            metric.resizeArray(static_cast<unsigned>(random() % (n + 3)) + 1, metric.columns());
+        } else if (kind == 4) {
+            metric[random() % n][0] = round % 2 ? std::nan("") : std::numeric_limits<double>::infinity();
+        } else if (kind == 5) {
+            metric.setToZeros(n, n);
+            metric[n / 2][n - 1] = 1.0;
+        }
+        NqJacobianState state;
+        state.setJacobian(problem.jacobian);
+        NqReArray factored = state.factoredJacobianArray(), nullSpace = state.nullSpaceArray();
+        Indices pivots = state.pivotIndices();
+        if (m == 0) {
+            factored.setToIdentity(n, n);
+            nullSpace = factored;
+            pivots.resize(n);
+            std::iota(pivots.begin(), pivots.end(), 0u);
+        }
+        tool.setWeightFlag(round % 5 != 0);
+        Stacked stacked(problem, nullSpace, tool.weightFlag());
+        std::copy_n(&factored[0], m, &stacked.rows[0]);
+        expectSame(problem.solve(tool), byTheBook(stacked.rows, pivots, stacked.rightHandSide, m, false));
+
+        NqReArray bRows = nqRandomArray(random, n - m + round % 2, n + round % 3);
+        for (unsigned i = 0; i < n - m; ++i) {
+            if (kind == 3 || (kind > 3 && i % 3 == 1)) {
+                std::fill(bRows[i].begin(), bRows[i].end(),
+                          kind == 6 ? std::nan("") : std::round(bRows[i][0]));
+            }
+            std::copy_n(bRows[i].begin(), n, stacked.rows[m + i].begin());
+            stacked.rightHandSide[m + i] = -(problem.gradient[i] * problem.alpha);
+        }
+        expectSame(problem.solveAB(tool, &state, bRows, problem.gradient),
+                   byTheBook(stacked.rows, pivots, stacked.rightHandSide, m, true));
+    }
+}
+
+TEST(CoreVelocityControlTool, WithoutWeightsRepairsAndReportsZeroColumns) {
+    NqRandom random(6);
+    NqCoreVelocityControlTool tool;
+    Problem problem(random, 3, 0);
+    problem.metric = NqReArray();
+    NqPrintCapture capture;
+    // Each column changes places with the first, whose repaired pivot gets lost.
+    const Outcome outcome = problem.solve(tool);
+    EXPECT_TRUE(outcome.success && outcome.determinant == 0.0);
+    EXPECT_EQ(tool.indices(), (Indices{0, 0, 0}));
+    const std::string line = "NqCoreVelocityControlTool::prep(): M.nj has zero column\n";
+    EXPECT_EQ(capture.lines(), std::vector(3, std::pair(4u, line)));
+}
+
+/// Opens up the solve with given factors.
+class OpenTool : public NqCoreVelocityControlTool {
+public:
+    using NqCoreVelocityControlTool::calc;
+};
+
+TEST(CoreVelocityControlTool, SolveKeepsTailsSignsAndUnscaledUnknowns) {
+    OpenTool tool;
+    NqReArray factors = nqArray({{2.0, 1.0}, {0.5, 4.0}});
+    Numbers solution{9.0, 9.0, 9.0};
+    double determinant = 0.0;
+    EXPECT_TRUE(tool.calc(factors, {1, 1}, {2.0, 5.0}, solution, determinant));
+    EXPECT_EQ(solution, (Numbers{1.0, 0.5, 9.0}));
+    EXPECT_EQ(determinant, -8.0);
+    factors[0][0] = 0.0;
+    EXPECT_TRUE(tool.calc(factors, {0, 1}, {2.0, 5.0}, solution, determinant));
+    EXPECT_EQ(solution, (Numbers{2.0, 1.0, 9.0}));
+    EXPECT_EQ(determinant, 0.0);
+
+    NqPrintCapture capture;
+    EXPECT_FALSE(tool.calc(factors, {0, 1}, {2.0}, solution, determinant));
+    EXPECT_EQ(capture.text(), "NqCoreVelocityControlTool::calc(): bad dimensions on input...\n"
+                              " problem dimension 2, right-hand-side dimension 1.\n");
+}
+
+TEST(CoreVelocityControlTool, WrongSizes) {
+    const std::string name = "NqCoreVelocityControlTool::calcJointRates";
+    const std::string vector = name + "(): incorrectly dimensioned vector.\n";
+    NqRandom random(7);
+    const Problem good(random, 5, 3);
+    const NqReArray bRows = nqRandomArray(random, 2, 5);
+    NqJacobianState state;
+    state.setJacobian(good.jacobian);
+    NqCoreVelocityControlTool tool;
+    const auto attempt = [&](bool ab, const std::string& words, const auto& spoil,
+                             std::size_t sizeAfter = 7) {
+        Problem problem(good);
+        problem.metric = ab ? bRows : good.metric;
+        spoil(problem);
+        NqPrintCapture capture;
+        Numbers rates(7, 1.0), nullRates(1, 1.0);
+        double determinant = 5.0;
+        const auto& [n, m, jacobian, rows, gradient, velocity, alpha] = problem;
+        EXPECT_FALSE(ab ? tool.calcJointRatesAB(&state, rows, gradient, alpha, velocity, n, rates, nullRates,
+                                                determinant)
+                        : tool.calcJointRates(&state, jacobian, rows, gradient, alpha, velocity, n, rates,
+                                              nullRates, determinant));
+        EXPECT_TRUE(rates == Numbers(sizeAfter, 1.0) && nullRates == Numbers{1.0} && determinant == 5.0);
+        EXPECT_EQ(capture.text(), words);
+    };
+    for (const bool ab : {false, true}) {
+        attempt(
+            ab, name + "(): n=2 is not greater than or equal to m=3\n", [](Problem& p) { p.n = 2; },
+            ab ? 7 : 2);
+        attempt(ab, vector, [ab](Problem& p) { p.gradient.resize(ab ? 1 : 4); });
+        attempt(ab, vector, [](Problem& p) { p.velocity.pop_back(); });
+        attempt(ab, vector, [](Problem& p) { p.n = 4; });
+        attempt(ab, ab ? vector : "", [](Problem& p) { p.metric = NqReArray(); });
+    }
+    NqPrintCapture capture;
+    EXPECT_FALSE(good.solveAB(tool, nullptr, bRows, good.gradient).success);
+    EXPECT_EQ(capture.lines().size(), 1u);
+}
+
+TEST(CoreVelocityControlTool, CopiesCarryTheResultButNoScratch) {
+    NqRandom random(3);
+    NqCoreVelocityControlTool tool;
+    tool.setWeightFlag(false);
+    Problem(random, 5, 2).solve(tool);
+    const NqCoreVelocityControlTool copy(tool);
+    EXPECT_TRUE(copy.primaryMatrix() == tool.primaryMatrix() &&
+                copy.weightedNullSpace() == tool.nullSpace() && copy.indices() == tool.indices() &&
+                !copy.weightFlag());
+    NqUncopied<int> scratch, other;
+    *scratch = 4;
+    EXPECT_EQ(*NqUncopied<int>(scratch), 0);
+    scratch = other;
+    EXPECT_EQ(*scratch, 4);
+}
+
+} // namespace

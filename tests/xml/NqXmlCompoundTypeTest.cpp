@@ -85,16 +85,4 @@ TEST(NqXmlCompoundType, LeavesOutDefaultsOnRequest) {
     EXPECT_EQ(read, square);
 }
 
-TEST(NqXmlPersistent, ObjectsKeepTheirClass) {
-    const NqTestCircle circle;
-    const NqTestShape& shape = circle;
-    const std::unique_ptr<NqXmlObject> copy(shape.clone());
-    const std::unique_ptr<NqXmlObject> blank(shape.newObject());
-    EXPECT_TRUE(dynamic_cast<NqTestCircle*>(copy.get()) && dynamic_cast<NqTestCircle*>(blank.get()));
-    EXPECT_TRUE(shape.equality(copy.get()) && shape.equalsDefault());
-    EXPECT_FALSE(shape.equality(nullptr));
-    const NqTestSquare square;
-    EXPECT_FALSE(shape.equality(&square));
-}
-
 } // namespace

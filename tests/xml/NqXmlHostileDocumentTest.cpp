@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
-#include <functional>
 
 namespace {
 
@@ -55,9 +55,9 @@ constexpr const char* kNotUtf8 = "no XML document in UTF-8";
 
 struct HostileCase {
     const char* name;
-    std::function<std::string()> document;
+    std::string (*document)();
     bool result;
-    const char* message; ///< of the first line; with file and line number behind it
+    const char* message; ///< in one of the messages, with file and line number behind it
     unsigned line;
 };
 
@@ -67,84 +67,71 @@ void PrintTo(const HostileCase& hostileCase, std::ostream* stream) {
 
 class NqXmlHostileDocument : public testing::TestWithParam<HostileCase> {};
 
+std::string manyAttributes() {
+    std::string tag = "<vectorType";
+    for (int i = 0; i < 50'000; ++i) {
+        tag += " a" + std::to_string(i) + "=\">\"";
+    }
+    return tag + "/>";
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Entities, NqXmlHostileDocument,
     testing::Values(
         HostileCase{"Text", [] { return bomb("", "&", "lol") + inVector("&e11;"); }, false, kRefused, 2},
         HostileCase{"Attribute", [] { return bomb("", "&", "1") + "<vectorType count='&e11;'/>"; }, false,
                     kRefused, 2},
-        HostileCase{"Parameter", [] { return bomb("% ", "&#37;", "<!ENTITY x \"\">") + inVector("1"); },
-                    false, kRefused, 2},
-        HostileCase{"DefaultAttribute",
-                    [] { return "<!DOCTYPE a [<!ATTLIST vectorType count CDATA '9'>]>" + inVector("1"); },
-                    false, kRefused, 1},
-        HostileCase{"External",
-                    [] { return "<!DOCTYPE a SYSTEM 'http://nq.example/a.dtd'>" + inVector("1"); }, false,
+        HostileCase{"Parameter", [] { return bomb("% ", "&#37;", "<!ENTITY x \"\">"); }, false, kRefused, 2},
+        HostileCase{"External", [] { return "<!DOCTYPE a SYSTEM 'http://nq.example/a.dtd'><a/>"s; }, false,
                     kRefused, 1},
-        HostileCase{
-            "BehindMuch",
-            [] { return "\n<!-- " + repeated("it's <!DOCTYPE ", 997) + "-->\n<?p <?>\n<!DOCTYPE a>"; }, false,
-            kRefused, 4},
+        HostileCase{"BehindMuch",
+                    [] { return "\n<!--" + repeated("' -> <!DOCTYPE ", 997) + "-->\n<?p <?>\n<!DOCTYPE a>"; },
+                    false, kRefused, 4},
         HostileCase{"InOtherEncoding", [] { return "\xFF\xFE" + inTwoBytes("<!DOCTYPE a>"); }, false,
                     kNotUtf8, 1},
         HostileCase{"InTwoBytes", [] { return inTwoBytes("<!DOCTYPE a>"); }, false, kNotUtf8, 1},
         HostileCase{"InSevenBits",
-                    [] { return "<?xml version='1.0' encoding='UTF-7'?>+ADwAIQ-DOCTYPE a>" + inVector("1"); },
-                    false, "Document is empty", 1},
+                    [] { return "<?xml version='1.0' encoding='UTF-7'?>+ADwAIQ-DOCTYPE a><a/>"s; }, false,
+                    "Document is empty", 1},
         HostileCase{"Undefined", [] { return inVector("&unheard;"); }, false, "Entity 'unheard' not defined",
                     3},
-        HostileCase{"OnlyInText", [] { return inVector("<![CDATA[<!DOCTYPE ]]><!-- <!DOCTYPE -->"); }, true,
-                    "", 0}),
+        HostileCase{"InText", [] { return inVector("<![CDATA[<!DOCTYPE ]]><!-- <!DOCTYPE -->"); }, true, "",
+                    0}),
     [](const auto& which) { return which.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(
     Masses, NqXmlHostileDocument,
     testing::Values(
         HostileCase{"Deep255", [] { return nested(255); }, true, "element \"a\" is not known here", 1},
-        HostileCase{"Deep300", [] { return nested(300); }, false, "element \"a\" is not known here", 1},
-        HostileCase{"Deep100000", [] { return repeated("<vectorType>\n", 100000); }, false,
-                    "element \"vectorType\" is not known here", 2},
+        HostileCase{"Deep256", [] { return nested(256); }, false, "nested deeper than 256 elements", 1},
+        HostileCase{"Deep100000", [] { return repeated("<vectorType>", 100'000); }, false,
+                    "nested deeper than 256 elements", 1},
         HostileCase{"HugeText", [] { return inVector(std::string(11'000'000, 'x')); }, false,
                     "huge text node", 3},
-        HostileCase{"HugeAttribute",
-                    [] { return "<vectorType count='" + std::string(11'000'000, '1') + "'/>"; }, false,
+        HostileCase{"HugeAttribute", [] { return "<a b='" + std::string(11'000'000, '1') + "'/>"; }, false,
                     "Huge input lookup", 1},
-        HostileCase{"HugeName", [] { return "<" + std::string(100'000, 'n') + "/>"; }, false, "Name too long",
-                    1},
-        HostileCase{"Attributes",
-                    [] {
-                        std::string tag = "<vectorType";
-                        for (int i = 0; i < 50'000; ++i) {
-                            tag += " a" + std::to_string(i) + "=\">\"";
-                        }
-                        return tag + "/>";
-                    },
-                    false, "too many attributes in one tag", 1},
-        HostileCase{
-            "Strangers",
-            [] { return "<vectorType count='0'>" + repeated("<other/>\n", 20'000) + "</vectorType>"; }, true,
-            "element \"other\" is not known here and is skipped", 1}),
+        HostileCase{"Attributes", manyAttributes, false, "too many attributes in one tag", 1},
+        HostileCase{"Quotes",
+                    [] { return "<vectorType note='>'><!--" + repeated("'\"", 999) + "--></vectorType>"; },
+                    true, "", 0},
+        HostileCase{"Strangers",
+                    [] { return "<vectorType>" + repeated("<other/>\n", 20'000) + "</vectorType>"; }, true,
+                    "element \"other\" is not known here and is skipped", 200}),
     [](const auto& which) { return which.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(
     Forms, NqXmlHostileDocument,
     testing::Values(
         HostileCase{"Empty", [] { return ""s; }, false, kBreaksOff, 1},
-        HostileCase{"Blank", [] { return " \n "s; }, false, kBreaksOff, 2},
-        HostileCase{"NoXml", [] { return "hello"s; }, false, kNotUtf8, 1},
         HostileCase{"Nul", [] { return inVector("a\0b"s); }, false, kNotUtf8, 3},
         HostileCase{"Control", [] { return inVector("\a"); }, false, "invalid Char value 7", 3},
         HostileCase{"BrokenUtf8", [] { return inVector("\xFF"); }, false, "Input is not proper UTF-8", 3},
         HostileCase{"WrongRoot", [] { return "<?xml version='1.0'?>\n<setType/>"s; }, false,
                     "the root element is \"setType\" and not \"vectorType\"", 2},
         HostileCase{"TwoRoots", [] { return inVector("a") + "\n<vectorType/>"; }, false, kBreaksOff, 4},
-        HostileCase{"WrongEnd", [] { return "<vectorType count='0'>\n</vector>"s; }, false,
-                    "Opening and ending tag mismatch", 2},
-        HostileCase{"AttributeTwice", [] { return "<vectorType count='0' count='1'/>"s; }, false,
-                    "Attribute count redefined", 1},
-        HostileCase{"UnboundPrefix", [] { return "<v:vectorType count='0'/>"s; }, false, "prefix v", 1},
-        HostileCase{"LateTrouble", [] { return inVector("a") + repeated("\n", 5000) + "&"; }, false,
-                    kBreaksOff, 5003}),
+        HostileCase{"WrongEnd", [] { return "<vectorType>\n</vector>"s; }, false, "tag mismatch", 2},
+        HostileCase{"Late", [] { return inVector("a") + repeated("\n", 5000) + "&"; }, false, kBreaksOff,
+                    5003}),
     [](const auto& which) { return which.param.name; });
 
 TEST_P(NqXmlHostileDocument, IsRefusedOrReadWithinBounds) {
@@ -156,13 +143,14 @@ TEST_P(NqXmlHostileDocument, IsRefusedOrReadWithinBounds) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
     EXPECT_LE(print.lines().size(), 205U);
     ASSERT_EQ(print.lines().empty(), GetParam().line == 0) << print.text();
-    if (GetParam().line != 0) {
-        const std::string& first = print.lines()[0].second;
-        EXPECT_NE(first.find(GetParam().message), std::string::npos) << first;
-        EXPECT_NE(first.find(" -- file: bad.xml, line: " + std::to_string(GetParam().line) + "\n"),
-                  std::string::npos)
-            << first;
-    }
+    const std::string place = " -- file: bad.xml, line: " + std::to_string(GetParam().line) + "\n";
+    EXPECT_TRUE(GetParam().line == 0 || std::ranges::any_of(print.lines(),
+                                                            [&](const auto& line) {
+                                                                return line.second.find(GetParam().message) !=
+                                                                           std::string::npos &&
+                                                                       line.second.ends_with(place);
+                                                            }))
+        << print.text();
 }
 
 TEST(NqXmlReader, NamesWhatItCannotRead) {
@@ -177,15 +165,6 @@ TEST(NqXmlReader, NamesWhatItCannotRead) {
         EXPECT_TRUE(print.contains(message)) << print.text();
         EXPECT_TRUE(print.contains(std::string("file: ") + fileName)) << print.text();
         EXPECT_EQ(print.lines().size(), 1U);
-    }
-}
-
-TEST(NqXmlReader, DeepNestingIsNamed) {
-    for (const std::size_t depth : {256U, 300U, 100'000U}) {
-        NqPrintCapture print;
-        NqTestTexts texts;
-        EXPECT_FALSE(NqXmlDocument::readString(nested(depth), texts));
-        EXPECT_TRUE(print.contains("nested deeper than 256 elements")) << print.text();
     }
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <nqControlCore/foundation/xml/NqXmlConcrete.h>
+#include <nqControlCore/foundation/xml/NqXmlSchema.h>
+#include <nqControlCore/foundation/xml/NqXmlTokens.h>
 #include <nqControlCore/xml/NqXmlCollection.h>
 #include <nqControlCore/xml/NqXmlMapEntryReading.h>
 

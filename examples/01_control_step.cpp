@@ -22,7 +22,7 @@ int main() {
     const NqEndEffectorPlacement target(NqVector(0.45, 0.25, 0.40));
     NqManipulatorActiveState state(arm);
     NqCoreVelocityControlTool tool;
-    NqReArray jacobian, metric(n, 1);
+    NqReArray jacobian, metric;
     metric = std::vector<double>(n, 1.0); // all joints weigh the same
     NqXmlRealVector still(3), previous(3), command;
     std::vector<double> gradient(n), rates, nullSpaceRates;

@@ -220,13 +220,14 @@ std::string NqDriveReport::runTable() const {
 std::string NqDriveReport::wayPointTable() const {
     std::string out =
         "<div class=\"scroll\"><table><thead>\n" +
-        tableRow({{"Way point"}, {"End-effector", false}, {"Target x, y, z / m"}, {"Reached at / s"}}, "th") +
+        tableRow({{"Way point", false}, {"End-effector", false}, {"Target x, y, z / m"}, {"Reached at / s"}},
+                 "th") +
         "</thead><tbody>\n";
     for (std::size_t i = 0; i < m_Record.wayPoints.size(); ++i) {
         const auto& wayPoint = m_Record.wayPoints[i];
         for (std::size_t e = 0; e < wayPoint.targets.size(); ++e) {
             const NqVector& target = wayPoint.targets[e];
-            out += tableRow({{std::to_string(i + 1)},
+            out += tableRow({{std::to_string(i + 1), false},
                              {m_Record.endEffectors[e].name, false},
                              {triple(target.x(), target.y(), target.z())},
                              {wayPoint.isReached() ? fixed(wayPoint.time, 3) : "not reached"}},

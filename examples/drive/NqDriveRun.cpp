@@ -2,6 +2,7 @@
 
 #include "NqArmSketcher.h"
 #include "NqDriveText.h"
+#include "NqMessageCollector.h"
 
 #include <algorithm>
 #include <chrono>
@@ -71,6 +72,7 @@ std::size_t NqDriveRun::farthest() const {
 
 void NqDriveRun::execute(Watcher& watcher) {
     using Outcome = NqDriveRecord::Outcome;
+    const NqMessageCollector messages;
     const auto begin = std::chrono::steady_clock::now();
     const auto steps = static_cast<std::uint64_t>(std::ceil(m_Task.options().time * m_Task.options().rate));
     Outcome outcome = Outcome::TimeOut;
@@ -110,6 +112,7 @@ void NqDriveRun::execute(Watcher& watcher) {
     if (m_Recorder.time(m_Recorder.rows() - 1) < m_Loop.time()) {
         noteSample(true);
     }
+    m_Record.notes.insert(m_Record.notes.end(), messages.lines().begin(), messages.lines().end());
     conclude(outcome);
 }
 
@@ -208,6 +211,8 @@ std::string NqDriveRun::verdict() const {
     const std::string left = inQuotes(m_Record.endEffectors[e].name) + " is " +
                              significant(m_Loop.errors()[e], 4) + " m from way point " +
                              std::to_string(m_WayPoint + 1);
+    const std::string singular =
+        m_Record.isNearlySingular() ? " (it came near a singular posture: out of reach?)" : "";
     const char* hint = m_Record.steps == 0 ? "; start elsewhere (--start)" : "";
     switch (m_Record.outcome) {
     case NqDriveRecord::Outcome::JointAtLimit:
@@ -215,13 +220,12 @@ std::string NqDriveRun::verdict() const {
                inQuotes(m_Record.joints[m_RangeJoint].description.name()) + " is at its limit, and " + left;
     case NqDriveRecord::Outcome::NoProgress:
         return "stopped after " + after + ": no progress for " + significant(kPatience, 3) + " s" +
-               idleDirection() + ", and " + left +
-               (m_Record.isNearlySingular() ? " (near a singular posture: out of reach?)" : "");
+               idleDirection() + ", and " + left + singular;
     case NqDriveRecord::Outcome::NoSolution:
         return "stopped after " + after + ": there are no finite joint rates, the posture is singular" +
                idleDirection() + ", and " + left + hint;
     default:
-        return "the time of " + after + " is over, and " + left;
+        return "the time of " + after + " is over, and " + left + singular;
     }
 }
 

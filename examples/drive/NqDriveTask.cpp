@@ -173,6 +173,10 @@ bool NqDriveTask::checkConstraints() {
     for (unsigned e = 0; e < m_EndEffectors.size(); ++e) {
         std::vector<std::vector<bool>> sparsity;
         const NqEndEffector& endEffector = *m_EndEffectors[e];
+        if (!(endEffector.motionThreshold() > 0.0) || !(endEffector.accelerationThreshold() > 0.0)) {
+            return refuse("end-effector " + inQuotes(m_Names[e]) +
+                          " has a speed or acceleration limit that isn't above 0");
+        }
         endEffector.insertSparsityComponent(m_Manipulator, 0, endEffector.relativeLinkData(), true, sparsity);
         for (const auto& row : sparsity) {
             if (std::find(row.begin(), row.end(), true) == row.end()) {

@@ -2,6 +2,8 @@
 
 #include <nqControlCore/foundation/text/NqPrint.h>
 
+#include <algorithm>
+
 NqMessageCollector::NqMessageCollector() {
     Nq::Print::instance().setSink([this](unsigned, const std::string& text) {
         if (m_Lines.size() >= kKept) {
@@ -20,7 +22,9 @@ NqMessageCollector::NqMessageCollector() {
         if (const std::size_t end = line.find("]: "); end != std::string::npos && line.find('(') < end) {
             line.erase(0, end + 3); // the signature of a template's function
         }
-        m_Lines.push_back(line);
+        if (std::find(m_Lines.begin(), m_Lines.end(), line) == m_Lines.end()) {
+            m_Lines.push_back(line);
+        }
     });
 }
 

@@ -3,7 +3,8 @@
 #include <string>
 #include <vector>
 
-/// Takes over the library's messages for as long as it lives. The first few are kept, each on one line.
+/// Takes over the library's messages for as long as it lives. The first few different ones are kept, each on
+/// one line.
 class NqMessageCollector {
 public:
     NqMessageCollector();

@@ -219,7 +219,7 @@ std::string NqSvgPlot::drawn(NqSvg::Point corner) const {
     for (const Level& level : m_Levels) {
         const double height = y(level.value);
         out += NqSvg::line({left, height}, {right, height}, "limit");
-        out += NqSvg::text({right - 4.0, height - top > 16.0 ? height - 4.0 : height + 12.0}, "end", "note",
+        out += NqSvg::text({left + 5.0, height - top > 16.0 ? height - 4.0 : height + 12.0}, "start", "note",
                            level.label);
     }
     out += NqSvg::rectangle({left, top}, right - left, bottom - top, "frame");
@@ -231,7 +231,7 @@ std::string NqSvgPlot::drawn(NqSvg::Point corner) const {
     for (auto curve = m_Curves.rbegin(); curve != m_Curves.rend(); ++curve) {
         if (!curve->label.empty()) {
             out += NqSvg::text({legend, corner.y + 14.0}, "end", "tick", curve->label);
-            legend -= 6.3 * static_cast<double>(curve->label.size()) + 8.0;
+            legend -= 5.8 * static_cast<double>(curve->label.size()) + 8.0;
             out += NqSvg::line({legend - 26.0, corner.y + 10.0}, {legend, corner.y + 10.0},
                                NqSvg::curveClass(curve->style));
             legend -= 38.0;

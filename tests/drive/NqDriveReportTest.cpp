@@ -1,0 +1,99 @@
+#include <NqDriveCsv.h>
+#include <NqDriveReport.h>
+#include <NqDriveRun.h>
+#include <NqDriveText.h>
+#include <NqSvg.h>
+
+#include <gtest/gtest.h>
+#include <libxml/parser.h>
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <memory>
+
+namespace {
+
+struct Silent : NqDriveRun::Watcher {
+    void stepDone(const NqDriveRun&) override {}
+    void wayPointReached(const NqDriveRun&) override {}
+};
+
+bool isWellFormed(const std::string& text) {
+    const std::unique_ptr<xmlDoc, void (*)(xmlDocPtr)> document(
+        xmlReadMemory(text.data(), static_cast<int>(text.size()), "page", nullptr, XML_PARSE_NONET),
+        xmlFreeDoc);
+    return document != nullptr;
+}
+
+/// Names that would break a page or a table if they went in as they are, on a lift and an endless joint.
+TEST(NqDriveReport, SurvivesHostileNamesAndEndlessJoints) {
+    const std::string robot = testing::TempDir() + "hostile.urdf";
+    const std::string effectors = testing::TempDir() + "hostile.xml";
+    std::ofstream(robot)
+        << R"(<robot name="&lt;/svg&gt;&amp;&quot;'é"><link name="base"/><link name="a"/><link name="b"/>
+        <link name="&lt;b&gt;,c"/>
+        <joint name="j,&quot;1&lt;" type="prismatic"><parent link="base"/><child link="a"/><axis xyz="0 0 1"/>
+        <limit lower="-1" upper="1" velocity="1" effort="1"/></joint>
+        <joint name="j2" type="continuous"><parent link="a"/><child link="b"/><axis xyz="0 0 1"/></joint>
+        <joint name="j3" type="prismatic"><parent link="b"/><child link="&lt;b&gt;,c"/><axis xyz="1 0 0"/>
+        <limit lower="-1" upper="1" velocity="1" effort="1"/></joint></robot>)";
+    std::ofstream(effectors)
+        << R"(<endEffectorVector xmlns="http://nq.example/namespace/ct#"><pointEndEffector>
+        <linkIdentifier>&lt;b&gt;,c</linkIdentifier></pointEndEffector></endEffectorVector>)";
+    NqDriveOptions options;
+    options.model = robot;
+    options.endEffectors = effectors;
+    options.wayPoints.push_back({false, {NqVector(0.1, 0.4, 0.3)}});
+    options.start = {0.0, 0.0, 0.5};
+    NqDriveTask task;
+    ASSERT_TRUE(task.load(options)) << task.complaint();
+    NqDriveRun run(task);
+    Silent watcher;
+    run.execute(watcher);
+    ASSERT_TRUE(run.record().isReached()) << run.record().verdict;
+
+    const NqDriveReport report(run.record(), run.recorder());
+    for (const std::string& page : {report.html(), report.svg()}) {
+        EXPECT_TRUE(isWellFormed(page));
+        for (const char* number : {"\"nan", ",nan", " nan", "\"inf", ",inf", "\"-inf"}) {
+            EXPECT_EQ(page.find(number), std::string::npos) << number;
+        }
+        EXPECT_EQ(page.find("src="), std::string::npos) << "the page is to need no other file";
+    }
+
+    const std::string csv = NqDriveCsv(run.record(), run.recorder()).text();
+    EXPECT_EQ(
+        csv.substr(0, csv.find('\n')),
+        "time,wayPoint,determinant,slowing,\"j,\"\"1<.position\",j2.position,j3.position,\"j,\"\"1<.rate\","
+        "j2.rate,j3.rate,\"<b>,c.x\",\"<b>,c.y\",\"<b>,c.z\",\"<b>,c.error\",\"<b>,c.speed\"");
+    EXPECT_EQ(static_cast<std::size_t>(std::count(csv.begin(), csv.end(), '\n')), run.recorder().rows() + 1);
+}
+
+TEST(NqSvg, SimplifiedCurveStaysWithinTheTolerance) {
+    std::vector<NqSvg::Point> points;
+    for (int i = 0; i <= 1000; ++i) {
+        points.push_back({0.5 * i, 40.0 * std::sin(0.01 * i) + (i == 700 ? 5.0 : 0.0)});
+    }
+    const auto kept = NqSvg::simplified(points, 0.25);
+    EXPECT_LT(kept.size(), 60u);
+    std::size_t segment = 0;
+    for (const NqSvg::Point& p : points) {
+        while (kept[segment + 1].x < p.x) {
+            ++segment;
+        }
+        const NqSvg::Point a = kept[segment];
+        const NqSvg::Point b = kept[segment + 1];
+        const double across = (b.x - a.x) * (p.y - a.y) - (b.y - a.y) * (p.x - a.x);
+        EXPECT_LE(std::abs(across) / std::hypot(b.x - a.x, b.y - a.y), 0.25 + 1.0e-9);
+    }
+}
+
+TEST(NqDriveText, EscapesAndFormats) {
+    EXPECT_EQ(NqDriveText::escaped("a<&>\"'\x01\xC3\xA9\xFF"), "a&lt;&amp;&gt;&quot;&#39;?\xC3\xA9?");
+    EXPECT_EQ(NqDriveText::fixed(-0.0004, 3), "0.000");
+    EXPECT_EQ(NqSvg::number(12.50), "12.5");
+    EXPECT_EQ(NqSvg::number(100.0), "100");
+}
+
+} // namespace

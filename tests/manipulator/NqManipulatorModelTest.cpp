@@ -1,50 +1,13 @@
 #include <manipulator/NqTestManipulators.h>
+#include <support/NqTestModels.h>
 
 #include <numbers>
 
 namespace {
 
-/// A manipulator on a base that moves, along a path of constant joint accelerations.
+/// A manipulator on a base that moves.
 class EveryManipulator : public testing::TestWithParam<std::tuple<std::string, unsigned>> {
 protected:
-    EveryManipulator()
-        : m_Manipulator(nqTestManipulator(std::get<0>(GetParam()))), m_Numbers(std::get<1>(GetParam())) {
-        const unsigned n = m_Manipulator.numberOfJoints();
-        m_Positions = m_Numbers.reals(n);
-        m_Rates = m_Numbers.reals(n);
-        m_Accelerations = m_Numbers.reals(n);
-        m_BaseFrame = m_Numbers.frame();
-        m_BaseVelocity = m_Numbers.motion();
-        m_BaseAcceleration = m_Numbers.motion();
-    }
-
-    /// The state at time `t`. The base's orientation is right to second order.
-    NqManipulatorActiveState stateAt(double t) const {
-        NqPositionState position(m_Positions);
-        NqVelocityState velocity(m_Rates);
-        NqAccelerationState acceleration(m_Accelerations);
-        for (unsigned j = 0; j < m_Positions.size(); ++j) {
-            const double rate = m_Rates[j] + 0.5 * t * m_Accelerations[j];
-            position.setJointPosition(j, m_Positions[j] + t * rate);
-            velocity.setJointVelocity(j, m_Rates[j] + t * m_Accelerations[j]);
-        }
-        const auto stepOf = [&](const NqVector& rate, const NqVector& change) {
-            return t * rate + 0.5 * t * t * change;
-        };
-        const NqVector turn = stepOf(m_BaseVelocity.angular(), m_BaseAcceleration.angular());
-        position.setBaseFrame(
-            {m_BaseFrame.translation() + stepOf(m_BaseVelocity.linear(), m_BaseAcceleration.linear()),
-             NqOrientation(turn.mag(), turn) * m_BaseFrame.orientation()});
-        velocity.setBaseMotion({m_BaseVelocity.linear() + t * m_BaseAcceleration.linear(),
-                                m_BaseVelocity.angular() + t * m_BaseAcceleration.angular()});
-        acceleration.setBaseMotion(m_BaseAcceleration);
-        NqManipulatorActiveState state(m_Manipulator);
-        state.setPositionState(position);
-        state.setVelocityState(velocity);
-        state.setAccelerationState(acceleration);
-        return state;
-    }
-
     template <typename Check>
     void forEachLink(Check check) {
         for (unsigned number = 0; number < m_Manipulator.numberOfLinks(); ++number) {
@@ -53,11 +16,10 @@ protected:
         }
     }
 
-    NqIndividualManipulator m_Manipulator;
-    NqTestNumbers m_Numbers;
-    NqXmlRealVector m_Positions, m_Rates, m_Accelerations;
-    NqCoordinateSystemTransformation m_BaseFrame;
-    NqGeneralMotion m_BaseVelocity, m_BaseAcceleration;
+    NqIndividualManipulator m_Manipulator = nqTestManipulator(std::get<0>(GetParam()));
+    std::mt19937_64 m_Random{std::get<1>(GetParam())};
+    NqManipulatorActiveState m_State = nqRandomState(
+        {"", std::make_shared<NqIndividualManipulator>(m_Manipulator), "", "", "", true}, m_Random);
 };
 
 /// The velocity of a frame by central differences, of its origin and of its axes.
@@ -76,7 +38,7 @@ void expectNear(const NqGeneralMotion& expected, const NqGeneralMotion& actual, 
 
 TEST_P(EveryManipulator, VelocitiesAndAccelerationsAreThoseOfTheFrames) {
     const double h = 1e-5;
-    NqManipulatorActiveState before = stateAt(-h), now = stateAt(0.0), after = stateAt(h);
+    NqManipulatorActiveState before = nqMoved(m_State, -h), &now = m_State, after = nqMoved(m_State, h);
     forEachLink([&](const NqManipulatorLink& link) {
         expectNear(differenceOf(link.primaryFrameInSystem(before.activePositionState()),
                                 link.primaryFrameInSystem(after.activePositionState()), h),
@@ -96,55 +58,26 @@ TEST_P(EveryManipulator, VelocitiesAndAccelerationsAreThoseOfTheFrames) {
     });
 }
 
-TEST_P(EveryManipulator, WalkToTheBaseMeetsEachJointOnce) {
-    NqManipulatorActiveState state = stateAt(0.0);
-    NqManipulatorActivePositionState& positions = state.activePositionState();
-    forEachLink([&](const NqManipulatorLink& link) {
-        const NqVector& origin = link.primaryFrameInSystem(positions).translation();
-        NqGeneralMotion sum = m_BaseVelocity;
-        sum.transformBy(origin - m_Manipulator.baseFrameInSystem(positions).translation());
-        for (const NqManipulatorLink* walk = &link; walk->parentLink(); walk = walk->parentLink()) {
-            const unsigned j = walk->jointIndex();
-            const NqCoordinateSystemTransformation& frame = walk->linkFrameInSystem(positions);
-            NqGeneralMotion part = walk->joint().jointMotion(m_Positions[j], m_Rates[j]);
-            part.transformBy(frame.orientation()).transformBy(origin - frame.translation());
-            sum = {sum.linear() + part.linear(), sum.angular() + part.angular()};
-            EXPECT_TRUE(!walk->parentLink()->parentLink() || walk->parentLink()->jointIndex() < j);
-        }
-        expectNear(sum, link.primaryFrameVelocity(state), 1e-13);
-    });
-}
-
 TEST_P(EveryManipulator, CompositeMassIsTheSumOfTheLinks) {
-    NqManipulatorActiveState state = stateAt(0.0);
-    NqManipulatorActivePositionState& positions = state.activePositionState();
+    NqManipulatorActivePositionState& positions = m_State.activePositionState();
     forEachLink([&](const NqManipulatorLink& top) {
-        double mass = 0.0;
-        NqVector moment;
-        NqVector turned; // the second moment, rotated into the system frame, of a vector
-        const NqVector probe(0.3, -0.5, 0.8);
-        const NqVector& origin = top.linkFrameInSystem(positions).translation();
+        NqRigidBodyMassProperties sum;
         forEachLink([&](const NqManipulatorLink& link) {
             const NqManipulatorLink* walk = &link;
             while (walk->parentLink() && walk->jointIndex() != top.jointIndex()) {
                 walk = walk->parentLink();
             }
             if (!top.parentLink() || walk->parentLink()) {
-                const NqCoordinateSystemTransformation& frame = link.primaryFrameInSystem(positions);
-                NqRigidBodyMassProperties own = link.massProperties(0);
-                own.transformBy(
-                    NqCoordinateSystemTransformation(frame.translation() - origin, frame.orientation()));
-                mass += own.mass();
-                moment += own.firstMoment();
-                turned += own.secondMoment() * probe;
+                NqRigidBodyMassProperties own = link.massProperties();
+                sum += own.transformBy(link.primaryFrameInSystem(positions));
             }
         });
-        const NqRigidBodyMassProperties& composite = top.compositeMassProperties(state);
-        const NqOrientation& orientation = top.linkFrameInSystem(positions).orientation();
-        EXPECT_NEAR(composite.mass(), mass, 1e-13);
-        nqExpectNear(moment, orientation * composite.firstMoment(), 1e-13, "first moment");
-        nqExpectNear(turned, orientation * (composite.secondMoment() * (orientation.inverse() * probe)),
-                     1e-13, "second moment");
+        NqRigidBodyMassProperties composite = top.compositeMassProperties(m_State);
+        composite.transformBy(top.linkFrameInSystem(positions));
+        const NqVector probe(0.3, -0.5, 0.8);
+        EXPECT_NEAR(composite.mass(), sum.mass(), 1e-13);
+        nqExpectNear(sum.firstMoment(), composite.firstMoment(), 1e-13, "first moment");
+        nqExpectNear(sum.secondMoment() * probe, composite.secondMoment() * probe, 1e-13, "second moment");
     });
 }
 
@@ -196,30 +129,23 @@ NqIndividualManipulator slidingManipulator() {
 
 TEST(ManipulatorModel, BodiesOnFixedJointsMoveWithTheirCarrier) {
     const NqIndividualManipulator m = slidingManipulator();
-    ASSERT_EQ(m.numberOfJoints(), 2u);
     const NqManipulatorLink *slider = m.linkByLabel("slider"), *plate = m.linkByLabel("plate"),
                             *wheel = m.linkByLabel("wheel"), *post = m.linkByLabel("post");
+    EXPECT_EQ(m.numberOfJoints(), 2u);
     EXPECT_EQ(m.linkByIndex(0), slider);
-    EXPECT_EQ(m.linkByIndex(1), wheel);
     EXPECT_EQ(m.linkByIndex(2), nullptr);
     EXPECT_EQ(m.linkByLabel("base"), &m);
     EXPECT_EQ(m.linkByLabel(""), nullptr);
-    EXPECT_EQ(m.linkByLabel("Wheel"), nullptr);
-
     EXPECT_EQ(&plate->joint(), &slider->joint());
     EXPECT_EQ(plate->jointIndex(), slider->jointIndex());
     EXPECT_EQ(plate->parentLink(), &m);
-    EXPECT_EQ(slider->parentLink(), &m);
     EXPECT_EQ(wheel->parentLink(), slider);
     EXPECT_EQ(post->parentLink(), nullptr);
-    EXPECT_EQ(post->joint().jointMotion(0.0, 1.0), NqGeneralMotion());
 
     NqManipulatorActiveState state(m);
     state.setPositionState(NqPositionState(NqXmlRealVector{0.3, 0.7}));
     NqManipulatorActivePositionState& positions = state.activePositionState();
-    EXPECT_EQ(&plate->linkFrameInSystem(positions), &slider->linkFrameInSystem(positions));
     nqExpectNear({1, 0.3, 1}, slider->primaryFrameInSystem(positions).translation(), 1e-15, "slider");
-    nqExpectNear({1, 0, 0}, slider->primaryFrameInSystem(positions).orientation().xAxis(), 1e-15, "slider");
     nqExpectNear({1, 0.3, 1.5}, plate->primaryFrameInSystem(positions).translation(), 1e-15, "plate");
     nqExpectNear({1, 0.5, 1.5}, wheel->primaryFrameInSystem(positions).translation(), 1e-15, "wheel");
     nqExpectNear({std::sin(0.7), std::cos(0.7), 0},
@@ -228,18 +154,16 @@ TEST(ManipulatorModel, BodiesOnFixedJointsMoveWithTheirCarrier) {
     EXPECT_EQ(m.massProperties().mass(), 3.0);
     EXPECT_EQ(slider->massProperties().mass(), 12.0);
     EXPECT_EQ(plate->massProperties().mass(), 0.0);
-    EXPECT_EQ(post->compositeMassProperties(state).mass(), 31.0);
     EXPECT_EQ(plate->compositeMassProperties(state).mass(), 28.0);
-    // Slider 4 at x 1, plate 8 there too, wheel 16: all at y 0.3 or 0.5.
     nqExpectNear({28.0 / 31.0, (12 * 0.3 + 16 * 0.5) / 31, (2 * 1.0 + 4 * 1.0 + 24 * 1.5) / 31},
-                 m.compositeMassProperties(state).centerOfMass(), 1e-15, "centre of mass");
+                 post->compositeMassProperties(state).centerOfMass(), 1e-15, "centre of mass");
 }
 
 TEST(ManipulatorModel, DhFrameHasTheAxisAsItsZAxis) {
-    NqTestNumbers numbers(11);
+    std::mt19937_64 random(11);
     for (const NqVector& axis :
          {NqVector(0, 0, 1), NqVector(0, 0, -1), NqVector(0, -2, 0), NqVector(1e-9, -2e-9, -1),
-          NqVector(-1e-200, 0, -1), NqVector(1e-4, 0, -1), numbers.vector(), numbers.vector()}) {
+          NqVector(-1e-200, 0, -1), NqVector(1e-4, 0, -1), nqRandomVector(random), nqRandomVector(random)}) {
         NqIndividualManipulator m("m", "base");
         const NqManipulatorLink* link = m.addLink(
             "base", "link", NqJointDescription(NqJointDescription::Revolute), NqVector(1, 2, 3), axis);
@@ -251,27 +175,24 @@ TEST(ManipulatorModel, DhFrameHasTheAxisAsItsZAxis) {
 }
 
 TEST(ManipulatorModel, CopiesShareNothingWithTheirSource) {
-    NqIndividualManipulator copy, assigned;
+    NqIndividualManipulator copy;
+    copy.addLink("", "old", NqJointDescription(), {});
     {
         const NqIndividualManipulator source = slidingManipulator();
-        copy = source;
-        assigned.addLink("", "old", NqJointDescription(), {});
-        assigned = NqIndividualManipulator(source);
+        copy = NqIndividualManipulator(source);
     }
-    assigned = *&assigned;
-    for (NqIndividualManipulator* m : {&copy, &assigned}) {
-        ASSERT_TRUE(
-            m->addLink("plate", "second wheel", NqJointDescription(NqJointDescription::Revolute), {}));
-        EXPECT_EQ(m->linkByLabel("base"), m);
-        EXPECT_EQ(m->linkByLabel("old"), nullptr);
-        EXPECT_EQ(m->linkByLabel("second wheel")->parentLink(), m->linkByLabel("slider"));
-        EXPECT_EQ(m->linkByLabel("plate")->parentLink(), m);
-        NqManipulatorActiveState state(*m);
-        nqExpectNear({1, 0, 1.5},
-                     m->linkByIndex(2)->linkFrameInSystem(state.activePositionState()).translation(), 1e-15,
-                     "second wheel");
-        EXPECT_EQ(m->linkByLabel("post")->compositeMassProperties(state).mass(), 31.0);
-    }
+    const NqManipulatorLink* added =
+        copy.addLink("plate", "second wheel", NqJointDescription(NqJointDescription::Revolute), {});
+    ASSERT_TRUE(added);
+    EXPECT_EQ(added->parentLink(), copy.linkByLabel("slider"));
+    EXPECT_EQ(copy.linkByIndex(2), added);
+    EXPECT_EQ(copy.linkByLabel("base"), &copy);
+    EXPECT_EQ(copy.linkByLabel("old"), nullptr);
+    EXPECT_EQ(copy.linkByLabel("plate")->parentLink(), &copy);
+    NqManipulatorActiveState state(copy);
+    nqExpectNear({1, 0, 1.5}, added->linkFrameInSystem(state.activePositionState()).translation(), 1e-15,
+                 "wheel");
+    EXPECT_EQ(copy.linkByLabel("post")->compositeMassProperties(state).mass(), 31.0);
 }
 
 } // namespace

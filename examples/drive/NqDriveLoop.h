@@ -8,6 +8,7 @@
 #include <nqControlCore/foundation/matrix/NqReArray.h>
 
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 /// The control loop of a fixed-base manipulator: the model for loops of one's own.
@@ -62,6 +63,7 @@ public:
     const std::vector<double>& rates() const { return m_Rates; }
     const NqEndEffectorPlacement& systemTarget(std::size_t e) const { return m_Constraints[e].systemTarget; }
     const NqReArray& jacobian() const { return m_Jacobian; }
+    /// Of the solver's square system in the last step; NaN before the first.
     double determinant() const { return m_Determinant; }
 
     /// Translations of the present placements, in the system frame.
@@ -121,7 +123,7 @@ private:
     std::vector<double> m_Gradient;
     std::vector<double> m_Rates;
     std::vector<double> m_NullSpaceRates;
-    double m_Determinant = 0.0;
+    double m_Determinant = std::numeric_limits<double>::quiet_NaN();
     double m_Slowing = 1.0;
     Brake m_Brake = Brake::None;
     unsigned m_BrakingJoint = 0;

@@ -16,14 +16,16 @@ public:
     NqXmlBasicType() = default;
 
     /// From a character string, for the string type alone.
-    NqXmlBasicType(const char* text) requires std::same_as<T, std::string> : Value(std::string(text)) {}
+    template <std::same_as<T> Text = T>
+    requires std::same_as<Text, std::string> NqXmlBasicType(const char* text) : Value(Text(text)) {}
 
     NqXmlBasicType& operator=(const T& value) {
         this->m_Value = value;
         return *this;
     }
 
-    NqXmlBasicType& operator=(const char* text) requires std::same_as<T, std::string> {
+    template <std::same_as<T> Text = T>
+    requires std::same_as<Text, std::string> NqXmlBasicType& operator=(const char* text) {
         this->m_Value = text;
         return *this;
     }

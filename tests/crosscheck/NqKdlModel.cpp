@@ -82,11 +82,6 @@ std::vector<NqGeneralMotion> NqKdlModel::jacobian(const std::string& label, cons
     return result;
 }
 
-double nqDeviation(const NqGeneralMotion& reference, const NqGeneralMotion& actual) {
-    return std::max(deviation(reference.linear(), actual.linear()),
-                    deviation(reference.angular(), actual.angular()));
-}
-
 double nqDeviation(const KDL::Frame& reference, const NqCoordinateSystemTransformation& actual) {
     NqVector x, y, z;
     actual.orientation().getDcmColumns(x, y, z);

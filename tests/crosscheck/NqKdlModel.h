@@ -42,7 +42,6 @@ private:
     std::vector<unsigned> m_KdlIndices; ///< by our joint index
 };
 
-/// The larger of the distances between two motions' parts, relative to the size of the first (at least 1).
-double nqDeviation(const NqGeneralMotion& reference, const NqGeneralMotion& actual);
-/// The same for frames: of their origins and axes.
+/// The largest of the distances between two frames' origins and axes, relative to the size of the first (at
+/// least 1).
 double nqDeviation(const KDL::Frame& reference, const NqCoordinateSystemTransformation& actual);

@@ -6,6 +6,7 @@
 #include <iterator>
 #include <memory>
 #include <new>
+#include <type_traits>
 #include <utility>
 
 /// Owns one object of a class derived from T, and is never without it but when moved from. A copy owns a

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <type_traits>
 #include <vector>
 
 /// A list of values of one type: an XML object of its own, or one of the plain values that NqXmlWrapper

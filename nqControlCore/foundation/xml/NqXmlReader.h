@@ -10,9 +10,10 @@ class NqXmlBaseVariableCompoundType;
 
 /// Reads an XML document as a stream, node by node.
 ///
-/// Nothing that a file says is trusted: document type declarations (and with them entities), nesting deeper
-/// than 256 elements and network access are refused. What is wrong with a document is reported at print type
-/// 4 with file and line; from then on good() is false and nothing advances.
+/// Nothing that a file says is trusted: document type declarations (and with them entities), other encodings
+/// than UTF-8, nesting deeper than 256 elements, more than 256 attributes in a tag, texts of more than 10 MB
+/// and network access are refused. What is wrong with a document is reported at print type 4 with file and
+/// line; from then on good() is false and nothing advances.
 class NqXmlReader {
 public:
     /// Kinds of node that nodeKind() tells apart.

@@ -426,25 +426,4 @@ TEST_P(EveryEndEffector, EditableValuesRoundTripAndTakeEffect) {
     EXPECT_TRUE(endEffector->equality(before.get()));
 }
 
-TEST_P(EveryEndEffector, FilterTakesItToItsTargetUnderItsLimits) {
-    // A free rigid body moved as the filter asks: the error falls to nothing, and the speed limit holds.
-    endEffector->setMotionThreshold(0.4);
-    endEffector->setAccelerationThreshold(2.0);
-    NqManipulatorActiveState state = nqRandomState(model, random);
-    NqEndEffectorPlacement target;
-    endEffector->calculatePlacement(manipulator, state, target);
-    NqXmlRealVector filtered;
-    const NqXmlRealVector zero(endEffector->doc());
-    endEffector->filterEndEffectorVelocity(manipulator, target, zero, zero, 1e-3, state, filtered);
-    expectNear(filtered, std::vector<double>(endEffector->doc(), 0.0), 1e-9, "at the target");
-
-    NqXmlRealVector fast(endEffector->doc(), 3.0);
-    endEffector->filterEndEffectorVelocity(fast, fast, 1e-3, filtered);
-    double squared = 0.0;
-    for (unsigned i = 0; i < std::min(endEffector->doc(), 3u); ++i) {
-        squared += filtered[i] * filtered[i];
-    }
-    EXPECT_LT(squared, 3.0 * 9.0) << "a velocity above the limit is lowered";
-}
-
 } // namespace

@@ -102,14 +102,6 @@ TEST(ManipulatorModel, PlanarArmStandsWhereTrigonometryPutsIt) {
                  "heading");
 }
 
-TEST(ManipulatorModel, ResearchArmAtZeroHasThePublishedReach) {
-    const NqIndividualManipulator arm = nqTestManipulator("arm7");
-    NqManipulatorActivePositionState state(arm);
-    const NqCoordinateSystemTransformation& hand = arm.linkByLabel("hand")->primaryFrameInSystem(state);
-    nqExpectNear({0.088, 0.0, 0.333 + 0.316 + 0.384 - 0.107 - 0.1034}, hand.translation(), 1e-15, "hand");
-    nqExpectNear({0.0, 0.0, -1.0}, hand.orientation().zAxis(), 1e-15, "approach");
-}
-
 /// base -(slide along y)- slider -(fixed)- plate -(turn about -z)- wheel, and a post fixed to the base.
 NqIndividualManipulator slidingManipulator() {
     const auto ofMass = [](double mass) {

@@ -1,4 +1,3 @@
-#include <nqControlCore/xml/NqControlCoreInfo.h>
 #include <nqControlCore/xml/NqControlCoreTokens.h>
 
 #include <gtest/gtest.h>
@@ -92,15 +91,6 @@ TEST(NqToken, NamesWithoutNamespaceAreThoseOfTheParent) {
     EXPECT_TRUE(NqToken("gain").names(NqGainToken));
     EXPECT_FALSE((NqToken("urn:other#") + "gain").names(NqGainToken));
     EXPECT_FALSE(NqToken("gains").names(NqGainToken));
-}
-
-TEST(NqControlCoreInfo, TellsWhoTheLibraryIs) {
-    using namespace Nq::controlCoreInfo;
-    EXPECT_EQ(projectName() + "|" + repositoryName() + "|" + solutionName() + "|" + pluginLibraryFileName(),
-              "controlCore|toolkits|tarvo|");
-    EXPECT_EQ(xmlNamespace(), "http://nq.example/toolkits/tarvo/controlCore/nq#");
-    EXPECT_EQ(version(), "4.0.12");
-    EXPECT_FALSE(projectIsPlugin());
 }
 
 } // namespace

@@ -92,21 +92,6 @@ TYPED_TEST(NqXmlBothVectors, RotateLeft) {
     EXPECT_FALSE(this->m_Vector.leftRotate(0));
 }
 
-TYPED_TEST(NqXmlBothVectors, TakeTheirOwnElements) {
-    auto& vector = this->m_Vector;
-    vector.erase(0, 3);
-    for (int i = 0; i < 3; ++i) {
-        vector.pushBack(*vector.begin());
-    }
-    vector.append(vector);
-    EXPECT_EQ(this->numbers(), (Numbers{3.0, 4.0, 3.0, 3.0, 3.0, 3.0, 4.0, 3.0, 3.0, 3.0}));
-    const auto& same = vector;
-    vector = same;
-    EXPECT_EQ(this->numbers().size(), 10U);
-    vector.assign(2, *++vector.begin());
-    EXPECT_EQ(this->numbers(), (Numbers{4.0, 4.0}));
-}
-
 TYPED_TEST(NqXmlBothVectors, AreWrittenInParts) {
     std::ostringstream stream;
     NqXmlWriter* writer = nullptr;
@@ -130,17 +115,6 @@ TYPED_TEST(NqXmlBothVectors, AreWrittenInParts) {
     EXPECT_EQ(writer, nullptr);
 }
 
-TEST(NqXmlVectorType, Resizes) {
-    NqTestReals reals(5, 7.0);
-    reals.resizeToAtLeast(2);
-    EXPECT_EQ(reals.size(), 5U);
-    reals.resize(2);
-    reals.resizeToAtLeast(3);
-    EXPECT_EQ(reals, (NqTestReals{7.0, 7.0, 0.0}));
-    EXPECT_FALSE(reals == NqTestReals(2, 7.0));
-    EXPECT_LE(sizeof(NqTestTexts), 5 * sizeof(void*));
-}
-
 TEST(NqXmlVariableVectorType, ChecksIndices) {
     NqPrintCapture print;
     NqTestShapeVector shapes;
@@ -150,21 +124,6 @@ TEST(NqXmlVariableVectorType, ChecksIndices) {
     EXPECT_FALSE(shapes.exchange(1, NqTestCircle()));
     EXPECT_TRUE(shapes.exchange(0, NqTestCircle()));
     EXPECT_EQ(shapes[0]->area(), 3.0);
-}
-
-TEST(NqXmlVariableVectorType, CopiesShareNothing) {
-    NqTestShapeVector shapes;
-    shapes.pushBack(NqTestSquare(2.0));
-    NqTestShapeVector copy = shapes;
-    EXPECT_EQ(copy, shapes);
-    shapes[0]->m_Name = "changed";
-    EXPECT_FALSE(copy == shapes);
-    copy = shapes;
-    EXPECT_EQ(copy[0]->m_Name, "changed");
-    copy.setAddLibraries({"more"});
-    EXPECT_FALSE(copy == shapes);
-    copy = NqTestShapeVector();
-    EXPECT_EQ(shapes[0]->area(), 4.0);
 }
 
 TEST(NqXmlMapType, FindsByKeyAndPosition) {
@@ -198,15 +157,6 @@ TEST(NqXmlVariableMapType, OwnsClones) {
     EXPECT_TRUE(copy.erase("a"));
     EXPECT_FALSE(copy.erase("a"));
     EXPECT_EQ(copy.lookup("a"), nullptr);
-}
-
-TEST(NqXmlSetType, HoldsEachElementOnce) {
-    NqTestSet set;
-    EXPECT_TRUE(set.add("x"));
-    EXPECT_FALSE(set.add("x"));
-    EXPECT_TRUE(set.find("x"));
-    EXPECT_TRUE(set.erase("x"));
-    EXPECT_FALSE(set.erase("x") || set.find("x"));
 }
 
 } // namespace

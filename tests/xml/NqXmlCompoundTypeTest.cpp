@@ -34,40 +34,6 @@ TEST(NqXmlCompoundType, ReadsInAnyOrderAndPassesByStrangers) {
     EXPECT_EQ(read, square);
 }
 
-TEST(NqXmlCompoundType, TellsWhatAFileSpecified) {
-    NqTestSquare square;
-    ASSERT_TRUE(NqXmlDocument::readString("<square><size>2</size></square>", square));
-    EXPECT_TRUE(square.m_Side.specified());
-    EXPECT_FALSE(square.m_Mode.specified() || square.m_Name.specified());
-    ASSERT_TRUE(NqXmlDocument::readString("<square type='x'/>", square));
-    EXPECT_TRUE(square.m_Name.specified());
-    EXPECT_FALSE(square.m_Side.specified());
-    EXPECT_EQ(square.m_Side, 2.0);
-}
-
-TEST(NqXmlCompoundType, ReadsOnBehindABadField) {
-    NqPrintCapture print;
-    NqTestSquare square;
-    EXPECT_FALSE(NqXmlDocument::readString("<square><position>?</position><size>2</size></square>", square));
-    EXPECT_TRUE(square.m_Side == 2.0 && square.m_Given == 0);
-    EXPECT_FALSE(square.m_Given.specified());
-}
-
-TEST(NqXmlCompoundType, CopiesHaveComponentsOfTheirOwn) {
-    NqTestSquare square(2.0);
-    EXPECT_EQ(square.componentMap().size(), 4U);
-    NqTestSquare copy = square;
-    NqTestSquare moved = std::move(square);
-    NqTestSquare assigned;
-    EXPECT_TRUE(assigned.hasAttributes());
-    assigned = copy;
-    for (NqTestSquare* each : {&copy, &moved, &assigned}) {
-        EXPECT_EQ(each->componentMap().begin()->object, &each->m_Side);
-        EXPECT_EQ(each->attributeComponentMap().begin()->object, &each->m_Name);
-        EXPECT_EQ(each->m_Side, 2.0);
-    }
-}
-
 TEST(NqXmlCompoundType, LeavesOutDefaultsOnRequest) {
     NqTestSquare square;
     square.m_Mode = 5U; // which has no name

@@ -65,17 +65,6 @@ TEST(NqXmlValue, TextsComeBackFromElementsAttributesAndKeys) {
     }
 }
 
-TEST(NqXmlValue, GeometryComesBack) {
-    NqOrientation orientation;
-    orientation.setFromAngleAxis(1.0, NqVector(1.0, 2.0, 3.0));
-    const NqCoordinateSystemTransformation pose(NqVector(0.1, 1e-300, -3.0), orientation);
-    EXPECT_EQ(passedThroughXml(NqXmlVectorType<NqVector>{pose.translation()})[0], pose.translation());
-    const auto read = passedThroughXml(NqXmlVectorType<NqCoordinateSystemTransformation>{pose})[0];
-    EXPECT_EQ(read.translation(), pose.translation());
-    const NqVector x = read.orientation() * NqVector::xVector(1.0);
-    EXPECT_LT((x - orientation * NqVector::xVector(1.0)).mag(), 1e-15);
-}
-
 struct BadText {
     const char* what;
     std::shared_ptr<NqXmlObject> object;
@@ -118,37 +107,6 @@ TEST(NqXmlValue, TextMayStandInPieces) {
         texts));
     EXPECT_EQ(texts, (NqTestTexts{"a<A<b>&c", ""}));
     EXPECT_EQ(print.text(), "");
-}
-
-TEST(NqXmlWriter, BreaksLongLists) {
-    std::ostringstream stream;
-    NqXmlWriter writer("list.xml", stream);
-    writer.setHeader(false);
-    writer.setNumOfContentColumns(2);
-    const NqXmlRealVector list{1, 2, 3, 4, 5};
-    ASSERT_TRUE(writer.writeStartTag("value") && list.write(writer) && writer.writeEndTag() &&
-                writer.flush());
-    EXPECT_EQ(stream.str(), "<value>1 2\n3 4\n5</value>\n");
-}
-
-TEST(NqXmlWriter, DeclaresWhatTheRootIsToTell) {
-    std::ostringstream stream;
-    NqXmlWriter writer("root.xml", stream);
-    writer.setStyleSheet("show.xsl");
-    writer.setSchemaLocation("urn:a a.xsd");
-    writer.setLanguageSelection("en");
-    ASSERT_TRUE(writer.header(NqToken("urn:a", "root"), "made by hand") && writer.writeStartTag("inner") &&
-                writer.writeStartTag(NqToken("urn:b", "other")) && writer.writeEndTag() &&
-                writer.writeEndTag() && writer.writeEndTag());
-    EXPECT_FALSE(writer.writeEndTag()); // nothing is open
-    EXPECT_FALSE(writer.flush());
-    const std::string text = stream.str();
-    for (const char* part :
-         {"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<?xml-stylesheet type=\"text/xsl\"",
-          "<!--made by hand-->\n<root xmlns=\"urn:a\"", "xsi:schemaLocation=\"urn:a a.xsd\"",
-          "xml:lang=\"en\"", "<inner>\n    <other xmlns=\"urn:b\"/>"}) {
-        EXPECT_NE(text.find(part), std::string::npos) << part << " in " << text;
-    }
 }
 
 TEST(NqXmlWriter, RefusesWhatXmlCannotHold) {

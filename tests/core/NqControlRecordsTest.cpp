@@ -1,0 +1,93 @@
+#include "support/NqTestModels.h"
+
+#include <nqControlCore/core/NqControlParameters.h>
+#include <nqControlCore/core/NqCoreResult.h>
+#include <nqControlCore/core/NqManipulatorEndEffectorAcceleration.h>
+#include <nqControlCore/core/NqManipulatorEndEffectorForce.h>
+#include <nqControlCore/core/NqSupplementalControlState.h>
+#include <nqControlCore/core/NqVelocityControlData.h>
+#include <nqControlCore/foundation/xml/NqXmlDocument.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Reals = std::vector<double>;
+
+template <typename Record>
+Record throughXml(const Record& record) {
+    std::string document;
+    Record read;
+    EXPECT_TRUE(NqXmlDocument::writeString(document, record) && NqXmlDocument::readString(document, read));
+    return read;
+}
+
+TEST(NqCoreResult, SplitsRatesAndFindsTheirCoordinates) {
+    NqCoreResult result;
+    result.setComponentsFromTotalAndNull({3.0, 1.0, 2.0, 9.0}, {1.0, -1.0, 0.5});
+    EXPECT_EQ(result.baseComponent(), (Reals{2.0, 2.0, 1.5}));
+    EXPECT_FALSE(result.isNullSpaceComponentZero());
+    NqReArray rates;
+    rates = Reals{3.0 * 2.0 - 2.0 * 1.0, 3.0 * 2.0 + 2.0 * 1.0, 3.0 * 1.5 - 2.0 * 0.5};
+    double x = 9.0, y = 9.0;
+    EXPECT_TRUE(result.getComponentCoordinates(rates, x, y));
+    EXPECT_NEAR(x, 3.0, 1e-14);
+    EXPECT_NEAR(y, -2.0, 1e-14);
+    result.setNullSpaceComponent({0.0, 0.0, 0.0});
+    EXPECT_TRUE(result.isNullSpaceComponentZero() && result.getComponentCoordinates(rates, x, y));
+    EXPECT_NEAR(x, (4.0 * 2.0 + 8.0 * 2.0 + 3.5 * 1.5) / 10.25, 1e-14);
+    EXPECT_EQ(y, 0.0);
+    result.setNullSpaceComponent({4.0, 4.0, 3.0});
+    EXPECT_FALSE(result.getComponentCoordinates(rates, x, y)) << "parallel";
+    EXPECT_FALSE(NqCoreResult().getComponentCoordinates(rates, x, y));
+    EXPECT_TRUE(x == 0.0 && y == 0.0);
+    NqCoreResult other = result;
+    other.setCoreIsAB(true);
+    other.setMatrix(rates);
+    EXPECT_TRUE(other == result && throughXml(other).coreIsAB() && throughXml(other) == result);
+}
+
+TEST(NqVelocityControlData, KnowsWhetherItsDeterminantWasSet) {
+    NqVelocityControlData data;
+    data = NqXmlVectorType<NqXmlRealVector>{NqXmlRealVector{1.0, 2.0}};
+    EXPECT_TRUE(data.primaryDeterminant() == -1.0 && data[0][1] == 2.0);
+    data.setPrimaryDeterminant(0.0);
+    data = Reals{1.0};
+    EXPECT_TRUE(data.primaryDeterminant() == 0.0 && !(data == NqVelocityControlData()));
+}
+
+TEST(NqControlParameters, FillTheTailAndKeepTheThresholdOutOfFiles) {
+    NqControlParameters parameters;
+    parameters.setVelocityLimits({3.0});
+    parameters.createDefaultFromManipulator(*nqTestModels()[0].manipulator);
+    EXPECT_EQ(parameters.velocityLimits(), (Reals{3.0, 1.0}));
+    EXPECT_EQ(parameters.accelerationLimits(), (Reals{1e300, 1e300}));
+    EXPECT_TRUE(parameters.decelerationLimits().empty() && throughXml(parameters) == parameters);
+    parameters.setSingularityProximityThreshold(0.1);
+    EXPECT_FALSE(throughXml(parameters) == parameters);
+}
+
+TEST(NqMotionSets, StackTheirVectors) {
+    NqManipulatorEndEffectorVelocity velocity({NqXmlRealVector{1.0, 2.0}, NqXmlRealVector{3.0}});
+    Reals stacked(9);
+    velocity.getSingleVector(stacked);
+    EXPECT_EQ(stacked, (Reals{1.0, 2.0, 3.0}));
+    velocity.getSingleVector({1, 0, 1}, stacked);
+    EXPECT_EQ(stacked, (Reals{3.0, 1.0, 2.0, 3.0}));
+    EXPECT_TRUE(velocity.doc() == 3 && velocity.doc({1, 1}) == 2);
+    EXPECT_FALSE(velocity.setGeneralEndEffectorVelocity(2, {}));
+    EXPECT_TRUE(velocity.setGeneralEndEffectorVelocity(1, {}) && throughXml(velocity) == velocity);
+
+    NqManipulatorEndEffectorAcceleration acceleration;
+    acceleration.setGeneralEndEffectorAccelerations(velocity.generalEndEffectorVelocities());
+    EXPECT_TRUE(acceleration.offsetTransformations().size() == 2 && acceleration.doc() == 2);
+    EXPECT_EQ(throughXml(acceleration), acceleration);
+    NqManipulatorEndEffectorForce force;
+    force.setGeneralEndEffectorForces(velocity.generalEndEffectorVelocities());
+    EXPECT_EQ(throughXml(force), force);
+    NqSupplementalControlState state;
+    state.setPreviousEndEffectorVelocities({velocity});
+    EXPECT_FALSE(state == NqSupplementalControlState());
+}
+
+} // namespace

@@ -91,18 +91,4 @@ TEST(NqEndEffectorCollections, SetRelativeLinkDataWhereThereIsAnElement) {
     EXPECT_EQ(capture.text(), "");
 }
 
-TEST(NqEndEffectorCollections, UnknownTypesAreReportedAndTheRestIsRead) {
-    NqPrintCapture capture;
-    NqEndEffectorVector vector;
-    NqXmlDocument::readString(
-        "<endEffectorVector count='2'>\n<pointEndEffector/>\n<tailEndEffector><a><b/></a>"
-        "</tailEndEffector>\n<pointEndEffector><linkIdentifier>hand</linkIdentifier>"
-        "</pointEndEffector></endEffectorVector>",
-        vector, "set.xml");
-    ASSERT_EQ(vector.size(), 2u);
-    EXPECT_EQ(vector[1]->linkIdentifier(), "hand");
-    EXPECT_TRUE(capture.contains("tailEndEffector"));
-    EXPECT_TRUE(capture.contains("set.xml"));
-}
-
 } // namespace

@@ -1,7 +1,6 @@
 #include "support/NqPrintCapture.h"
 
 #include <nqControlCore/filter/NqPointMotionFilter.h>
-#include <nqControlCore/foundation/xml/NqXmlDocument.h>
 
 #include <gtest/gtest.h>
 
@@ -121,15 +120,6 @@ TEST(NqPointMotionFilter, ValuesThatStayAndValuesThatPass) {
     EXPECT_EQ(none.filteringMode(), Filter::Trapezoidal);
     EXPECT_EQ(none.threshold(), 1e300);
     EXPECT_EQ(none.linearGain(), 1.0);
-
-    NqPrintCapture capture;
-    EXPECT_FALSE(NqXmlDocument::readString("<pointMotionFilter>\n<filteringMode>sideways</filteringMode>\n"
-                                           "<threshold>2.5</threshold></pointMotionFilter>",
-                                           filter, "filter.xml"));
-    EXPECT_EQ(filter.filteringMode(), Filter::Trapezoidal);
-    EXPECT_EQ(filter.threshold(), 2.5);
-    EXPECT_TRUE(capture.contains(
-        "\"sideways\" is no value of element \"filteringMode\" -- file: filter.xml, line: 2"));
 }
 
 /// A mode, a speed factor and a dimension.

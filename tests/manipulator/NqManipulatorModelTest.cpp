@@ -88,20 +88,6 @@ INSTANTIATE_TEST_SUITE_P(Models, EveryManipulator,
                              return std::get<0>(test.param) + std::to_string(std::get<1>(test.param));
                          });
 
-TEST(ManipulatorModel, PlanarArmStandsWhereTrigonometryPutsIt) {
-    const NqIndividualManipulator arm = nqTestManipulator("planar3");
-    NqManipulatorActiveState state(arm);
-    const double a = 0.4, b = -1.1, c = 2.3;
-    state.setPositionState(NqPositionState(NqXmlRealVector{a, b, c}));
-    const NqCoordinateSystemTransformation& tip =
-        arm.linkByLabel("tip")->primaryFrameInSystem(state.activePositionState());
-    nqExpectNear({0.5 * std::cos(a) + 0.4 * std::cos(a + b) + 0.2 * std::cos(a + b + c),
-                  0.5 * std::sin(a) + 0.4 * std::sin(a + b) + 0.2 * std::sin(a + b + c), 0.0},
-                 tip.translation(), 1e-15, "tip");
-    nqExpectNear({std::cos(a + b + c), std::sin(a + b + c), 0.0}, tip.orientation().xAxis(), 1e-15,
-                 "heading");
-}
-
 /// base -(slide along y)- slider -(fixed)- plate -(turn about -z)- wheel, and a post fixed to the base.
 NqIndividualManipulator slidingManipulator() {
     const auto ofMass = [](double mass) {

@@ -70,30 +70,4 @@ TEST(NqDriveReport, SurvivesHostileNamesAndEndlessJoints) {
     EXPECT_EQ(static_cast<std::size_t>(std::count(csv.begin(), csv.end(), '\n')), run.recorder().rows() + 1);
 }
 
-TEST(NqSvg, SimplifiedCurveStaysWithinTheTolerance) {
-    std::vector<NqSvg::Point> points;
-    for (int i = 0; i <= 1000; ++i) {
-        points.push_back({0.5 * i, 40.0 * std::sin(0.01 * i) + (i == 700 ? 5.0 : 0.0)});
-    }
-    const auto kept = NqSvg::simplified(points, 0.25);
-    EXPECT_LT(kept.size(), 60u);
-    std::size_t segment = 0;
-    for (const NqSvg::Point& p : points) {
-        while (kept[segment + 1].x < p.x) {
-            ++segment;
-        }
-        const NqSvg::Point a = kept[segment];
-        const NqSvg::Point b = kept[segment + 1];
-        const double across = (b.x - a.x) * (p.y - a.y) - (b.y - a.y) * (p.x - a.x);
-        EXPECT_LE(std::abs(across) / std::hypot(b.x - a.x, b.y - a.y), 0.25 + 1.0e-9);
-    }
-}
-
-TEST(NqDriveText, EscapesAndFormats) {
-    EXPECT_EQ(NqDriveText::escaped("a<&>\"'\x01\xC3\xA9\xFF"), "a&lt;&amp;&gt;&quot;&#39;?\xC3\xA9?");
-    EXPECT_EQ(NqDriveText::fixed(-0.0004, 3), "0.000");
-    EXPECT_EQ(NqSvg::number(12.50), "12.5");
-    EXPECT_EQ(NqSvg::number(100.0), "100");
-}
-
 } // namespace

@@ -148,13 +148,6 @@ TEST(ReArray, WrongShapesPrintALineAndTouchNothing) {
     }
 }
 
-TEST(ReArray, TextForms) {
-    std::ostringstream text;
-    nqArray({{1.0, -2.5}, {1e-20, 0.0}}).dump(text);
-    nqArray({{1.0, -2.5}, {1e-20, 0.0}}).dumpMath(text);
-    EXPECT_EQ(text.str(), "1 -2.5\n1e-20 0\n{{1, -2.5}, {1*^-20, 0}}\n");
-}
-
 TEST(ReArray, BinaryFormKeepsEveryBitAndRefusesTheRest) {
     for (const NqReArray& array : {NqReArray(3, 0), nqArray({{-0.0, 1e-310}, {INFINITY, -1.0 / 3.0}})}) {
         std::stringstream stream;

@@ -1,6 +1,7 @@
 #include "NqXmlTestClasses.h"
 #include "support/NqPrintCapture.h"
 
+#include <nqControlCore/foundation/text/NqTextConversion.h>
 #include <nqControlCore/foundation/xml/NqXmlDocument.h>
 
 #include <gtest/gtest.h>
@@ -49,6 +50,10 @@ TEST(NqXmlValue, RealsKeepTheirBits) {
         EXPECT_EQ(std::bit_cast<std::uint64_t>(list[i]), std::bit_cast<std::uint64_t>(reals[i]));
         EXPECT_EQ(std::bit_cast<std::uint64_t>(entries[i].value()), std::bit_cast<std::uint64_t>(reals[i]));
     }
+    const std::string zeros(400, '0');
+    EXPECT_EQ(NqSTRING2DOUBLE("-0.0001e400"), -Limits::infinity());
+    EXPECT_EQ(NqSTRING2DOUBLE("1" + zeros + "e-10"), Limits::infinity());
+    EXPECT_EQ(NqSTRING2DOUBLE("0." + zeros + "1e10"), 0.0);
     EXPECT_TRUE(std::isnan(passedThroughXml(NqXmlBasicType<double>(Limits::quiet_NaN())).value()));
 }
 

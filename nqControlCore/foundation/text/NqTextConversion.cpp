@@ -18,11 +18,21 @@ bool isWord(std::string_view text, std::string_view word) {
 
 /// Whether a decimal number that left the range of double was too small, not too large.
 bool isTiny(std::string_view number) {
-    const std::size_t e = number.find_first_of("eE");
-    if (e != std::string_view::npos && e + 1 < number.size() && number[e + 1] == '-') {
-        return true;
+    const std::size_t e = std::min(number.find_first_of("eE"), number.size());
+    const std::string_view digits = number.substr(0, e);
+    const auto point = static_cast<long long>(std::min(digits.find('.'), digits.size()));
+    const auto leading = static_cast<long long>(std::min(digits.find_first_of("123456789"), digits.size()));
+
+    std::string_view exponentText = number.substr(std::min(e + 1, number.size()));
+    if (!exponentText.empty() && exponentText[0] == '+') {
+        exponentText.remove_prefix(1);
     }
-    return number.substr(0, e).find_first_of("123456789") > number.substr(0, e).find('.');
+    int exponent = 0;
+    const auto end = exponentText.data() + exponentText.size();
+    if (std::from_chars(exponentText.data(), end, exponent).ec == std::errc::result_out_of_range) {
+        return exponentText[0] == '-';
+    }
+    return point - leading + exponent < 0;
 }
 
 } // namespace

@@ -328,7 +328,9 @@ void expectEachFieldCounts(NqXmlCompoundType& part, const NqEndEffector& whole) 
 
 TEST_P(EveryEndEffector, CopiesKeepTypeAndEachFieldCountsInComparison) {
     const std::unique_ptr<NqXmlObject> copy(endEffector->clone());
-    EXPECT_EQ(typeid(*copy), typeid(*endEffector));
+    const NqXmlObject& original = *endEffector;
+    const NqXmlObject& clone = *copy;
+    EXPECT_EQ(typeid(clone), typeid(original));
     const std::unique_ptr<NqXmlObject> blank(endEffector->newObject());
     EXPECT_TRUE(blank->equality(kind.makeDefault().get()));
     EXPECT_FALSE(blank->equality(endEffector.get()));

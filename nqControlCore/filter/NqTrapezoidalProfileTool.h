@@ -38,8 +38,11 @@ public:
     ///
     /// Starting away from the target, with w = s + D the way back from where the coordinate comes to rest:
     ///
-    ///     m^2 / a >= w:            2 sqrt(w / a) + |v| / a
-    ///     else, with a cruise:     (2 m - |v|) / a + |v| / a + (w - m^2 / a) / m
+    ///     m^2 / a >= w, the velocity m isn't passed:      2 sqrt(w / a) + |v| / a
+    ///     else, with a cruise at m:                       (2 m - |v|) / a + |v| / a + (w - m^2 / a) / m
+    ///
+    /// The last one leaves out the time |v| / a of stopping first, so it is a lower bound that a move
+    /// exceeds.
     bool computeMinimumTime(double distance, double& time) const;
 
     /// The signed velocity to cruise at so that the move over `distance` takes `time` (s): a change from v to

@@ -1,10 +1,10 @@
 #include <nqControlCore/filter/NqPointMotionFilter.h>
 
+#include <nqControlCore/filter/NqMotionProfile.h>
 #include <nqControlCore/foundation/math/NqMath.h>
 #include <nqControlCore/foundation/text/NqPrint.h>
 
 #include <algorithm>
-#include <cmath>
 
 template <>
 struct NqPointMotionFilter::Dimension<NqVector> {
@@ -21,23 +21,6 @@ struct NqPointMotionFilter::Dimension<NqPlanarVector> {
     static constexpr bool countsDesiredVelocityTwice = false;
     static double exponent(const NqPointMotionFilter&) { return 0.5; }
 };
-
-namespace {
-
-/// Close to the target the speed never exceeds what reaches it within one step: where the squared speed is
-/// below the threshold, the velocity is shortened to the distance over the time step.
-template <typename Vector>
-void holdToOneStep(double squaredSpeedThreshold, double distance, double timeStep, Vector& velocity) {
-    const double squaredSpeed = velocity.magSquared();
-    if (squaredSpeedThreshold > squaredSpeed) {
-        const double stepSpeed = distance / NqMath::nonZeroPos(timeStep);
-        if (squaredSpeed > stepSpeed * stepSpeed) {
-            velocity = stepSpeed * velocity.unitVector();
-        }
-    }
-}
-
-} // namespace
 
 const NqToken& NqPointMotionFilter::classToken() {
     return NqControlCore::NqPointMotionFilterToken;
@@ -72,38 +55,25 @@ bool NqPointMotionFilter::calculateVelocity(const Vector& actualPosition, const 
     const double d = e.mag();
     const double a = speedFactor() * std::min(m_DecelerationThreshold, m_AccelerationThreshold);
     const double vmax = speedFactor() * m_Threshold;
-    double squaredSpeedThreshold = 0.0;
+    double slowness = 0.0;
     Vector out;
 
     switch (filteringMode()) {
-    case Proportional: {
-        double g = a / NqMath::nonZeroPos(vmax);
-        if (g > m_LinearGain) {
-            g = m_LinearGain;
-        }
-        if (g * h > 1.0) {
-            g = g / (g * h);
-        }
-        out = g * e;
-        out += desiredVelocity;
-        limitVelocity(out);
-        limitAcceleration(previousVelocity, h, out);
-        filteredVelocity = out;
-        return true;
-    }
+    case Proportional:
+        out = NqMotionProfile::proportionalGain(a, vmax, m_LinearGain, h) * e;
+        break;
     case Trapezoidal:
-        out = NqMath::sqrt(a * 2.0 / NqMath::nonZeroPos(d)) * e;
-        squaredSpeedThreshold = (a * h) * 4.0 * (a * h);
+        out = NqMotionProfile::trapezoidalGain(a, d) * e;
+        slowness = NqMotionProfile::trapezoidalSlowness(a, h);
         break;
     case ThreeHalves: {
         const double n = Dimension<Vector>::exponent(*this);
-        const double k = (n + 1.0) * a / NqMath::nonZeroPos(std::pow(vmax, 1.0 - n));
-        const double c = 1.0 / NqMath::nonZeroPos(n + 1.0);
-        out = std::pow(k / NqMath::nonZeroPos(std::pow(d, n)), c) * e;
+        const double k = NqMotionProfile::threeHalvesScale(n, a, vmax);
+        out = NqMotionProfile::threeHalvesGain(n, k, d) * e;
         if constexpr (Dimension<Vector>::countsDesiredVelocityTwice) {
             out += desiredVelocity;
         }
-        squaredSpeedThreshold = std::pow(k * h, 1.0 / NqMath::nonZeroPos(n));
+        slowness = NqMotionProfile::threeHalvesSlowness(n, k, h);
         break;
     }
     default:
@@ -111,11 +81,10 @@ bool NqPointMotionFilter::calculateVelocity(const Vector& actualPosition, const 
         return false;
     }
 
-    holdToOneStep(squaredSpeedThreshold, d, h, out);
+    NqMotionProfile::holdToOneStep(slowness, d, h, out);
     out += desiredVelocity;
     limitVelocity(out);
-    // At creeping speed the change of velocity is deliberately free.
-    if (out.magSquared() >= squaredSpeedThreshold) {
+    if (out.magSquared() >= slowness) {
         limitAcceleration(previousVelocity, h, out);
     }
     filteredVelocity = out;

@@ -6,16 +6,9 @@
 
 /// Motion filter of a point, in space or in the plane.
 ///
-/// With e the way from the actual to the desired position, d its length, h the time step, a the speed factor
-/// times the smaller of the acceleration and deceleration thresholds and vmax the speed factor times the
-/// threshold, the approach velocity is
-///
-///     proportional:  g e,  g = a / vmax, at most linearGain and at most 1 / h
-///     trapezoidal:   e / d sqrt(2 a d), the speed from which the deceleration a stops at the target
-///     three halves:  (k / d^n)^(1 / (n + 1)) e,  k = (n + 1) a / vmax^(1 - n),  n the exponent
-///
-/// The last two never pass the target within one step where they are slow. The desired velocity is added,
-/// then speed and change of velocity are limited.
+/// The approach velocity is that of NqMotionProfile, with the acceleration a the speed factor times the
+/// smaller of the acceleration and deceleration thresholds and vmax the speed factor times the threshold. The
+/// desired velocity is added, then speed and change of velocity are limited.
 class NqPointMotionFilter : public NqXmlPersistent<NqPointMotionFilter, NqBaseMotionFilter> {
 public:
     static const NqToken& classToken();

@@ -1,0 +1,129 @@
+#pragma once
+
+#include <nqControlCore/filter/NqBaseMotionFilter.h>
+#include <nqControlCore/foundation/math/NqMath.h>
+
+#include <cmath>
+
+/// What the motion filters have in common: the shapes of the approach to a target, and the limits of speed
+/// and of its change.
+///
+/// With e the error, d its length, h the time step, a the deceleration and vmax the limit of speed, the
+/// approach velocity is
+///
+///     proportional:  g e,  g = a / vmax, at most a given gain and at most 1 / h
+///     trapezoidal:   e / d sqrt(2 a d), the speed from which the deceleration a stops at the target
+///     three halves:  (k / d^n)^(1 / (n + 1)) e,  k = (n + 1) a / vmax^(1 - n),  n the exponent
+///
+/// The last two have a squared speed below which they are slow: there a step never passes the target, and
+/// the change of velocity is deliberately free.
+class NqMotionProfile {
+public:
+    // Gains, 1/s, by which the error becomes the approach velocity.
+
+    static double proportionalGain(double a, double vmax, double highestGain, double h) {
+        double g = a / NqMath::nonZeroPos(vmax);
+        if (g > highestGain) {
+            g = highestGain;
+        }
+        return gainWithinStep(g, h);
+    }
+
+    /// A gain, brought down to 1 / h where it is above it.
+    static double gainWithinStep(double g, double h) { return g * h > 1.0 ? g / (g * h) : g; }
+
+    static double trapezoidalGain(double a, double d) {
+        return NqMath::sqrt(a * 2.0 / NqMath::nonZeroPos(d));
+    }
+
+    static double threeHalvesGain(double n, double k, double d) {
+        const double c = 1.0 / NqMath::nonZeroPos(n + 1.0);
+        return std::pow(k / NqMath::nonZeroPos(std::pow(d, n)), c);
+    }
+
+    /// k of three-halves mode.
+    static double threeHalvesScale(double n, double a, double vmax) {
+        return (n + 1.0) * a / NqMath::nonZeroPos(std::pow(vmax, 1.0 - n));
+    }
+
+    // Squared speeds below which a mode counts as slow.
+
+    static double trapezoidalSlowness(double a, double h) { return (a * h) * 4.0 * (a * h); }
+
+    static double threeHalvesSlowness(double n, double k, double h) {
+        return std::pow(k * h, 1.0 / NqMath::nonZeroPos(n));
+    }
+
+    /// Where a velocity is slow, shortens it to what reaches the target within one step.
+    template <typename Vector>
+    static void holdToOneStep(double slowness, double distance, double h, Vector& velocity) {
+        const double squaredSpeed = velocity.magSquared();
+        if (slowness > squaredSpeed) {
+            const double stepSpeed = distance / NqMath::nonZeroPos(h);
+            if (squaredSpeed > stepSpeed * stepSpeed) {
+                velocity = stepSpeed * velocity.unitVector();
+            }
+        }
+    }
+
+    /// The approach velocity in the filter's mode, without feed-forward or limits; untouched in a mode above
+    /// 2. Returns the squared speed below which it is slow, 0 where no speed is.
+    template <typename Vector>
+    static double approach(const NqBaseMotionFilter& filter, const Vector& error, double highestGain,
+                           double vmax, double a, double h, Vector& velocity) {
+        const double d = error.mag();
+        double slowness = 0.0;
+        switch (filter.filteringMode()) {
+        case NqBaseMotionFilter::Proportional:
+            velocity = proportionalGain(a, vmax, highestGain, h) * error;
+            return 0.0;
+        case NqBaseMotionFilter::Trapezoidal:
+            velocity = trapezoidalGain(a, d) * error;
+            slowness = trapezoidalSlowness(a, h);
+            break;
+        case NqBaseMotionFilter::ThreeHalves: {
+            const double n = filter.exponent();
+            const double k = threeHalvesScale(n, a, vmax);
+            velocity = threeHalvesGain(n, k, d) * error;
+            slowness = threeHalvesSlowness(n, k, h);
+            break;
+        }
+        default:
+            return 0.0;
+        }
+        holdToOneStep(slowness, d, h, velocity);
+        return slowness;
+    }
+
+    /// Shortens a velocity to a limit of speed.
+    template <typename Vector>
+    static void limitSpeed(double limit, Vector& velocity) {
+        const double f = factorTo(limit * limit, velocity.magSquared());
+        if (1.0 > f) {
+            velocity *= f;
+        }
+    }
+
+    /// Shortens the change from the previous velocity to a limit of acceleration, except for a velocity that
+    /// is slow in its mode, or of a mode above 2.
+    template <typename Vector>
+    static void limitChange(const NqBaseMotionFilter& filter, const Vector& previousVelocity, double limit,
+                            double slowness, double h, Vector& velocity) {
+        const unsigned mode = filter.filteringMode();
+        const bool isLimited = mode == NqBaseMotionFilter::Proportional ||
+                               (mode <= NqBaseMotionFilter::ThreeHalves && velocity.magSquared() >= slowness);
+        if (!isLimited) {
+            return;
+        }
+        const Vector change = velocity - previousVelocity;
+        const double f = factorTo(limit * limit, change.magSquared() / NqMath::nonZeroPos(h * h));
+        if (1.0 > f) {
+            velocity = previousVelocity + f * change;
+        }
+    }
+
+    /// The factor that shortens a vector to a limit, both given squared: 1 for a vector within it.
+    static double factorTo(double squaredLimit, double squaredMagnitude) {
+        return squaredMagnitude > squaredLimit ? NqMath::sqrt(squaredLimit / squaredMagnitude) : 1.0;
+    }
+};

@@ -6,7 +6,6 @@
 
 #include <cmath>
 #include <limits>
-#include <random>
 
 namespace {
 
@@ -120,67 +119,6 @@ TEST(NqPointMotionFilter, ValuesThatStayAndValuesThatPass) {
     EXPECT_EQ(none.filteringMode(), Filter::Trapezoidal);
     EXPECT_EQ(none.threshold(), 1e300);
     EXPECT_EQ(none.linearGain(), 1.0);
-}
-
-/// A mode, a speed factor and a dimension.
-class EveryPointProfile : public testing::TestWithParam<std::tuple<unsigned, double, bool>> {};
-
-INSTANTIATE_TEST_SUITE_P(Modes, EveryPointProfile,
-                         testing::Combine(testing::Values(0u, 1u, 2u), testing::Values(0.5, 1.0, 2.0),
-                                          testing::Bool()));
-
-TEST_P(EveryPointProfile, ReachesItsTargetFromRestWithinItsLimits) {
-    const auto [mode, factor, isPlanar] = GetParam();
-    std::mt19937_64 random(5);
-    std::uniform_real_distribution<double> uniform(0.0, 1.0);
-    for (unsigned move = 0; move < 60; ++move) {
-        Filter filter;
-        filter.setFilteringMode(mode);
-        filter.setExponent(0.5);
-        filter.setThreshold(0.2 + uniform(random));
-        // In discrete time the slope of the approach needs a little more than the deceleration: without room
-        // above it, the limit of acceleration makes the velocity lag, and the target is passed by a fraction
-        // of a millimetre.
-        filter.setDecelerationThreshold(1.0 + 8.0 * uniform(random));
-        filter.setAccelerationThreshold(filter.decelerationThreshold() * (1.25 + 3.0 * uniform(random)));
-        filter.setSpeedFactor(factor);
-        const double step = 1e-3;
-        const double a = factor * filter.accelerationThreshold();
-        const double shaping =
-            factor * std::min(filter.accelerationThreshold(), filter.decelerationThreshold());
-        const double speedLimit = factor * filter.threshold();
-
-        const NqVector target(uniform(random), uniform(random), isPlanar ? 0.0 : uniform(random));
-        NqVector position;
-        NqVector velocity;
-        double nearest = target.mag();
-        for (unsigned i = 0; i < 20000 && nearest > 1e-9; ++i) {
-            const NqVector previous = velocity;
-            if (isPlanar) {
-                NqPlanarVector out;
-                ASSERT_TRUE(filter.calculate2DVelocity({position[0], position[1]}, {target[0], target[1]}, {},
-                                                       {velocity[0], velocity[1]}, step, out));
-                velocity = NqVector(out[0], out[1], 0.0);
-            } else {
-                velocity = velocityIn3D(filter, target - position, {}, velocity, step);
-            }
-            position += step * velocity;
-            ASSERT_LE(velocity.mag(), speedLimit * (1.0 + 1e-12));
-            // Free of the limit of acceleration are only speeds below 2 a h, or their like in three-halves
-            // mode.
-            const double free = mode == Filter::Proportional  ? 0.0
-                                : mode == Filter::Trapezoidal ? 2.0 * shaping * step
-                                                              : 1.5 * shaping / std::sqrt(speedLimit) * step;
-            if (velocity.mag() > free * (1.0 + 1e-9)) {
-                ASSERT_LE((velocity - previous).mag(), a * step * (1.0 + 1e-9))
-                    << "move " << move << ", step " << i;
-            }
-            const double distance = (target - position).mag();
-            ASSERT_LE(distance, nearest + 1e-9) << "passes its target, move " << move << ", step " << i;
-            nearest = distance;
-        }
-        EXPECT_LE(nearest, mode == Filter::Trapezoidal ? 1e-9 : 1e-3) << "move " << move;
-    }
 }
 
 TEST(NqPointMotionFilter, LimitsShortenWithoutTurning) {

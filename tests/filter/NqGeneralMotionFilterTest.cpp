@@ -1,0 +1,182 @@
+#include "support/NqPrintCapture.h"
+
+#include <nqControlCore/filter/NqGeneralMotionFilter.h>
+#include <nqControlCore/foundation/xml/NqXmlDocument.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+using Filter = NqGeneralMotionFilter;
+using Pose = NqCoordinateSystemTransformation;
+
+const Pose kActual({0.3, -0.2, 0.5}, NqOrientation(0.7, {0.2, -0.5, 0.4}));
+const NqVector kOffset(0.4, -0.3, 0.2);
+
+void expectNear(const NqVector& actual, const NqVector& expected, double tolerance = 1e-12) {
+    EXPECT_NEAR((actual - expected).mag(), 0.0, tolerance)
+        << actual.x() << ' ' << actual.y() << ' ' << actual.z();
+}
+
+NqGeneralMotion motionFor(const Filter& filter, const Pose& actual, const Pose& desired, double step,
+                          const NqGeneralMotion& desiredVelocity = {}, const NqGeneralMotion& previous = {},
+                          bool matchTimes = false, bool applyProfile = true) {
+    NqGeneralMotion out;
+    EXPECT_TRUE(filter.calculateGeneralMotion(actual, desired, desiredVelocity, previous, step, out,
+                                              matchTimes, false, applyProfile));
+    return out;
+}
+
+/// Where a frame is that moves from a placement for some time.
+Pose movedBy(const Pose& from, const NqGeneralMotion& motion, double time) {
+    return {from.translation() + time * motion.linear(),
+            NqOrientation(time * motion.angular().mag(), motion.angular()) * from.orientation()};
+}
+
+Filter unlimited() {
+    Filter filter;
+    filter.setLinearVelocityThreshold(1e9);
+    filter.setAngularVelocityThreshold(1e9);
+    filter.setLinearAccelerationThreshold(1e15);
+    filter.setAngularAccelerationThreshold(1e15);
+    filter.setOffset(kOffset);
+    return filter;
+}
+
+TEST(NqGeneralMotionFilter, OffsetPointGoesStraightToItsTarget) {
+    const Filter filter = unlimited(); // with both decelerations at 8
+    const Pose desired = kActual * Pose({0.02, 0.01, -0.03}, NqOrientation(0.4, {0.0, 0.6, 0.8}));
+    const NqVector way = desired * kOffset - kActual * kOffset;
+    const NqGeneralMotion feedForward({0.1, 0.2, 0.3}, {0.3, -0.2, 0.1});
+    for (const NqGeneralMotion& desiredVelocity : {NqGeneralMotion(), feedForward}) {
+        const NqGeneralMotion out = motionFor(filter, kActual, desired, 1e-4, desiredVelocity);
+        const double h = 1e-5;
+        const auto velocity = [&](const NqGeneralMotion& motion) {
+            return (movedBy(kActual, motion, h) * kOffset - movedBy(kActual, motion, -h) * kOffset) /
+                   (2.0 * h);
+        };
+        const double speed = std::sqrt(2.0 * 8.0 * way.mag());
+        expectNear(velocity(out), speed * way.unitVector() + velocity(desiredVelocity), 1e-8);
+        expectNear(out.angular(),
+                   kActual.orientation() * (std::sqrt(2.0 * 8.0 * 0.4) * NqVector(0.0, 0.6, 0.8)) +
+                       desiredVelocity.angular());
+    }
+    // A turn about the offset point leaves it in place.
+    const NqOrientation turn(0.8, {0.0, 0.6, 0.8});
+    const NqGeneralMotion out =
+        motionFor(filter, kActual, kActual * Pose(kOffset - turn * kOffset, turn), 1e-4);
+    expectNear(out.linear() + out.angular().cross(kActual.orientation() * kOffset), {}, 1e-10);
+}
+
+TEST(NqGeneralMotionFilter, WithoutProfileTheErrorPassesWhole) {
+    Filter filter;
+    filter.setOffset(kOffset);
+    const Pose desired = kActual * Pose({2e-4, 1e-4, -3e-4}, NqOrientation(1e-3, {0.0, 0.6, 0.8}));
+    const NqGeneralMotion error = motionFor(filter, kActual, desired, 0.01, {}, {}, true, false);
+    const Pose reached = movedBy(kActual, error, 1.0);
+    expectNear(reached.translation(), desired.translation(), 1e-6); // to second order
+    expectNear(reached * kOffset, desired * kOffset, 1e-6);
+    filter.setFilteringActive(false);
+    for (const bool applyProfile : {false, true}) {
+        const NqGeneralMotion out =
+            motionFor(filter, kActual, desired, 0.01, error, error, true, applyProfile);
+        expectNear(out.linear(), error.linear() / 0.01);
+        expectNear(out.angular(), error.angular() / 0.01);
+    }
+}
+
+TEST(NqGeneralMotionFilter, LimitsActOnTheOffsetPointPartByPart) {
+    Filter filter = unlimited();
+    NqGeneralMotion out;
+    const NqGeneralMotion motion({1.0, -2.0, 3.0}, {-4.0, 5.0, 6.0});
+    ASSERT_TRUE(filter.filterVelocity(motion, {}, 0.01, out));
+    expectNear(out.linear(), motion.linear(), 1e-14);
+    EXPECT_EQ(out.angular(), motion.angular());
+
+    filter.setOffset({1.0, 0.0, 0.0});
+    filter.setLinearVelocityThreshold(1.0);
+    filter.setSpeedFactor(0.5);
+    const NqGeneralMotion spin({}, {0.0, 0.0, 2.0}); // the point moves at 2 along y, and may at 0.5
+    ASSERT_TRUE(filter.filterVelocity(spin, spin, 0.01, out));
+    expectNear(out.linear(), {0.0, -1.5, 0.0});
+    EXPECT_EQ(out.angular(), spin.angular());
+    filter.setLinearAccelerationThreshold(20.0); // from rest by 0.1 in a step
+    filter.setAngularAccelerationThreshold(30.0);
+    ASSERT_TRUE(filter.filterVelocity(spin, {}, 0.01, out));
+    expectNear(out.angular(), {0.0, 0.0, 0.15});
+    expectNear(out.linear(), {0.0, 0.1 - 0.15, 0.0});
+    // The previous motion counts at the offset point too: there it was at rest.
+    ASSERT_TRUE(filter.filterVelocity(spin, {{0.0, -2.0, 0.0}, {0.0, 0.0, 2.0}}, 0.01, out));
+    expectNear(out.linear(), {0.0, 0.1 - 2.0, 0.0});
+}
+
+TEST(NqGeneralMotionFilter, MatchedTimesSlowDownTheFasterPart) {
+    Filter filter;
+    const auto speeds = [&](double way, double angle, double feedForward = 0.0) {
+        const Pose desired({0.0, way, 0.0}, NqOrientation::aboutZ(angle));
+        const NqGeneralMotion previous({0.0, 0.3, 0.0}, {0.0, 0.0, 0.3});
+        const NqGeneralMotion out = motionFor(
+            filter, {}, desired, 0.1, {{0.0, feedForward, 0.0}, {0.0, 0.0, feedForward}}, previous, true);
+        return std::make_pair(out.linear().y(), out.angular().z());
+    };
+    for (unsigned mode : {Filter::Proportional, Filter::Trapezoidal, Filter::ThreeHalves}) {
+        filter.setFilteringMode(mode);
+        filter.setExponent(0.5);
+        EXPECT_NEAR(speeds(0.3, 0.9).first, 1.0 / 3.0, 1e-12);
+        EXPECT_NEAR(speeds(0.3, 0.9).second, 1.0, 1e-12);
+        EXPECT_NEAR(speeds(0.9, 0.3).first, 1.0, 1e-12);
+        EXPECT_NEAR(speeds(0.9, 0.3).second, 1.0 / 3.0, 1e-12);
+        // Squared times within 1e-6 count as equal.
+        EXPECT_NEAR(speeds(0.5, 0.5 + 0.9e-6).first, 1.0, 1e-14);
+        EXPECT_NEAR(speeds(0.5, 0.5 + 1.1e-6).first, 1.0 - 2.2e-6, 1e-9);
+        EXPECT_NEAR(speeds(0.5 + 1.1e-6, 0.5).second, 1.0 - 2.2e-6, 1e-9);
+    }
+    filter.setFilteringMode(Filter::Proportional);
+    EXPECT_EQ(speeds(0.9, 0.0, 0.2).second, 0.0); // no error, no limit above 0, not even for feed-forward
+    filter.setLinearGain(0.5);
+    filter.setAngularGain(0.5);
+    EXPECT_NEAR(speeds(0.3, 0.9).first, 0.5 / 3.0 * 0.3, 1e-12);
+    EXPECT_NEAR(speeds(0.3, 0.9).second, 0.5 * 0.9, 1e-12);
+}
+
+TEST(NqGeneralMotionFilter, BadModeFailsEvenSwitchedOff) {
+    Filter filter;
+    filter.setFilteringMode(3);
+    for (const bool active : {true, false}) {
+        filter.setFilteringActive(active);
+        NqGeneralMotion out({1.0, 2.0, 3.0}, {4.0, 5.0, 6.0});
+        const NqGeneralMotion before = out;
+        NqPrintCapture capture;
+        EXPECT_FALSE(filter.calculateGeneralMotion({}, kActual, {}, {}, 0.1, out, false, false, true));
+        EXPECT_EQ(out, before);
+        EXPECT_EQ(capture.text(),
+                  "NqGeneralMotionFilter::calculateGeneralMotion()->bad filtering mode: 3.\n");
+    }
+}
+
+TEST(NqGeneralMotionFilter, KeepsOldFieldsWithoutWritingThem) {
+    Filter filter;
+    ASSERT_TRUE(NqXmlDocument::readString(
+        "<generalMotionFilter xmlns=\"http://nq.example/namespace/ct#\"><linearGain>30</linearGain>"
+        "<angularWeight>0.25</angularWeight><threshold>7</threshold></generalMotionFilter>",
+        filter));
+    EXPECT_TRUE(filter.angularWeight() == 0.25 && filter.threshold() == 7.0 && filter.linearGain() == 30.0);
+    std::string document;
+    ASSERT_TRUE(NqXmlDocument::writeString(document, filter));
+    EXPECT_EQ(document.find("angularWeight"), std::string::npos);
+    EXPECT_EQ(document.find("<threshold>"), std::string::npos);
+    Filter other = filter;
+    other.setThreshold(8.0);
+    EXPECT_FALSE(other == filter);
+
+    Filter null; // whose limits stay
+    null.setLinearGain(1.0);
+    null.setAngularGain(1.0);
+    null.setAngularWeight(1.0);
+    null.setThreshold(1e300);
+    EXPECT_TRUE(null == Filter::nullObject());
+}
+
+} // namespace

@@ -1,0 +1,123 @@
+#include "support/NqPrintCapture.h"
+
+#include <nqControlCore/filter/NqRotationMotionFilter.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+
+namespace {
+
+using Filter = NqRotationMotionFilter;
+using std::numbers::pi;
+
+/// An orientation from which frames can be told apart.
+const NqOrientation kActual(0.7, {0.2, -0.5, 0.4});
+
+/// The bare error for a relative orientation, in the actual frame.
+NqVector errorOf(const NqOrientation& relative, bool zAxisOnly = false) {
+    NqVector out;
+    EXPECT_TRUE(Filter().calculateRotationMotion(kActual, kActual * relative, {9.0, 9.0, 9.0}, {}, 0.01, out,
+                                                 zAxisOnly, false));
+    return kActual.inverse() * out;
+}
+
+void expectNear(const NqVector& actual, const NqVector& expected, double tolerance = 1e-12) {
+    EXPECT_NEAR((actual - expected).mag(), 0.0, tolerance)
+        << actual.x() << ' ' << actual.y() << ' ' << actual.z();
+}
+
+TEST(NqRotationMotionFilter, ErrorIsTheRotationVectorOfTheShortWay) {
+    const NqVector axis = NqVector(1.0, 2.0, -2.0) / 3.0;
+    for (const double angle : {0.3, 1.0, 2.5, 3.1}) {
+        expectNear(errorOf(NqOrientation(angle, axis)), angle * axis);
+        expectNear(errorOf(NqOrientation(2.0 * pi - angle, axis)), -angle * axis); // as -q
+    }
+    for (const double angle : {1e-9, 0.1, 0.28}) { // twice the sine of half the angle
+        expectNear(errorOf(NqOrientation(angle, axis)), 2.0 * std::sin(angle / 2.0) * axis);
+        expectNear(errorOf(NqOrientation(2.0 * pi + angle, axis)), 2.0 * std::sin(angle / 2.0) * axis);
+    }
+    NqOrientation half; // no way is the short one
+    half.setFromQuaternion(0.0, 0.6, 0.0, 0.8);
+    EXPECT_EQ(errorOf(half).mag(), 0.0);
+}
+
+TEST(NqRotationMotionFilter, ErrorHardlyJumpsWhereTheChordTakesOver) {
+    const double atBranch = 2.0 * std::acos(0.99);
+    const double chord = errorOf(NqOrientation(atBranch - 1e-9, NqVector::zVector(1.0))).mag();
+    const double arc = errorOf(NqOrientation(atBranch + 1e-9, NqVector::zVector(1.0))).mag();
+    EXPECT_NEAR(arc, atBranch, 1e-8);
+    EXPECT_LT(chord, arc * (1.0 - 0.003));
+    EXPECT_GT(chord, arc * (1.0 - 0.004));
+    NqOrientation exactly;
+    exactly.setFromQuaternion(0.99, std::sqrt(1.0 - 0.99 * 0.99), 0.0, 0.0);
+    EXPECT_NEAR(errorOf(exactly).mag(), atBranch, 1e-12); // the branch is left at more than 0.99
+}
+
+TEST(NqRotationMotionFilter, ZAxisAloneLeavesRotationAboutItFree) {
+    for (const double spin : {0.0, 0.05, 2.0, 4.0}) {
+        const NqOrientation aboutZ = NqOrientation::aboutZ(spin);
+        expectNear(errorOf(aboutZ, true), {}, 1e-15);
+        expectNear(errorOf(NqOrientation(0.5, {0.6, 0.8, 0.0}) * aboutZ, true), {0.3, 0.4, 0.0});
+        expectNear(errorOf(NqOrientation(0.1, {1.0, 0.0, 0.0}) * aboutZ, true), {std::sin(0.1), 0.0, 0.0});
+        // Beyond a right angle what is left to the opposite direction counts.
+        expectNear(errorOf(NqOrientation(pi - 0.5, {0.6, 0.8, 0.0}) * aboutZ, true), {0.3, 0.4, 0.0});
+        expectNear(errorOf(NqOrientation(pi, {0.6, 0.8, 0.0}) * aboutZ, true), {});
+    }
+}
+
+TEST(NqRotationMotionFilter, ProfileAndLimitsWorkInTheActualFrame) {
+    Filter filter;
+    filter.setAngularVelocityThreshold(0.5);
+    filter.setAngularAccelerationThreshold(10.0);
+    filter.setAngularDecelerationThreshold(2.0);
+    filter.setSpeedFactor(0.5);
+    const NqVector axis(0.0, 0.6, 0.8);
+    const NqOrientation desired = NqOrientation(0.01, axis) * kActual;
+    const double speed = std::sqrt(2.0 * 1.0 * 2.0 * std::sin(0.005)); // of the deceleration 1 rad/s^2
+    NqVector out;
+    // From where it would be anyway, so that no limit is felt; feed-forward along the way and across.
+    const NqVector previous = speed * axis + NqVector(0.04, 0.0, 0.0);
+    ASSERT_TRUE(
+        filter.calculateRotationMotion(kActual, desired, {0.04, 0.0, 0.0}, previous, 1e-3, out, false, true));
+    expectNear(out, previous);
+    ASSERT_TRUE(
+        filter.calculateRotationMotion(kActual, desired, 7.0 * axis, 0.3 * axis, 1e-2, out, false, true));
+    expectNear(out, 0.25 * axis); // limited to 0.25 rad/s and free to get there at 5 rad/s^2
+    ASSERT_TRUE(filter.calculateRotationMotion(kActual, desired, 7.0 * axis, {}, 1e-2, out, false, true));
+    expectNear(out, 0.05 * axis);
+    ASSERT_TRUE(filter.filterVelocity({7.0, 0.0, 0.0}, {0.0, 0.25, 0.0}, 1e-2, out));
+    EXPECT_NEAR((out - NqVector(0.0, 0.25, 0.0)).mag(), 0.05, 1e-15);
+    filter.setFilteringActive(false);
+    for (const bool applyProfile : {false, true}) {
+        ASSERT_TRUE(filter.calculateRotationMotion(kActual, NqOrientation(1.0, axis) * kActual,
+                                                   {7.0, 0.0, 0.0}, {}, 0.1, out, false, applyProfile));
+        expectNear(out, 10.0 * axis);
+    }
+}
+
+TEST(NqRotationMotionFilter, BadModeFailsEvenSwitchedOff) {
+    Filter filter;
+    filter.setFilteringMode(3);
+    for (const bool active : {true, false}) {
+        filter.setFilteringActive(active);
+        NqVector out(1.0, 2.0, 3.0);
+        NqPrintCapture capture;
+        EXPECT_FALSE(filter.calculateRotationMotion({}, kActual, {}, {}, 0.1, out, false, true));
+        EXPECT_EQ(out, NqVector(1.0, 2.0, 3.0));
+        ASSERT_EQ(capture.lines().size(), 1u);
+        EXPECT_EQ(capture.lines()[0],
+                  std::make_pair(4u, std::string("NqGeneralMotionFilter::calculateRotationMotion()->bad "
+                                                 "filtering mode: 3.\n")));
+    }
+}
+
+TEST(NqRotationMotionFilter, NullObjectDiffersInItsGainAlone) {
+    Filter filter;
+    filter.setAngularGain(1.0);
+    EXPECT_TRUE(filter == Filter::nullObject());
+    EXPECT_FALSE(filter == Filter());
+}
+
+} // namespace

@@ -13,18 +13,19 @@ struct NqArmSketch {
     struct Posture {
         std::string label; ///< short name, written beside the arm; may be empty
         std::vector<NqVector> joints;
-        std::vector<NqVector> endEffectors;
+        std::vector<NqVector> endEffectors; ///< the points that the end-effectors tie
     };
 
     NqVector base;
-    std::vector<int> inboard;   ///< for each joint the joint inboard of it, or kBase
-    std::vector<bool> isLinear; ///< for each joint
-    std::vector<int> carrier;   ///< for each end-effector the joint whose link carries it, or kBase
+    std::vector<int> inboard;       ///< for each joint the joint inboard of it, or kBase
+    std::vector<bool> isLinear;     ///< for each joint
+    std::vector<int> carrier;       ///< for each of these points the joint whose link carries it, or kBase
+    std::vector<std::size_t> spans; ///< the first of two points that an end-effector ties together
 
     Posture start;
     std::vector<Posture> wayPoints; ///< postures at the way points that were reached, but the last posture
     Posture last;                   ///< at the end of the run
     std::vector<Posture> between;   ///< drawn faintly
-    std::vector<std::vector<NqVector>> paths; ///< for each end-effector
-    std::vector<NqVector> targets;            ///< all targets of all end-effectors
+    std::vector<std::vector<NqVector>> paths; ///< of the end-effectors that are points or frames
+    std::vector<NqVector> targets;            ///< all their targets
 };

@@ -17,8 +17,13 @@ NqArmSketch NqArmSketcher::frame() {
         sketch.inboard.push_back(jointOf(link->parentLink()));
         sketch.isLinear.push_back(link->joint().type() == NqJointDescription::Prismatic);
     }
-    for (unsigned e = 0; e < m_EndEffectors.size(); ++e) {
-        sketch.carrier.push_back(jointOf(m_Manipulator.linkByLabel(m_EndEffectors[e]->linkIdentifier())));
+    for (const NqDriveTargetKind& kind : m_Kinds) {
+        if (kind.ties().size() == 2) {
+            sketch.spans.push_back(sketch.carrier.size());
+        }
+        for (const NqDriveTargetKind::Tie& tie : kind.ties()) {
+            sketch.carrier.push_back(jointOf(m_Manipulator.linkByLabel(tie.link)));
+        }
     }
     return sketch;
 }
@@ -30,10 +35,12 @@ NqArmSketch::Posture NqArmSketcher::posture(const std::string& label, const std:
         posture.joints.push_back(
             m_Manipulator.linkByIndex(j)->linkFrameInSystem(m_State.activePositionState()).translation());
     }
-    for (unsigned e = 0; e < m_EndEffectors.size(); ++e) {
-        NqEndEffectorPlacement placement;
-        m_EndEffectors[e]->calculatePlacement(m_Manipulator, m_State, placement);
-        posture.endEffectors.push_back(placement.coordSysXForm().translation());
+    for (const NqDriveTargetKind& kind : m_Kinds) {
+        for (const NqDriveTargetKind::Tie& tie : kind.ties()) {
+            const NqManipulatorLink* link = m_Manipulator.linkByLabel(tie.link);
+            posture.endEffectors.push_back(
+                link ? link->primaryFrameInSystem(m_State.activePositionState()) * tie.point : NqVector());
+        }
     }
     return posture;
 }

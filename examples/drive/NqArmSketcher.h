@@ -1,16 +1,17 @@
 #pragma once
 
 #include "NqArmSketch.h"
+#include "NqDriveTargetKind.h"
 
-#include <nqControlCore/endeffector/NqEndEffectorVector.h>
 #include <nqControlCore/foundation/manipulator/NqIndividualManipulator.h>
 #include <nqControlCore/foundation/manipulator/NqManipulatorActiveState.h>
 
 /// Makes stick figures of a manipulator.
 class NqArmSketcher {
 public:
-    NqArmSketcher(const NqIndividualManipulator& manipulator, const NqEndEffectorVector& endEffectors)
-        : m_Manipulator(manipulator), m_EndEffectors(endEffectors), m_State(manipulator) {}
+    /// Both must outlive the sketcher.
+    NqArmSketcher(const NqIndividualManipulator& manipulator, const std::vector<NqDriveTargetKind>& kinds)
+        : m_Manipulator(manipulator), m_Kinds(kinds), m_State(manipulator) {}
 
     /// A sketch that knows the joints' connections, without postures yet.
     NqArmSketch frame();
@@ -20,6 +21,6 @@ public:
 
 private:
     const NqIndividualManipulator& m_Manipulator;
-    const NqEndEffectorVector& m_EndEffectors;
+    const std::vector<NqDriveTargetKind>& m_Kinds; ///< of the end-effectors
     NqManipulatorActiveState m_State;
 };

@@ -66,10 +66,12 @@ std::string NqDriveConsole::progress(const NqDriveRun& run) const {
             load = share;
         }
     }
+    const std::size_t farthest = run.farthest();
     std::string line = padded(fixed(loop.time(), 3), 9, true) + " s  way point " +
                        std::to_string(run.wayPoint() + 1) + "/" +
                        std::to_string(run.record().wayPoints.size()) + "  error " +
-                       padded(significant(loop.errors()[run.farthest()], 3), 8) + " m  determinant " +
+                       padded(significant(loop.errors()[farthest], 3), 8) + " " +
+                       padded(run.record().parts[farthest].limits.unit, 3) + "  determinant " +
                        padded(significant(loop.determinant(), 3), 9) + "  fastest " +
                        joints[busiest].description.name() + " " + fixed(100.0 * load, 0) + " %";
     if (loop.brake() != NqDriveLoop::Brake::None) {
@@ -124,10 +126,12 @@ void NqDriveConsole::showSummary(const NqDriveRecord& record) {
     out += record.robot + ": " + record.verdict + "\n\n";
 
     std::vector<std::vector<std::string>> rows{
-        {"end-effector", "error m", "fastest m/s", "limit m/s", "path m"}};
-    for (const auto& endEffector : record.endEffectors) {
-        rows.push_back({endEffector.name, significant(endEffector.error, 3), fixed(endEffector.peakSpeed, 3),
-                        limit(endEffector.speedLimit), fixed(endEffector.pathLength, 3)});
+        {"end-effector", "unit", "error", "path", "fastest", "limit", "acceleration", "limit"}};
+    for (const auto& part : record.parts) {
+        rows.push_back({part.name + (record.endEffectors[part.endEffector].isHard ? "" : " (soft)"),
+                        part.limits.unit, significant(part.error, 3), fixed(part.pathLength, 3),
+                        fixed(part.peakSpeed, 3), limit(part.limits.speedLimit),
+                        fixed(part.peakAcceleration, 3), limit(part.limits.accelerationLimit)});
     }
     out += table(rows) + "\n";
 

@@ -31,8 +31,14 @@ std::string NqDriveCsv::text() const {
         column(joint.description.name(), "rate");
     }
     for (const auto& endEffector : m_Record.endEffectors) {
-        for (const char* quantity : {"x", "y", "z", "error", "speed"}) {
-            column(endEffector.name, quantity);
+        for (const std::string_view quantity : endEffector.kind.columns()) {
+            column(endEffector.name, std::string(quantity));
+        }
+    }
+    for (const auto& part : m_Record.parts) {
+        const std::string& name = m_Record.endEffectors[part.endEffector].name;
+        for (const char* quantity : {"error", "speed", "acceleration"}) {
+            column(name, part.limits.isAngular ? "angular." + std::string(quantity) : quantity);
         }
     }
     out += "\n";
@@ -49,11 +55,14 @@ std::string NqDriveCsv::text() const {
             append(m_Recorder.rate(row, joint));
         }
         for (std::size_t e = 0; e < m_Recorder.endEffectors(); ++e) {
-            const NqVector point = m_Recorder.point(row, e);
-            for (const double value :
-                 {point.x(), point.y(), point.z(), m_Recorder.error(row, e), m_Recorder.speed(row, e)}) {
-                append(value);
+            for (const double number : m_Record.endEffectors[e].kind.numbers(m_Recorder.placement(row, e))) {
+                append(number);
             }
+        }
+        for (std::size_t p = 0; p < m_Record.parts.size(); ++p) {
+            append(m_Recorder.error(row, p));
+            append(m_Recorder.speed(row, p));
+            append(m_Recorder.acceleration(row, p));
         }
         out += "\n";
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "NqDriveTargetKind.h"
+
 #include <nqControlCore/core/NqCoreVelocityControlTool.h>
 #include <nqControlCore/endeffector/NqEndEffectorVector.h>
 #include <nqControlCore/foundation/manipulator/NqIndividualManipulator.h>
@@ -16,14 +18,19 @@
 /// Each step() asks the end-effectors for their Jacobian rows and for the velocities that their motion
 /// filters command towards their targets, solves for the joint rates that give just these velocities and, as
 /// far as they leave the joints free, descend towards a posture, slows the arm where a joint would leave its
-/// limits, and integrates the rates. It reads no clock and no file, and allocates nothing after the first
-/// step.
+/// limits, and integrates the rates. Soft end-effectors take part through metric and gradient: with their
+/// rows S, their weights E and the velocities s that they command, x are of all joint rates that meet the
+/// hard rows those of the least
+///     x^T A x + 2 g^T x + (S x - s)^T E (S x - s)
+/// with the joints' weights A and the gradient g towards the posture. The loop reads no clock and no file,
+/// and allocates nothing after the first step.
 class NqDriveLoop {
 public:
     /// What slowed a step.
     enum class Brake { None, Rate, Range };
 
-    /// The manipulator and the end-effectors must outlive the loop. `timeStep` in seconds.
+    /// The manipulator and the end-effectors, all of a kind that NqDriveTargetKind knows, must outlive the
+    /// loop. `timeStep` in seconds.
     NqDriveLoop(const NqIndividualManipulator& manipulator, const NqEndEffectorVector& endEffectors,
                 double timeStep);
 
@@ -33,6 +40,9 @@ public:
     /// The posture that free joints drift to, at `gain` (1/s) times their distance from it. An empty posture
     /// is none.
     void setPosture(const std::vector<double>& posture, double gain);
+
+    /// Factor on the error weights of soft end-effectors, which makes up E. 1 at first.
+    void setSoftGain(double gain) { m_SoftGain = gain; }
 
     /// Puts the manipulator at rest somewhere.
     void setPositions(const std::vector<double>& positions);
@@ -48,8 +58,10 @@ public:
     const NqEndEffector& endEffector(std::size_t e) const { return *m_Constraints[e].endEffector; }
     std::size_t endEffectors() const { return m_Constraints.size(); }
     std::size_t joints() const { return m_Rates.size(); }
-    /// Rows of the Jacobian.
-    unsigned rows() const { return m_Rows; }
+    const NqDriveTargetKind& kind(std::size_t e) const { return m_Constraints[e].kind; }
+    bool isHard(std::size_t e) const { return m_Constraints[e].isHard; }
+    /// Rows of the hard end-effectors, which is how many the solver meets exactly.
+    unsigned rows() const { return m_Hard.rows; }
 
     double time() const { return static_cast<double>(m_Steps) * m_TimeStep; }
     std::uint64_t steps() const { return m_Steps; }
@@ -62,18 +74,27 @@ public:
     /// Rates of the last step, as they were after slowing.
     const std::vector<double>& rates() const { return m_Rates; }
     const NqEndEffectorPlacement& systemTarget(std::size_t e) const { return m_Constraints[e].systemTarget; }
-    const NqReArray& jacobian() const { return m_Jacobian; }
+    /// The rows of the hard end-effectors.
+    const NqReArray& jacobian() const { return m_Hard.jacobian; }
     /// Of the solver's square system in the last step; NaN before the first.
     double determinant() const { return m_Determinant; }
 
-    /// Translations of the present placements, in the system frame.
-    const std::vector<NqVector>& points() const { return m_Points; }
-    /// Size of each end-effector's remaining error. Rows of different kinds count by their error weights,
-    /// relative to the largest, so that the size of a point's error is its distance from the target in
-    /// metres.
+    /// Present placements, in the system frame.
+    const std::vector<NqCoordinateSystemTransformation>& placements() const { return m_Placements; }
+
+    /// A part of an end-effector's motion: the quantities below have an entry for each.
+    struct Part {
+        std::size_t endEffector;
+        NqDriveTargetKind::Part part;
+    };
+    const std::vector<Part>& parts() const { return m_Parts; }
+    /// What is left to the target, in the part's unit.
     const std::vector<double>& errors() const { return m_Errors; }
-    /// Size of the first three rows of each end-effector's velocity: the speed of a point, in m/s.
+    /// Speed in the last step, as the motion filter limits it: relative to the relative link in internal
+    /// mode.
     const std::vector<double>& speeds() const { return m_Speeds; }
+    /// By how much the velocity changed in the last step, for the time of it.
+    const std::vector<double>& accelerations() const { return m_Accelerations; }
 
     /// Share of the commanded step that was made, 0 to 1, and who is to blame if it is below 1.
     double slowing() const { return m_Slowing; }
@@ -81,9 +102,17 @@ public:
     unsigned brakingJoint() const { return m_BrakingJoint; }
 
 private:
-    /// An end-effector with its rows and what it needs from step to step.
+    /// The rows of the hard, or of the soft end-effectors one under the other, with what they command.
+    struct Stack {
+        unsigned rows = 0;
+        NqReArray jacobian;
+        std::vector<double> command;
+    };
+    /// An end-effector with its place in a stack and what it needs from step to step.
     struct Constraint {
         const NqEndEffector* endEffector = nullptr;
+        NqDriveTargetKind kind;
+        bool isHard = true;
         unsigned row = 0;
         NqEndEffectorPlacement target;
         NqEndEffectorPlacement present;
@@ -91,24 +120,29 @@ private:
         NqXmlRealVector desired;  ///< feed-forward velocity: none
         NqXmlRealVector previous; ///< what became of the velocity commanded in the step before
         NqXmlRealVector filtered;
-        NqXmlRealVector velocity;
-        NqXmlRealVector error;
+        std::vector<double> velocity; ///< what the rates of the last step gave
+        std::vector<double> change;   ///< by how much that differs from the step before
     };
 
+    Stack& stackOf(const Constraint& constraint) { return constraint.isHard ? m_Hard : m_Soft; }
     void stackConstraints();
     void commandVelocities();
+    void weighSoftConstraints();
+    double crowding(unsigned joint) const;
     bool solve();
     void slowDown();
     void integrate();
+    void measureVelocities();
     void observe();
 
     const NqIndividualManipulator& m_Manipulator;
     double m_TimeStep;
     std::vector<Constraint> m_Constraints;
-    unsigned m_Rows = 0;
+    std::vector<Part> m_Parts;
     std::vector<double> m_Posture;
     double m_Gain = 0.0;
-    NqReArray m_Metric;
+    double m_SoftGain = 1.0;
+    std::vector<double> m_JointWeights;
 
     std::uint64_t m_Steps = 0;
     NqPositionState m_Position;
@@ -116,10 +150,10 @@ private:
     NqManipulatorActiveState m_State;
 
     NqCoreVelocityControlTool m_Tool;
-    NqReArray m_Jacobian;
-    std::vector<std::vector<bool>> m_Sparsity;
-    NqReArray m_ErrorWeights;
-    std::vector<double> m_Command;
+    Stack m_Hard;
+    Stack m_Soft;
+    NqReArray m_SoftWeights;
+    NqReArray m_Metric;
     std::vector<double> m_Gradient;
     std::vector<double> m_Rates;
     std::vector<double> m_NullSpaceRates;
@@ -127,7 +161,8 @@ private:
     double m_Slowing = 1.0;
     Brake m_Brake = Brake::None;
     unsigned m_BrakingJoint = 0;
-    std::vector<NqVector> m_Points;
+    std::vector<NqCoordinateSystemTransformation> m_Placements;
     std::vector<double> m_Errors;
     std::vector<double> m_Speeds;
+    std::vector<double> m_Accelerations;
 };

@@ -1,5 +1,6 @@
 #include "NqDriveOptions.h"
 
+#include "NqDriveTargetFile.h"
 #include "NqDriveText.h"
 
 #include <algorithm>
@@ -30,22 +31,23 @@ bool readList(std::string_view text, std::vector<double>& values, std::string& c
     return true;
 }
 
-/// "x,y,z" or "hold" for each end-effector, separated by "/".
 bool readWayPoint(std::string_view text, bool isRelative, Options& options, std::string& complaint) {
-    Options::WayPoint wayPoint{isRelative, {}};
-    for (const std::string_view target : NqDriveText::split(text, '/')) {
-        std::vector<double> numbers;
-        if (target == "hold") {
-            wayPoint.targets.emplace_back();
-        } else if (NqDriveText::parseFiniteList(target, numbers) && numbers.size() == 3) {
-            wayPoint.targets.emplace_back(NqVector(numbers[0], numbers[1], numbers[2]));
-        } else {
-            complaint = "needs X,Y,Z or hold for each end-effector, separated by '/', not '" +
-                        std::string(text) + "'";
-            return false;
-        }
+    if (!NqDriveWayPoint::parse(text, isRelative, options.wayPoints.emplace_back())) {
+        complaint = std::string("needs ") + NqDriveTarget::forms() +
+                    " for each end-effector, separated by '/', not '" + std::string(text) + "'";
+        return false;
     }
-    options.wayPoints.push_back(std::move(wayPoint));
+    return true;
+}
+
+bool readProfile(std::string_view text, Options& options, std::string& complaint) {
+    constexpr std::string_view kWords[] = {"proportional", "trapezoidal", "threehalves"};
+    const auto* word = std::find(std::begin(kWords), std::end(kWords), text);
+    if (word == std::end(kWords)) {
+        complaint = "needs trapezoidal, proportional or threehalves, not '" + std::string(text) + "'";
+        return false;
+    }
+    options.profile = static_cast<unsigned>(word - kWords);
     return true;
 }
 
@@ -105,10 +107,14 @@ struct Option {
 };
 
 constexpr Option kOptions[] = {
-    {"--target", "TARGETS", "next way point: X,Y,Z for each end-effector, in metres",
+    {"--target", "TARGETS", "next way point: a target for each end-effector",
      [](std::string_view t, Options& o, std::string& c) { return readWayPoint(t, false, o, c); }},
     {"--relative", "TARGETS", "next way point, as offsets from where the run starts",
      [](std::string_view t, Options& o, std::string& c) { return readWayPoint(t, true, o, c); }},
+    {"--targets", "FILE", "next way points, one a line of a text file",
+     [](std::string_view t, Options& o, std::string& c) {
+         return NqDriveTargetFile::read(std::string(t), o.wayPoints, c);
+     }},
     {"--start", "Q1,Q2,...", "joint positions at the start (default: middle of the ranges)",
      [](std::string_view t, Options& o, std::string& c) { return readList(t, o.start, c); }},
     {"--posture", "POSTURE", "what free joints drift to: middle (default), start, none, or Q1,Q2,...",
@@ -117,11 +123,14 @@ constexpr Option kOptions[] = {
      [](std::string_view t, Options& o, std::string& c) { return readNumber(t, 0.0, 1000.0, o.gain, c); }},
     {"--metric", "WEIGHTS", "W1,W2,... or JOINT=W,...: joints with more weight move less (default 1)",
      readMetric},
+    {"--soft-gain", "G", "how much soft end-effectors weigh against the joints (default 1000)",
+     [](std::string_view t, Options& o, std::string& c) { return readNumber(t, 0.0, 1.0e9, o.softGain, c); }},
+    {"--profile", "WORD", "trapezoidal, proportional or threehalves, for all end-effectors", readProfile},
     {"--rate", "HZ", "control steps per second (default 1000)",
      [](std::string_view t, Options& o, std::string& c) { return readNumber(t, 1.0, 100000.0, o.rate, c); }},
     {"--time", "S", "give up after this time (default 30)",
      [](std::string_view t, Options& o, std::string& c) { return readNumber(t, 0.0, 86400.0, o.time, c); }},
-    {"--tolerance", "M", "distance within which a target counts as reached (default 0.0001)",
+    {"--tolerance", "M", "m or rad within which a target counts as reached (default 0.0001)",
      [](std::string_view t, Options& o, std::string& c) { return readNumber(t, 0.0, 1.0, o.tolerance, c); }},
     {"--output", "DIR", "folder for trajectory.csv and report.html (default nqDrive-out)",
      [](std::string_view t, Options& o, std::string& c) { return readName(t, o.output, c); }},
@@ -186,14 +195,14 @@ NqDriveOptions::Request NqDriveOptions::parse(int argc, const char* const* argv,
     options.model = files[0];
     options.endEffectors = files[1];
     if (options.wayPoints.empty()) {
-        complaint = "no target: give at least one --target X,Y,Z or --relative X,Y,Z (see nqDrive --help)";
+        complaint = "no target: give at least one --target, --relative or --targets (see nqDrive --help)";
         return Request::Refused;
     }
     return Request::Run;
 }
 
 std::string NqDriveOptions::help() {
-    std::string text = R"(usage: nqDrive MODEL.urdf ENDEFFECTORS.xml --target X,Y,Z [options]
+    std::string text = R"(usage: nqDrive MODEL.urdf ENDEFFECTORS.xml --target TARGETS [options]
 
 Drives the end-effectors of a robot to targets: reads the robot and the end-effectors, runs the control loop, and
 writes trajectory.csv and report.html.
@@ -205,9 +214,21 @@ writes trajectory.csv and report.html.
     }
     text += "  " + NqDriveText::padded("--help, --version", 22) + "this text; the version\n";
     return text + R"(
-Targets are given for the end-effectors in the order of their file, separated by "/": 0.4,0.1,0.5/0.2,0,0.3 for two.
-"hold" instead of numbers keeps an end-effector where it was last sent. The target options may be given several
-times; the way points are driven to one after the other.
+Targets are given for the end-effectors in the order of their file, separated by "/". By the kind of the
+end-effector a target is
+  X,Y,Z           a point, in m
+  X,Y,Z@RX,RY,RZ  a frame: the point, and behind the "@" its orientation as a rotation about the axis (RX,RY,RZ) by
+                  as many degrees as it is long: @0,90,0 is turned by 90 degrees about y. One of the two may be
+                  left out: it then stays as it was at the start.
+  @RX,RY,RZ       an orientation
+  NUMBER          a distance in m, an angle in rad, a sum of joint positions
+  hold            any: where it was last sent
+Where an end-effector has a relative link, its target is in the frame of that link. With --relative, offsets are
+along and rotations about the axes of that frame or of the system. The target options may be given several times;
+the way points are driven to one after the other. In a file "relative" stands before offsets, and "#" before
+comments.
+Soft end-effectors (isHardConstraint false) come as near to their targets as the hard ones leave them room; their
+way points count as reached when they come no nearer.
 Positions and rates are in rad and rad/s, of linear joints in m and m/s.
 
 Exit status: 0 when all targets were reached, 1 when they were not, 2 for bad usage or input.
@@ -215,6 +236,7 @@ Exit status: 0 when all targets were reached, 1 when they were not, 2 for bad us
 Examples:
   nqDrive models/arm7.urdf models/arm7.endeffectors.xml --relative 0.1,0.2,-0.1
   nqDrive models/arm7.urdf models/arm7.endeffectors.xml --target 0.5,0.2,0.4 --target 0.5,-0.2,0.4 --posture start
+  nqDrive models/arm7.urdf models/arm7.frame.endeffectors.xml --relative 0.1,0.2,-0.1@0,0,45/hold
   nqDrive models/arm6.urdf models/arm6.endeffectors.xml --relative 0,0.1,0 --relative 0,0,0 --output out --svg run.svg
 )";
 }

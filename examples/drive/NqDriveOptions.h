@@ -1,29 +1,25 @@
 #pragma once
 
-#include <nqControlCore/foundation/math/NqVector.h>
+#include "NqDriveTarget.h"
 
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 /// What the user asks of a run, as the command line says it: nothing is checked against a model yet.
 struct NqDriveOptions {
-    /// A target for each end-effector; an empty one keeps the target that the end-effector has.
-    struct WayPoint {
-        bool isRelative = false; ///< targets are offsets from the placement at the start
-        std::vector<std::optional<NqVector>> targets;
-    };
     enum class Posture { Middle, Start, None, Given };
     enum class Request { Run, Help, Version, Refused };
 
     std::string model;
     std::string endEffectors;
-    std::vector<WayPoint> wayPoints;
-    double rate = 1000.0;      ///< control steps per second
-    double time = 30.0;        ///< s
-    double tolerance = 1.0e-4; ///< m
-    double gain = 1.0;         ///< of the gradient towards the posture, 1/s
+    std::vector<NqDriveWayPoint> wayPoints;
+    double rate = 1000.0;                ///< control steps per second
+    double time = 30.0;                  ///< s
+    double tolerance = 1.0e-4;           ///< m, and rad
+    double gain = 1.0;                   ///< of the gradient towards the posture, 1/s
+    double softGain = 1000.0;            ///< times the error weights of soft constraints
+    std::optional<unsigned int> profile; ///< filtering mode; none: as in the file
     Posture posture = Posture::Middle;
     std::vector<double> givenPosture;
     std::vector<double> start;  ///< empty: the middle of the joint ranges

@@ -3,9 +3,11 @@
 #include "NqArmSketch.h"
 #include "NqDriveOptions.h"
 #include "NqDriveRecorder.h"
+#include "NqDriveTargetKind.h"
 
 #include <nqControlCore/foundation/manipulator/NqJointDescription.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -25,9 +27,18 @@ struct NqDriveRecord {
 
     struct EndEffector {
         std::string name;
-        double speedLimit = std::numeric_limits<double>::infinity();
+        NqDriveTargetKind kind;
+        bool isHard = true;
+    };
+
+    /// A part of an end-effector's motion.
+    struct Part {
+        std::size_t endEffector = 0;
+        NqDriveTargetKind::Part limits;
+        std::string name;   ///< of the end-effector and, if it has several, the part
         double error = 0.0; ///< at the end
         double peakSpeed = 0.0;
+        double peakAcceleration = 0.0; ///< above creeping speed (see isCreeping)
         double pathLength = 0.0;
     };
 
@@ -43,8 +54,8 @@ struct NqDriveRecord {
     };
 
     struct WayPoint {
-        std::vector<NqVector> targets; ///< for each end-effector, in the system frame
-        std::vector<double> positions; ///< joint positions when it was reached
+        std::vector<std::string> targets;                       ///< for each end-effector, as it is written
+        std::vector<double> positions;                          ///< joint positions when it was reached
         double time = std::numeric_limits<double>::quiet_NaN(); ///< when it was reached, s
         bool isReached() const { return !std::isnan(time); }
     };
@@ -65,13 +76,31 @@ struct NqDriveRecord {
     double leastDeterminantTime = 0.0;
     double greatestDeterminant = 0.0; ///< by magnitude
     std::vector<EndEffector> endEffectors;
+    std::vector<Part> parts; ///< of all end-effectors, in the order of NqDriveLoop::parts
     std::vector<Joint> joints;
     std::vector<WayPoint> wayPoints;
     NqArmSketch sketch;
 
     bool isReached() const { return outcome == Outcome::Reached; }
-    /// Whether the arm came so near to a singular posture that its rates were hardly determined.
-    bool isNearlySingular() const { return leastDeterminant <= 1.0e-3 * greatestDeterminant; }
+    bool hasSoftEndEffectors() const {
+        return std::any_of(endEffectors.begin(), endEffectors.end(),
+                           [](const EndEffector& endEffector) { return !endEffector.isHard; });
+    }
+    /// The units of the parts, each once.
+    std::vector<std::string> units() const {
+        std::vector<std::string> units;
+        for (const Part& part : parts) {
+            if (std::find(units.begin(), units.end(), part.limits.unit) == units.end()) {
+                units.push_back(part.limits.unit);
+            }
+        }
+        return units;
+    }
+    /// Whether the arm came so near to a singular posture that its rates were hardly determined. Soft
+    /// end-effectors make the determinant vary with the posture in other ways too, so it tells nothing then.
+    bool isNearlySingular() const {
+        return !hasSoftEndEffectors() && leastDeterminant <= 1.0e-3 * greatestDeterminant;
+    }
 };
 
 inline const char* nqPositionUnit(const NqJointDescription& joint) {
@@ -79,4 +108,9 @@ inline const char* nqPositionUnit(const NqJointDescription& joint) {
 }
 inline const char* nqRateUnit(const NqJointDescription& joint) {
     return joint.type() == NqJointDescription::Prismatic ? "m/s" : "rad/s";
+}
+
+/// A unit over time: "m/s", "rad/s²".
+inline std::string nqPerSecond(const std::string& unit, int power = 1) {
+    return (unit.empty() ? "1" : unit) + (power == 1 ? "/s" : "/s²");
 }

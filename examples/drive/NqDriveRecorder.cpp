@@ -2,8 +2,9 @@
 
 #include <algorithm>
 
-NqDriveRecorder::NqDriveRecorder(std::size_t joints, std::size_t endEffectors, std::size_t capacity)
-    : m_Joints(joints), m_EndEffectors(endEffectors), m_Width(effectorColumn(endEffectors)),
+NqDriveRecorder::NqDriveRecorder(std::size_t joints, std::size_t endEffectors, std::size_t parts,
+                                 std::size_t capacity)
+    : m_Joints(joints), m_EndEffectors(endEffectors), m_Parts(parts), m_Width(partColumn(parts)),
       m_Capacity(std::max<std::size_t>(capacity, 2)), m_Table(m_Capacity * m_Width) {}
 
 void NqDriveRecorder::add(const Sample& sample, bool isKept) {
@@ -23,16 +24,23 @@ void NqDriveRecorder::add(const Sample& sample, bool isKept) {
     out = std::copy_n(sample.rates, m_Joints, out);
     for (std::size_t e = 0; e < m_EndEffectors; ++e) {
         for (unsigned i = 0; i < 3; ++i) {
-            *out++ = sample.points[e][i];
+            *out++ = sample.placements[e].translation()[i];
         }
-        *out++ = sample.errors[e];
-        *out++ = sample.speeds[e];
+        sample.placements[e].orientation().getQuaternion(out[0], out[1], out[2], out[3]);
+        out += 4;
+    }
+    for (std::size_t p = 0; p < m_Parts; ++p) {
+        *out++ = sample.errors[p];
+        *out++ = sample.speeds[p];
+        *out++ = sample.accelerations[p];
     }
 }
 
-NqVector NqDriveRecorder::point(std::size_t row, std::size_t endEffector) const {
-    const std::size_t column = effectorColumn(endEffector);
-    return {at(row, column), at(row, column + 1), at(row, column + 2)};
+NqCoordinateSystemTransformation NqDriveRecorder::placement(std::size_t row, std::size_t endEffector) const {
+    const double* numbers = &m_Table[row * m_Width + effectorColumn(endEffector)];
+    NqOrientation orientation;
+    orientation.setFromQuaternion(numbers[3], numbers[4], numbers[5], numbers[6]);
+    return {NqVector(numbers[0], numbers[1], numbers[2]), orientation};
 }
 
 void NqDriveRecorder::thin() {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <nqControlCore/foundation/math/NqVector.h>
+#include <nqControlCore/foundation/math/NqCoordinateSystemTransformation.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -10,7 +10,8 @@
 /// only every second step is kept. Nothing is allocated after construction.
 class NqDriveRecorder {
 public:
-    /// One row; the vectors have an entry for each joint, or for each end-effector.
+    /// One row; the vectors have an entry for each joint, for each end-effector, or for each part of their
+    /// motion.
     struct Sample {
         double time = 0.0;        ///< s
         double wayPoint = 0.0;    ///< number of the way point that is driven to, from 1
@@ -18,12 +19,14 @@ public:
         double slowing = 1.0;     ///< share of the commanded step that was made
         const double* positions;  ///< rad or m
         const double* rates;      ///< rad/s or m/s
-        const NqVector* points;   ///< placement's translation in the system frame, m
-        const double* errors;     ///< left to the target
-        const double* speeds;     ///< of the end-effector
+        const NqCoordinateSystemTransformation* placements; ///< in the system frame
+        const double* errors;                               ///< left to the target
+        const double* speeds;
+        const double* accelerations;
     };
 
-    NqDriveRecorder(std::size_t joints, std::size_t endEffectors, std::size_t capacity = 16384);
+    NqDriveRecorder(std::size_t joints, std::size_t endEffectors, std::size_t parts,
+                    std::size_t capacity = 16384);
 
     /// Takes up a step, or leaves it out while the table is thinned; `isKept` takes it up all the same.
     void add(const Sample& sample, bool isKept = false);
@@ -40,13 +43,13 @@ public:
     double slowing(std::size_t row) const { return at(row, 3); }
     double position(std::size_t row, std::size_t joint) const { return at(row, kHead + joint); }
     double rate(std::size_t row, std::size_t joint) const { return at(row, kHead + m_Joints + joint); }
-    NqVector point(std::size_t row, std::size_t endEffector) const;
-    double error(std::size_t row, std::size_t endEffector) const {
-        return at(row, effectorColumn(endEffector) + 3);
+    NqCoordinateSystemTransformation placement(std::size_t row, std::size_t endEffector) const;
+    NqVector point(std::size_t row, std::size_t endEffector) const {
+        return placement(row, endEffector).translation();
     }
-    double speed(std::size_t row, std::size_t endEffector) const {
-        return at(row, effectorColumn(endEffector) + 4);
-    }
+    double error(std::size_t row, std::size_t part) const { return at(row, partColumn(part)); }
+    double speed(std::size_t row, std::size_t part) const { return at(row, partColumn(part) + 1); }
+    double acceleration(std::size_t row, std::size_t part) const { return at(row, partColumn(part) + 2); }
 
     /// One quantity over all rows: `column(&NqDriveRecorder::rate, 2)`.
     template <typename... Index>
@@ -61,16 +64,21 @@ public:
 
 private:
     static constexpr std::size_t kHead = 4;
-    static constexpr std::size_t kPerEffector = 5;
+    static constexpr std::size_t kPerEffector = 7;
+    static constexpr std::size_t kPerPart = 3;
 
     std::size_t effectorColumn(std::size_t endEffector) const {
         return kHead + 2 * m_Joints + kPerEffector * endEffector;
+    }
+    std::size_t partColumn(std::size_t part) const {
+        return effectorColumn(m_EndEffectors) + kPerPart * part;
     }
     double at(std::size_t row, std::size_t column) const { return m_Table[row * m_Width + column]; }
     void thin();
 
     std::size_t m_Joints;
     std::size_t m_EndEffectors;
+    std::size_t m_Parts;
     std::size_t m_Width;
     std::size_t m_Capacity;
     std::vector<double> m_Table;

@@ -9,12 +9,12 @@
 using NqDriveText::escaped;
 using NqDriveText::fixed;
 using NqDriveText::significant;
-using NqDriveText::triple;
 
 namespace {
 
 constexpr double kPageWidth = 1000.0;
 constexpr double kHalfWidth = 490.0;
+constexpr double kThirdWidth = 326.0;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 constexpr std::string_view kPageStyle = R"(
@@ -34,6 +34,7 @@ figure{margin:12px 0 0;break-inside:avoid}
 figure svg{display:block;width:100%;height:auto}
 figcaption,.small{color:var(--muted);font-size:13px}
 .two{display:grid;grid-template-columns:repeat(2,minmax(0,1fr));column-gap:20px}
+.three{display:grid;grid-template-columns:repeat(3,minmax(0,1fr));column-gap:11px}
 table{border-collapse:collapse;width:100%;font-size:13.5px;font-variant-numeric:tabular-nums;break-inside:auto}
 .scroll{overflow-x:auto}
 tr{break-inside:avoid}
@@ -47,7 +48,7 @@ td:last-child,th:last-child{padding-right:0}
 .facts td:first-child{color:var(--muted);white-space:nowrap;width:1%}
 .facts td{overflow-wrap:anywhere}
 footer{margin-top:44px;padding-top:12px;border-top:1px solid var(--faint);color:var(--muted);font-size:13px}
-@media (max-width:640px){main{padding:24px 16px}.two{grid-template-columns:minmax(0,1fr)}}
+@media (max-width:640px){main{padding:24px 16px}.two,.three{grid-template-columns:minmax(0,1fr)}}
 @page{size:A4;margin:14mm 13mm}
 @media print{main{max-width:none;padding:0}body{font-size:10pt}h1{font-size:20pt}h2{margin-top:20px}
 .verdict{font-size:11pt}table{font-size:8.5pt}td,th{padding-right:8px}.small{font-size:8.5pt}.scroll{overflow:visible}}
@@ -105,31 +106,72 @@ NqSvgPlot NqDriveReport::prepared(double width, double height, const std::string
     return plot;
 }
 
-NqSvgPlot NqDriveReport::errorPlot(double width, double height) const {
-    NqSvgPlot plot = prepared(width, height, "Distance to target", "m");
-    plot.setLogarithmic(0.1 * m_Record.options.tolerance);
-    for (std::size_t e = 0; e < m_Record.endEffectors.size(); ++e) {
-        plot.addCurve(m_Times, m_Recorder.column(&NqDriveRecorder::error, e), e,
-                      m_Record.endEffectors.size() > 1 ? m_Record.endEffectors[e].name : "");
+void NqDriveReport::addCurves(NqSvgPlot& plot, const std::string* unit, Quantity quantity,
+                              double NqDriveTargetKind::Part::*fullScale) const {
+    const auto isShown = [&](const NqDriveRecord::Part& part) { return !unit || part.limits.unit == *unit; };
+    const auto shown = std::count_if(m_Record.parts.begin(), m_Record.parts.end(), isShown);
+    for (std::size_t p = 0; p < m_Record.parts.size(); ++p) {
+        const NqDriveRecord::Part& part = m_Record.parts[p];
+        if (isShown(part)) {
+            std::vector<double> values = m_Recorder.column(quantity, p);
+            if (fullScale) {
+                for (double& value : values) {
+                    value /= part.limits.*fullScale;
+                }
+            }
+            plot.addCurve(m_Times, values, p, shown > 1 ? part.name : "");
+        }
     }
-    plot.addLevel(m_Record.options.tolerance,
-                  "tolerance " + significant(m_Record.options.tolerance, 3) + " m");
+}
+
+NqSvgPlot NqDriveReport::errorPlot(const std::string* unit, double width, double height) const {
+    std::string units = unit ? *unit : "";
+    if (!unit) {
+        for (const std::string& each : m_Record.units()) {
+            units += (units.empty() || each.empty() ? "" : ", ") + each;
+        }
+    }
+    const double tolerance = m_Record.options.tolerance;
+    NqSvgPlot plot = prepared(width, height, "Distance to target", units);
+    plot.setLogarithmic(0.1 * tolerance);
+    addCurves(plot, unit, &NqDriveRecorder::error, nullptr);
+    plot.addLevel(tolerance, "tolerance " + significant(tolerance, 3) + (unit ? " " + units : ""));
     return plot;
 }
 
-NqSvgPlot NqDriveReport::speedPlot(double width, double height) const {
-    NqSvgPlot plot = prepared(width, height, "Speed", "m/s");
+NqSvgPlot NqDriveReport::limitedPlot(const std::string& unit, const std::string& title, int power,
+                                     Quantity quantity, double NqDriveTargetKind::Part::*limit, double width,
+                                     double height) const {
+    NqSvgPlot plot = prepared(width, height, title, nqPerSecond(unit, power));
+    addCurves(plot, &unit, quantity, nullptr);
     std::vector<double> limits;
-    for (std::size_t e = 0; e < m_Record.endEffectors.size(); ++e) {
-        plot.addCurve(m_Times, m_Recorder.column(&NqDriveRecorder::speed, e), e,
-                      m_Record.endEffectors.size() > 1 ? m_Record.endEffectors[e].name : "");
-        limits.push_back(m_Record.endEffectors[e].speedLimit);
+    for (const NqDriveRecord::Part& part : m_Record.parts) {
+        if (part.limits.unit == unit) {
+            limits.push_back(part.limits.*limit);
+        }
     }
     std::sort(limits.begin(), limits.end());
     limits.erase(std::unique(limits.begin(), limits.end()), limits.end());
-    for (const double limit : limits) {
-        plot.addLimits(-kInfinity, limit, "m/s", false);
+    for (const double each : limits) {
+        plot.addLimits(-kInfinity, each, nqPerSecond(unit, power), false);
     }
+    return plot;
+}
+
+NqSvgPlot NqDriveReport::speedPlot(const std::string& unit, double width, double height) const {
+    return limitedPlot(unit, "Speed", 1, &NqDriveRecorder::speed, &NqDriveTargetKind::Part::speedLimit, width,
+                       height);
+}
+
+NqSvgPlot NqDriveReport::accelerationPlot(const std::string& unit, double width, double height) const {
+    return limitedPlot(unit, "Acceleration", 2, &NqDriveRecorder::acceleration,
+                       &NqDriveTargetKind::Part::accelerationLimit, width, height);
+}
+
+NqSvgPlot NqDriveReport::speedSharePlot(double width, double height) const {
+    NqSvgPlot plot = prepared(width, height, "Speed", "as a share of its limit");
+    addCurves(plot, nullptr, &NqDriveRecorder::speed, &NqDriveTargetKind::Part::speedLimit);
+    plot.addLevel(1.0, "limit");
     return plot;
 }
 
@@ -197,10 +239,13 @@ std::string NqDriveReport::runTable() const {
     fact("Robot",
          m_Record.robot + ", " + std::to_string(m_Record.joints.size()) + " joints (" + options.model + ")");
     fact("End-effectors", std::to_string(m_Record.endEffectors.size()) + " (" + options.endEffectors + ")");
+    if (m_Record.hasSoftEndEffectors()) {
+        fact("Soft gain", significant(options.softGain, 4) + " times the error weights");
+    }
     fact("Control rate", significant(options.rate, 6) + " Hz, " + std::to_string(m_Record.steps) + " steps");
     fact("Time", fixed(m_Record.time, 3) + " s of at most " + significant(options.time, 6) +
                      " s; computed in " + fixed(m_Record.wallTime, 3) + " s");
-    fact("Tolerance", significant(options.tolerance, 4) + " m");
+    fact("Tolerance", significant(options.tolerance, 4) + " m or rad");
     fact("Posture", options.postureText() + (options.posture == NqDriveOptions::Posture::None
                                                  ? ""
                                                  : ": " + listText(m_Record.posture) + "; gain " +
@@ -220,16 +265,14 @@ std::string NqDriveReport::runTable() const {
 std::string NqDriveReport::wayPointTable() const {
     std::string out =
         "<div class=\"scroll\"><table><thead>\n" +
-        tableRow({{"Way point", false}, {"End-effector", false}, {"Target x, y, z / m"}, {"Reached at / s"}},
-                 "th") +
+        tableRow({{"Way point", false}, {"End-effector", false}, {"Target"}, {"Reached at / s"}}, "th") +
         "</thead><tbody>\n";
     for (std::size_t i = 0; i < m_Record.wayPoints.size(); ++i) {
         const auto& wayPoint = m_Record.wayPoints[i];
         for (std::size_t e = 0; e < wayPoint.targets.size(); ++e) {
-            const NqVector& target = wayPoint.targets[e];
             out += tableRow({{std::to_string(i + 1), false},
                              {m_Record.endEffectors[e].name, false},
-                             {triple(target.x(), target.y(), target.z())},
+                             {wayPoint.targets[e]},
                              {wayPoint.isReached() ? fixed(wayPoint.time, 3) : "not reached"}},
                             "td");
         }
@@ -240,21 +283,47 @@ std::string NqDriveReport::wayPointTable() const {
 std::string NqDriveReport::endEffectorTable() const {
     std::string out = "<div class=\"scroll\"><table><thead>\n" +
                       tableRow({{"End-effector", false},
-                                {"Distance left / m"},
-                                {"Fastest / m/s"},
-                                {"Limit / m/s"},
-                                {"Path / m"}},
+                                {"Unit", false},
+                                {"Distance left"},
+                                {"Path"},
+                                {"Fastest"},
+                                {"Limit"},
+                                {"Acceleration"},
+                                {"Limit"}},
                                "th") +
                       "</thead><tbody>\n";
-    for (const auto& endEffector : m_Record.endEffectors) {
-        out += tableRow({{endEffector.name, false},
-                         {significant(endEffector.error, 3)},
-                         {fixed(endEffector.peakSpeed, 3)},
-                         {limitText(endEffector.speedLimit, 3)},
-                         {fixed(endEffector.pathLength, 3)}},
-                        "td");
+    for (const auto& part : m_Record.parts) {
+        out +=
+            tableRow({{part.name + (m_Record.endEffectors[part.endEffector].isHard ? "" : " (soft)"), false},
+                      {part.limits.unit, false},
+                      {significant(part.error, 3)},
+                      {fixed(part.pathLength, 3)},
+                      {fixed(part.peakSpeed, 3)},
+                      {limitText(part.limits.speedLimit, 3)},
+                      {fixed(part.peakAcceleration, 3)},
+                      {limitText(part.limits.accelerationLimit, 3)}},
+                     "td");
     }
     return out + "</tbody></table></div>\n";
+}
+
+std::string NqDriveReport::endEffectorFigures() const {
+    std::string out;
+    for (const std::string& unit : m_Record.units()) {
+        out += "<div class=\"three\">" +
+               figure(errorPlot(&unit, kThirdWidth, 250.0), "Distance to target over time") +
+               figure(speedPlot(unit, kThirdWidth, 250.0), "Speed over time") +
+               figure(accelerationPlot(unit, kThirdWidth, 250.0), "Acceleration over time") + "</div>\n";
+    }
+    return out +
+           "<p class=\"small\">Dotted upright lines: a way point was reached, with its number. In the table "
+           "accelerations count above creeping speed: the motion filters end a move in a step or two, "
+           "whatever that takes." +
+           (m_Record.hasSoftEndEffectors()
+                ? " Soft end-effectors follow their filters as far as the hard ones "
+                  "leave them room."
+                : "") +
+           "</p>\n";
 }
 
 std::string NqDriveReport::jointTable() const {
@@ -305,16 +374,15 @@ std::string NqDriveReport::html() const {
                       escaped(m_Record.verdict) + "</p>\n";
     out += runTable();
 
-    out += "<h2>The arm</h2>\n" +
-           figure(kPageWidth, 540.0, armFigure(), "The arm at the start, at the way points and at the end") +
-           "<p class=\"small\">Hollow: start. Thin: at the way points. Thick: end. Faint: in between, at "
-           "equal times. "
-           "Crosses: targets. Lines: paths of the end-effectors. Squares are linear joints.</p>\n";
+    out +=
+        "<h2>The arm</h2>\n" +
+        figure(kPageWidth, 540.0, armFigure(), "The arm at the start, at the way points and at the end") +
+        "<p class=\"small\">Hollow: start. Thin: at the way points. Thick: end. Faint: in between, at "
+        "equal times. "
+        "Crosses: targets. Lines: paths of the end-effectors. Squares are linear joints. Dashed: a distance "
+        "that is constrained.</p>\n";
 
-    out += "<h2>End-effectors</h2>\n" + endEffectorTable() + "<div class=\"two\">" +
-           figure(errorPlot(kHalfWidth, 280.0), "Distance to target over time") +
-           figure(speedPlot(kHalfWidth, 280.0), "Speed over time") +
-           "</div>\n<p class=\"small\">Dotted upright lines: a way point was reached, with its number.</p>\n";
+    out += "<h2>End-effectors</h2>\n" + endEffectorTable() + endEffectorFigures();
     out += "<h2>Way points</h2>\n" + wayPointTable();
 
     out += "<h2>Joints</h2>\n" + jointTable() + "<div class=\"two\">";
@@ -339,8 +407,10 @@ std::string NqDriveReport::svg() const {
     std::string elements = NqSvg::text({28.0, 38.0}, "start", "heading", m_Record.robot) +
                            NqSvg::text({28.0, 58.0}, "start", "sub", m_Record.verdict);
     elements += arm.drawn(NqStickFigure::View::Oblique, {10.0, 62.0}, 600.0, 500.0);
-    elements += errorPlot(440.0, 175.0).drawn({620.0, 24.0});
-    elements += speedPlot(440.0, 175.0).drawn({620.0, 206.0});
+    const std::vector<std::string> units = m_Record.units();
+    elements += errorPlot(units.size() == 1 ? &units[0] : nullptr, 440.0, 175.0).drawn({620.0, 24.0});
+    elements += (units.size() == 1 ? speedPlot(units[0], 440.0, 175.0) : speedSharePlot(440.0, 175.0))
+                    .drawn({620.0, 206.0});
     elements += loadPlot(440.0, 175.0).drawn({620.0, 388.0});
     return NqSvg::document(1080.0, 580.0, m_Record.robot + ": " + m_Record.verdict, elements);
 }

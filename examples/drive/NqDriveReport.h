@@ -18,8 +18,16 @@ public:
 
 private:
     NqSvgPlot prepared(double width, double height, const std::string& title, const std::string& unit) const;
-    NqSvgPlot errorPlot(double width, double height) const;
-    NqSvgPlot speedPlot(double width, double height) const;
+    /// A quantity of the parts of a unit, or of all parts where none is given.
+    using Quantity = double (NqDriveRecorder::*)(std::size_t row, std::size_t part) const;
+    void addCurves(NqSvgPlot& plot, const std::string* unit, Quantity quantity,
+                   double NqDriveTargetKind::Part::*fullScale) const;
+    NqSvgPlot errorPlot(const std::string* unit, double width, double height) const;
+    NqSvgPlot limitedPlot(const std::string& unit, const std::string& title, int power, Quantity quantity,
+                          double NqDriveTargetKind::Part::*limit, double width, double height) const;
+    NqSvgPlot speedPlot(const std::string& unit, double width, double height) const;
+    NqSvgPlot accelerationPlot(const std::string& unit, double width, double height) const;
+    NqSvgPlot speedSharePlot(double width, double height) const;
     NqSvgPlot positionPlot(std::size_t joint, double width, double height) const;
     NqSvgPlot ratePlot(std::size_t joint, double width, double height) const;
     NqSvgPlot loadPlot(double width, double height) const;
@@ -30,6 +38,7 @@ private:
     std::string runTable() const;
     std::string wayPointTable() const;
     std::string endEffectorTable() const;
+    std::string endEffectorFigures() const;
     std::string jointTable() const;
 
     const NqDriveRecord& m_Record;

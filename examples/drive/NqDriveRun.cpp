@@ -16,7 +16,9 @@ namespace {
 
 /// Without a lower largest error for this long, in seconds of the run, the arm counts as stuck.
 constexpr double kPatience = 2.0;
-/// What counts as lower: this share of the tolerance.
+/// Soft end-effectors count as having come as near as they can when for this long they came no nearer.
+constexpr double kSoftPatience = 0.5;
+/// What counts as lower, or nearer: this share of the tolerance.
 constexpr double kLeastProgress = 0.1;
 /// At the last way point the end-effectors must also be at rest: slower than this many tolerances per second.
 constexpr double kRestSpeed = 10.0;
@@ -25,17 +27,19 @@ constexpr std::size_t kPosturesBetween = 12;
 /// Points of an end-effector's path that are handed on for drawing.
 constexpr std::size_t kPathPoints = 1500;
 
-std::string inQuotes(const std::string& text) {
-    return "'" + text + "'";
+/// Whether a part is so slow that a motion filter on its way to a stop minds its acceleration no longer.
+bool isCreeping(const NqDriveTargetKind::Part& part, double speed, double timeStep) {
+    return speed < 2.0 * part.approach * timeStep;
 }
 
 } // namespace
 
 NqDriveRun::NqDriveRun(const NqDriveTask& task)
     : m_Task(task), m_Loop(task.manipulator(), task.endEffectors(), 1.0 / task.options().rate),
-      m_Recorder(m_Loop.joints(), m_Loop.endEffectors()) {
+      m_Recorder(m_Loop.joints(), m_Loop.endEffectors(), m_Loop.parts().size()) {
     m_Loop.setMetric(task.metric());
     m_Loop.setPosture(task.posture(), task.options().gain);
+    m_Loop.setSoftGain(task.options().softGain);
     m_Loop.setPositions(task.start());
 
     m_Record.options = task.options();
@@ -43,11 +47,15 @@ NqDriveRun::NqDriveRun(const NqDriveTask& task)
     m_Record.notes = task.notes();
     m_Record.metric = task.metric();
     m_Record.posture = task.posture();
-    m_Record.endEffectors.resize(m_Loop.endEffectors());
     for (std::size_t e = 0; e < m_Loop.endEffectors(); ++e) {
-        m_Record.endEffectors[e].name = task.endEffectorNames()[e];
-        m_Record.endEffectors[e].speedLimit =
-            m_Loop.endEffector(e).motionThreshold() * m_Loop.endEffector(e).speedFactor();
+        m_Record.endEffectors.push_back({task.endEffectorNames()[e], m_Loop.kind(e), m_Loop.isHard(e)});
+    }
+    for (const NqDriveLoop::Part& part : m_Loop.parts()) {
+        std::string name = task.endEffectorNames()[part.endEffector];
+        if (m_Loop.kind(part.endEffector).parts().size() > 1) {
+            name += part.part.isAngular ? ", angular" : ", linear";
+        }
+        m_Record.parts.push_back({part.endEffector, part.part, name});
     }
     m_Record.joints.resize(m_Loop.joints());
     for (unsigned j = 0; j < m_Loop.joints(); ++j) {
@@ -58,16 +66,39 @@ NqDriveRun::NqDriveRun(const NqDriveTask& task)
     for (const auto& targets : task.targets()) {
         NqDriveRecord::WayPoint& wayPoint = m_Record.wayPoints.emplace_back();
         wayPoint.positions.resize(m_Loop.joints());
-        for (const NqEndEffectorPlacement& target : targets) {
-            wayPoint.targets.push_back(target.coordSysXForm().translation());
+        for (std::size_t e = 0; e < targets.size(); ++e) {
+            wayPoint.targets.push_back(m_Loop.kind(e).text(targets[e]));
         }
     }
-    m_LastPoints = m_Loop.points();
+}
+
+bool NqDriveRun::isHard(std::size_t part) const {
+    return m_Loop.isHard(m_Loop.parts()[part].endEffector);
 }
 
 std::size_t NqDriveRun::farthest() const {
-    const auto& errors = m_Loop.errors();
-    return static_cast<std::size_t>(std::max_element(errors.begin(), errors.end()) - errors.begin());
+    std::size_t farthest = 0;
+    for (std::size_t p = 1; p < m_Loop.parts().size(); ++p) {
+        const bool isFarther = m_Loop.errors()[p] > m_Loop.errors()[farthest];
+        if (isHard(p) == isHard(farthest) ? isFarther : isHard(p)) {
+            farthest = p;
+        }
+    }
+    return farthest;
+}
+
+double NqDriveRun::hardError() const {
+    const std::size_t p = farthest();
+    return isHard(p) ? m_Loop.errors()[p] : 0.0;
+}
+
+/// Root of the sum of the squares, as the solver has it but for the weights.
+double NqDriveRun::softError() const {
+    double sum = 0.0;
+    for (std::size_t p = 0; p < m_Loop.parts().size(); ++p) {
+        sum += isHard(p) ? 0.0 : m_Loop.errors()[p] * m_Loop.errors()[p];
+    }
+    return std::sqrt(sum);
 }
 
 void NqDriveRun::execute(Watcher& watcher) {
@@ -120,26 +151,40 @@ void NqDriveRun::startWayPoint() {
     for (std::size_t e = 0; e < m_Loop.endEffectors(); ++e) {
         m_Loop.setTarget(e, m_Task.targets()[m_WayPoint][e]);
     }
-    m_BestError = m_Loop.errors()[farthest()];
-    m_BestTime = m_Loop.time();
+    m_BestError = hardError();
+    m_BestSoftError = softError();
+    m_BestTime = m_BestSoftTime = m_Loop.time();
 }
 
 bool NqDriveRun::isWayPointReached() const {
     const double tolerance = m_Task.options().tolerance;
     const bool isLast = m_WayPoint + 1 == m_Record.wayPoints.size();
-    return std::all_of(m_Loop.errors().begin(), m_Loop.errors().end(),
-                       [&](double error) { return error <= tolerance; }) &&
-           (!isLast || std::all_of(m_Loop.speeds().begin(), m_Loop.speeds().end(),
-                                   [&](double speed) { return speed <= kRestSpeed * tolerance; }));
+    const bool isSoftSettled = m_Loop.time() - m_BestSoftTime > kSoftPatience;
+    for (std::size_t p = 0; p < m_Loop.parts().size(); ++p) {
+        const bool isNear = m_Loop.errors()[p] <= tolerance;
+        const bool isAtRest = !isLast || m_Loop.speeds()[p] <= kRestSpeed * tolerance;
+        if (!(isNear && isAtRest) && (isHard(p) || !isSoftSettled)) {
+            return false;
+        }
+    }
+    return true;
 }
 
+/// Whether the end-effectors have come no nearer for a while: the hard ones or, once these are there, the
+/// soft ones, which until then may have had to give way.
 bool NqDriveRun::isStalled() {
-    const double error = m_Loop.errors()[farthest()];
-    if (error < m_BestError - kLeastProgress * m_Task.options().tolerance) {
-        m_BestError = error;
+    const double tolerance = m_Task.options().tolerance;
+    const bool isOnTheWay = hardError() > tolerance;
+    if (hardError() < m_BestError - kLeastProgress * tolerance) {
+        m_BestError = hardError();
         m_BestTime = m_Loop.time();
     }
-    return m_Loop.time() - m_BestTime > kPatience;
+    if (isOnTheWay || softError() < m_BestSoftError - kLeastProgress * tolerance) {
+        m_BestSoftError = softError();
+        m_BestSoftTime = m_Loop.time();
+    }
+    const double since = isOnTheWay ? m_BestTime : std::max(m_BestTime, m_BestSoftTime);
+    return m_Loop.time() - since > kPatience;
 }
 
 /// What the summary needs of every step, recorded or not.
@@ -152,12 +197,14 @@ void NqDriveRun::noteStep() {
         joint.greatest = std::max(joint.greatest, joint.end);
         joint.peakRate = std::max(joint.peakRate, std::abs(m_Loop.rates()[j]));
     }
-    for (std::size_t e = 0; e < m_Record.endEffectors.size(); ++e) {
-        NqDriveRecord::EndEffector& endEffector = m_Record.endEffectors[e];
-        endEffector.error = m_Loop.errors()[e];
-        endEffector.peakSpeed = std::max(endEffector.peakSpeed, m_Loop.speeds()[e]);
-        endEffector.pathLength += (m_Loop.points()[e] - m_LastPoints[e]).mag();
-        m_LastPoints[e] = m_Loop.points()[e];
+    for (std::size_t p = 0; p < m_Record.parts.size(); ++p) {
+        NqDriveRecord::Part& part = m_Record.parts[p];
+        const double speed = m_Loop.speeds()[p];
+        part.peakSpeed = std::max(part.peakSpeed, speed);
+        part.pathLength += speed * timeStep;
+        if (!isCreeping(part.limits, speed, timeStep)) {
+            part.peakAcceleration = std::max(part.peakAcceleration, m_Loop.accelerations()[p]);
+        }
     }
     if (m_Loop.brake() != NqDriveLoop::Brake::None) {
         const unsigned joint = m_Loop.brakingJoint();
@@ -181,7 +228,8 @@ void NqDriveRun::noteStep() {
 void NqDriveRun::noteSample(bool isKept) {
     m_Recorder.add({m_Loop.time(), static_cast<double>(m_WayPoint + 1), m_Loop.determinant(),
                     m_Loop.slowing(), m_Loop.positions().data(), m_Loop.rates().data(),
-                    m_Loop.points().data(), m_Loop.errors().data(), m_Loop.speeds().data()},
+                    m_Loop.placements().data(), m_Loop.errors().data(), m_Loop.speeds().data(),
+                    m_Loop.accelerations().data()},
                    isKept);
 }
 
@@ -189,8 +237,8 @@ void NqDriveRun::conclude(NqDriveRecord::Outcome outcome) {
     m_Record.outcome = outcome;
     m_Record.time = m_Loop.time();
     m_Record.steps = m_Loop.steps();
-    for (std::size_t e = 0; e < m_Record.endEffectors.size(); ++e) {
-        m_Record.endEffectors[e].error = m_Loop.errors()[e];
+    for (std::size_t p = 0; p < m_Record.parts.size(); ++p) {
+        m_Record.parts[p].error = m_Loop.errors()[p];
     }
     if (m_Record.steps == 0) {
         m_Record.leastDeterminant = std::abs(m_Loop.determinant());
@@ -205,12 +253,11 @@ std::string NqDriveRun::verdict() const {
     if (m_Record.isReached()) {
         return (count == 1 ? "the way point was reached in "
                            : "all " + std::to_string(count) + " way points were reached in ") +
-               after;
+               after + softRemainder();
     }
-    const std::size_t e = farthest();
-    const std::string left = inQuotes(m_Record.endEffectors[e].name) + " is " +
-                             significant(m_Loop.errors()[e], 4) + " m from way point " +
-                             std::to_string(m_WayPoint + 1);
+    const std::size_t p = farthest();
+    const std::string left = inQuotes(m_Record.parts[p].name) + " is " + distanceText(p) +
+                             " from way point " + std::to_string(m_WayPoint + 1);
     const std::string singular =
         m_Record.isNearlySingular() ? " (it came near a singular posture: out of reach?)" : "";
     const char* hint = m_Record.steps == 0 ? "; start elsewhere (--start)" : "";
@@ -229,17 +276,38 @@ std::string NqDriveRun::verdict() const {
     }
 }
 
+/// What is left between the end-effectors and their targets, with its unit.
+std::string NqDriveRun::distanceText(std::size_t part) const {
+    const std::string& unit = m_Record.parts[part].limits.unit;
+    return significant(m_Loop.errors()[part], 4) + (unit.empty() ? "" : " " + unit);
+}
+
+/// The soft end-effectors that had to stay away, in words.
+std::string NqDriveRun::softRemainder() const {
+    std::string text;
+    for (std::size_t p = 0; p < m_Record.parts.size(); ++p) {
+        if (!isHard(p) && m_Loop.errors()[p] > m_Task.options().tolerance) {
+            text += ", " + inQuotes(m_Record.parts[p].name) + " (soft) within " + distanceText(p);
+        }
+    }
+    return text;
+}
+
 /// A direction in which no joint moves its end-effector at all, in words.
 std::string NqDriveRun::idleDirection() const {
     unsigned row = 0;
-    for (std::size_t e = 0; e < m_Loop.endEffectors(); ++e) {
-        for (unsigned i = 0; i < m_Loop.endEffector(e).doc(); ++i, ++row) {
+    for (const NqDriveRecord::Part& part : m_Record.parts) {
+        if (!m_Record.endEffectors[part.endEffector].isHard) {
+            continue;
+        }
+        for (unsigned i = 0; i < part.limits.rows; ++i, ++row) {
             const auto& entries = m_Loop.jacobian()[row];
             const bool isIdle = std::all_of(entries.begin(), entries.end(),
                                             [](double entry) { return std::abs(entry) < 1.0e-12; });
             if (isIdle) {
-                return " (no joint moves " + inQuotes(m_Record.endEffectors[e].name) +
-                       (i < 3 ? std::string(" along ") + "xyz"[i] : " in row " + std::to_string(i)) + ")";
+                const std::string axis = part.limits.isAngular ? " about " : " along ";
+                return " (no joint moves " + inQuotes(part.name) +
+                       (part.limits.rows == 3 ? axis + "xyz"[i] : "") + ")";
             }
         }
     }
@@ -247,7 +315,7 @@ std::string NqDriveRun::idleDirection() const {
 }
 
 void NqDriveRun::sketch() {
-    NqArmSketcher sketcher(m_Task.manipulator(), m_Task.endEffectors());
+    NqArmSketcher sketcher(m_Task.manipulator(), m_Task.kinds());
     m_Record.sketch = sketcher.frame();
     m_Record.sketch.start = sketcher.posture("start", m_Task.start());
     const std::size_t rows = m_Recorder.rows();
@@ -267,18 +335,23 @@ void NqDriveRun::sketch() {
     }
     for (const auto& targets : m_Task.targets()) {
         for (std::size_t e = 0; e < targets.size(); ++e) {
-            m_Loop.setTarget(e, targets[e]);
-            m_Record.sketch.targets.push_back(m_Loop.systemTarget(e).coordSysXForm().translation());
+            if (m_Loop.kind(e).hasPlace()) {
+                m_Loop.setTarget(e, targets[e]);
+                m_Record.sketch.targets.push_back(m_Loop.systemTarget(e).coordSysXForm().translation());
+            }
         }
     }
     m_Record.sketch.last = sketcher.posture(
         m_Record.isReached() ? std::to_string(m_Record.wayPoints.size()) : "end", m_Loop.positions());
-    m_Record.sketch.paths.resize(m_Loop.endEffectors());
     const std::size_t stride = std::max<std::size_t>(1, rows / kPathPoints);
     for (std::size_t e = 0; e < m_Loop.endEffectors(); ++e) {
-        for (std::size_t row = 0; row < rows; row += stride) {
-            m_Record.sketch.paths[e].push_back(m_Recorder.point(row, e));
+        if (!m_Loop.kind(e).hasPlace()) {
+            continue;
         }
-        m_Record.sketch.paths[e].push_back(m_Recorder.point(rows - 1, e));
+        auto& path = m_Record.sketch.paths.emplace_back();
+        for (std::size_t row = 0; row < rows; row += stride) {
+            path.push_back(m_Recorder.point(row, e));
+        }
+        path.push_back(m_Recorder.point(rows - 1, e));
     }
 }

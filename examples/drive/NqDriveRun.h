@@ -29,10 +29,13 @@ public:
     const NqDriveRecord& record() const { return m_Record; }
     /// Which way point is being driven to, from 0.
     std::size_t wayPoint() const { return m_WayPoint; }
-    /// The end-effector with the largest error.
+    /// The part with the largest error, among the hard end-effectors if there are any.
     std::size_t farthest() const;
 
 private:
+    bool isHard(std::size_t part) const;
+    double hardError() const;
+    double softError() const;
     bool isWayPointReached() const;
     bool isStalled();
     void startWayPoint();
@@ -40,6 +43,8 @@ private:
     void noteSample(bool isKept);
     void conclude(NqDriveRecord::Outcome outcome);
     std::string verdict() const;
+    std::string distanceText(std::size_t part) const;
+    std::string softRemainder() const;
     std::string idleDirection() const;
     void sketch();
 
@@ -47,10 +52,11 @@ private:
     NqDriveLoop m_Loop;
     NqDriveRecorder m_Recorder;
     NqDriveRecord m_Record;
-    std::vector<NqVector> m_LastPoints;
     std::size_t m_WayPoint = 0;
     double m_BestError = 0.0;
     double m_BestTime = 0.0;
+    double m_BestSoftError = 0.0;
+    double m_BestSoftTime = 0.0;
     unsigned m_RangeJoint = 0;
     double m_RangeTime = 0.0;
 };

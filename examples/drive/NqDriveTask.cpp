@@ -4,7 +4,6 @@
 #include "NqDriveText.h"
 #include "NqMessageCollector.h"
 
-#include <nqControlCore/endeffector/NqPointEndEffector.h>
 #include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
 #include <nqControlCore/foundation/xml/NqXmlDocument.h>
 
@@ -18,8 +17,20 @@ using NqDriveText::significant;
 
 namespace {
 
-std::string inQuotes(const std::string& text) {
-    return "'" + text + "'";
+/// What to call an end-effector: by its link or, where it has none, by its type.
+std::string nameOf(const NqEndEffector& endEffector) {
+    constexpr std::string_view kEnding = "EndEffector";
+    const std::string& label = endEffector.linkIdentifier();
+    if (!label.empty()) {
+        return label;
+    }
+    const std::string_view type = endEffector.token().localName();
+    return std::string(type.substr(0, type.size() - (type.ends_with(kEnding) ? kEnding.size() : 0)));
+}
+
+std::string wayPointName(std::size_t wayPoint, const NqDriveWayPoint& wish) {
+    return "way point " + std::to_string(wayPoint + 1) +
+           (wish.source.empty() ? "" : " (" + wish.source + ")");
 }
 
 } // namespace
@@ -41,7 +52,7 @@ bool NqDriveTask::load(const NqDriveOptions& options) {
     if (options.gain > options.rate) {
         return refuse("--gain must not be greater than --rate: the drift would overshoot in every step");
     }
-    return readFiles() && nameEndEffectors() && setStart() && setPosture() && setMetric() &&
+    return readFiles() && nameEndEffectors() && setProfile() && setStart() && setPosture() && setMetric() &&
            checkConstraints() && setTargets();
 }
 
@@ -81,14 +92,32 @@ bool NqDriveTask::nameEndEffectors() {
             return refuse("end-effector " + std::to_string(e + 1) + " sits on link " + inQuotes(label) +
                           ", which the robot doesn't have");
         }
-        std::string name = label.empty() ? m_EndEffectors[e]->token().token() : label;
+        const std::string base = nameOf(*m_EndEffectors[e]);
+        std::string name = base;
         const auto isTaken = [&](const std::string& candidate) {
             return std::find(m_Names.begin(), m_Names.end(), candidate) != m_Names.end();
         };
         for (unsigned number = 2; isTaken(name); ++number) {
-            name = label + " " + std::to_string(number);
+            name = base + " " + std::to_string(number);
         }
         m_Names.push_back(name);
+    }
+    return true;
+}
+
+bool NqDriveTask::setProfile() {
+    for (unsigned e = 0; e < m_EndEffectors.size(); ++e) {
+        NqEndEffector& endEffector = *m_EndEffectors[e];
+        if (m_Options.profile) {
+            NqDriveTargetKind::setProfile(endEffector, *m_Options.profile);
+        }
+        auto kind = NqDriveTargetKind::of(endEffector, m_Manipulator);
+        if (!kind) {
+            return refuse(
+                "end-effector " + inQuotes(m_Names[e]) +
+                " is of a type that takes no targets here: " + std::string(endEffector.token().localName()));
+        }
+        m_Kinds.push_back(std::move(*kind));
     }
     return true;
 }
@@ -171,11 +200,13 @@ bool NqDriveTask::checkConstraints() {
                       " coordinates, but the robot has only " + std::to_string(loop.joints()) + " joints");
     }
     for (unsigned e = 0; e < m_EndEffectors.size(); ++e) {
-        std::vector<std::vector<bool>> sparsity;
+        NqEndEffector::SparsityDescription sparsity;
         const NqEndEffector& endEffector = *m_EndEffectors[e];
-        if (!(endEffector.motionThreshold() > 0.0) || !(endEffector.accelerationThreshold() > 0.0)) {
-            return refuse("end-effector " + inQuotes(m_Names[e]) +
-                          " has a speed or acceleration limit that isn't above 0");
+        for (const NqDriveTargetKind::Part& part : m_Kinds[e].parts()) {
+            if (!(part.speedLimit > 0.0) || !(part.accelerationLimit > 0.0) || !(part.approach > 0.0)) {
+                return refuse("end-effector " + inQuotes(m_Names[e]) +
+                              " has a speed or acceleration limit that isn't above 0");
+            }
         }
         endEffector.insertSparsityComponent(m_Manipulator, 0, endEffector.relativeLinkData(), true, sparsity);
         for (const auto& row : sparsity) {
@@ -196,21 +227,24 @@ bool NqDriveTask::setTargets() {
     }
     std::vector<NqEndEffectorPlacement> targets = start;
     for (std::size_t w = 0; w < m_Options.wayPoints.size(); ++w) {
-        const NqDriveOptions::WayPoint& wayPoint = m_Options.wayPoints[w];
+        const NqDriveWayPoint& wayPoint = m_Options.wayPoints[w];
         if (wayPoint.targets.size() != targets.size()) {
             const auto counted = [](std::size_t count, const std::string& what) {
                 return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
             };
-            return refuse("way point " + std::to_string(w + 1) + " has " +
-                          counted(wayPoint.targets.size(), "target") + " for " +
-                          counted(targets.size(), "end-effector"));
+            return refuse(wayPointName(w, wayPoint) + " has " + counted(wayPoint.targets.size(), "target") +
+                          " for " + counted(targets.size(), "end-effector"));
         }
         for (std::size_t e = 0; e < targets.size(); ++e) {
-            if (wayPoint.targets[e]) {
-                NqCoordinateSystemTransformation target = start[e].coordSysXForm();
-                target.setTranslation(wayPoint.isRelative ? target.translation() + *wayPoint.targets[e]
-                                                          : *wayPoint.targets[e]);
-                targets[e].setCoordSysXForm(target);
+            const NqDriveTarget& wish = wayPoint.targets[e];
+            std::string objection = m_Kinds[e].objection(wish);
+            if (objection.empty() && !wish.isHold()) {
+                targets[e] = m_Kinds[e].placement(wish, wayPoint.isRelative, start[e]);
+                objection = m_Kinds[e].rangeObjection(targets[e]);
+            }
+            if (!objection.empty()) {
+                return refuse(wayPointName(w, wayPoint) + ": the target of end-effector " +
+                              inQuotes(m_Names[e]) + " " + objection);
             }
         }
         m_Targets.push_back(targets);
@@ -219,12 +253,12 @@ bool NqDriveTask::setTargets() {
 }
 
 /// The largest distance of an end-effector's point from `centre` that the lengths of the links allow.
-double NqDriveTask::reach(const NqEndEffector& endEffector, const NqVector& point, NqVector& centre) const {
+double NqDriveTask::reach(const std::string& label, const NqVector& point, NqVector& centre) const {
     NqManipulatorActivePositionState state(m_Manipulator);
     state.setPositionState(NqPositionState(m_Start));
     double reach = 0.0;
     NqVector outboard = point;
-    const NqManipulatorLink* link = m_Manipulator.linkByLabel(endEffector.linkIdentifier());
+    const NqManipulatorLink* link = m_Manipulator.linkByLabel(label);
     for (; link && link->parentLink(); link = link->parentLink()) {
         const NqVector& origin = link->linkFrameInSystem(state).translation();
         reach += (outboard - origin).mag();
@@ -244,16 +278,17 @@ std::string NqDriveTask::unreachableTarget() const {
     loop.setPositions(m_Start);
     for (unsigned e = 0; e < m_EndEffectors.size(); ++e) {
         const NqEndEffector& endEffector = *m_EndEffectors[e];
-        if (!dynamic_cast<const NqPointEndEffector*>(&endEffector) ||
-            endEffector.relativeLinkData().relativeMode() != 0) {
+        if (!m_Kinds[e].hasPlace() || !endEffector.isHardConstraint() ||
+            endEffector.relativeLinkData().relativeMode() !=
+                NqEndEffectorRelativeLinkData::relativeModeNone) {
             continue;
         }
         NqVector centre;
-        const double bound = reach(endEffector, loop.points()[e], centre);
+        const double bound = reach(endEffector.linkIdentifier(), loop.placements()[e].translation(), centre);
         for (std::size_t w = 0; w < m_Targets.size(); ++w) {
             const double distance = (m_Targets[w][e].coordSysXForm().translation() - centre).mag();
             if (distance > bound + m_Options.tolerance) {
-                return "way point " + std::to_string(w + 1) + " is out of reach of end-effector " +
+                return wayPointName(w, m_Options.wayPoints[w]) + " is out of reach of end-effector " +
                        inQuotes(m_Names[e]) + ": " + fixed(distance, 3) +
                        " m from the first joint, and the arm stretched out measures " + fixed(bound, 3) +
                        " m";

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "NqDriveOptions.h"
+#include "NqDriveTargetKind.h"
 
 #include <nqControlCore/endeffector/NqEndEffectorVector.h>
 #include <nqControlCore/foundation/manipulator/NqIndividualManipulator.h>
@@ -22,8 +23,9 @@ public:
     const NqDriveOptions& options() const { return m_Options; }
     const NqIndividualManipulator& manipulator() const { return m_Manipulator; }
     const NqEndEffectorVector& endEffectors() const { return m_EndEffectors; }
-    /// Labels of the end-effectors' links, numbered where several sit on one.
+    /// Labels of the end-effectors' links, or their types, numbered where several are the same.
     const std::vector<std::string>& endEffectorNames() const { return m_Names; }
+    const std::vector<NqDriveTargetKind>& kinds() const { return m_Kinds; }
     const std::vector<double>& start() const { return m_Start; }
     const std::vector<double>& posture() const { return m_Posture; } ///< empty: none
     const std::vector<double>& metric() const { return m_Metric; }
@@ -37,6 +39,7 @@ public:
 private:
     bool readFiles();
     bool nameEndEffectors();
+    bool setProfile();
     bool setStart();
     bool setPosture();
     bool setMetric();
@@ -44,7 +47,7 @@ private:
     bool setTargets();
     bool refuse(std::string complaint);
     bool hasJointCount(const std::vector<double>& values, const char* option);
-    double reach(const NqEndEffector& endEffector, const NqVector& point, NqVector& centre) const;
+    double reach(const std::string& label, const NqVector& point, NqVector& centre) const;
 
     NqDriveOptions m_Options;
     std::string m_Complaint;
@@ -52,6 +55,7 @@ private:
     NqIndividualManipulator m_Manipulator;
     NqEndEffectorVector m_EndEffectors;
     std::vector<std::string> m_Names;
+    std::vector<NqDriveTargetKind> m_Kinds;
     std::vector<double> m_Start;
     std::vector<double> m_Posture;
     std::vector<double> m_Metric;

@@ -118,6 +118,20 @@ std::vector<std::string_view> split(std::string_view text, char separator) {
     return pieces;
 }
 
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view kBlanks = " \t\r";
+    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+}
+
+std::string printable(std::string_view text, std::size_t longest) {
+    std::string out;
+    for (const char c : text.substr(0, longest)) {
+        out += c >= 0x20 && c < 0x7F ? c : '?';
+    }
+    return text.size() > longest ? out + "..." : out;
+}
+
 std::string padded(std::string_view text, std::size_t width, bool toTheRight) {
     const auto characters = static_cast<std::size_t>(std::count_if(
         text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));

@@ -32,6 +32,12 @@ bool parseFiniteList(std::string_view text, std::vector<double>& values);
 /// The pieces of `text` between separators; always at least one piece.
 std::vector<std::string_view> split(std::string_view text, char separator);
 
+/// `text` without blanks, tabs and carriage returns at its ends.
+std::string_view trimmed(std::string_view text);
+
+/// `text` for a message: in one line, printable, and cut off after a number of characters.
+std::string printable(std::string_view text, std::size_t longest);
+
 /// `text` filled up with blanks to a width, counted in characters, on the right or on the left.
 std::string padded(std::string_view text, std::size_t width, bool toTheRight = false);
 

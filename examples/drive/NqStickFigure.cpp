@@ -54,8 +54,9 @@ public:
         out += arm(m_Sketch.start, "outer") + arm(m_Sketch.start, "inner");
         out += hinges(m_Sketch.start, "hinge", 3.2);
         for (const auto& posture : m_Sketch.wayPoints) {
-            out += arm(posture, "between") + hinges(posture, "hinge", 3.2);
+            out += arm(posture, "between") + spans(posture) + hinges(posture, "hinge", 3.2);
         }
+        out += spans(m_Sketch.start) + spans(m_Sketch.last);
         out += arm(m_Sketch.last, "final") + hinges(m_Sketch.last, "finalHinge", 4.2);
         out += NqSvg::rectangle({project(m_Sketch.base).x - 9.0, project(m_Sketch.base).y - 3.0}, 18.0, 6.0,
                                 "base");
@@ -251,6 +252,15 @@ private:
         }
         for (std::size_t e = 0; e < posture.endEffectors.size(); ++e) {
             out += segment(jointOrBase(posture, m_Sketch.carrier[e]), posture.endEffectors[e], cssClass);
+        }
+        return out;
+    }
+
+    /// Between the two points that an end-effector ties together.
+    std::string spans(const NqArmSketch::Posture& posture) const {
+        std::string out;
+        for (const std::size_t first : m_Sketch.spans) {
+            out += segment(posture.endEffectors[first], posture.endEffectors[first + 1], "span");
         }
         return out;
     }

@@ -15,6 +15,11 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kLeft = 54.0;
 constexpr double kRight = 14.0;
 constexpr double kTop = 34.0;
+/// Diagrams this narrow stand in a row, so their legends are to stand alike.
+constexpr double kNarrow = 400.0;
+constexpr double kLegendHeight = 16.0;
+constexpr double kLegendLine = 26.0; ///< length of the piece of curve beside a name
+constexpr double kCharacter = 5.8;   ///< width, about
 constexpr double kBottom = 34.0;
 /// Limits are drawn while the curve takes up at least this share of the way to them.
 constexpr double kShareShown = 0.15;
@@ -161,10 +166,40 @@ std::string NqSvgPlot::tickLabel(double tick, const Scale& scale) const {
     return scale.decimals > 4 || largest >= 1.0e5 ? significant(tick, 3) : fixed(tick, scale.decimals);
 }
 
+/// On the line of the title where that has room; else on lines of its own under it.
+NqSvgPlot::Legend NqSvgPlot::legendFrom(NqSvg::Point titleLine, double right) const {
+    const auto width = [](const Curve& curve) {
+        return kLegendLine + kCharacter * static_cast<double>(curve.label.size()) + 20.0;
+    };
+    double whole = 0.0;
+    for (const Curve& curve : m_Curves) {
+        whole += curve.label.empty() ? 0.0 : width(curve);
+    }
+    Legend legend;
+    const double title = 8.0 * static_cast<double>(m_Title.size()) + 7.0 * static_cast<double>(m_Unit.size());
+    const bool isBeside = m_Width > kNarrow && titleLine.x + title + 12.0 + whole <= right;
+    NqSvg::Point at{isBeside ? right - whole + 8.0 : right, titleLine.y};
+    for (const Curve& curve : m_Curves) {
+        if (curve.label.empty()) {
+            continue;
+        }
+        if (!isBeside && at.x + width(curve) > right) {
+            legend.height += kLegendHeight;
+            at = {titleLine.x, titleLine.y + legend.height};
+        }
+        legend.drawn += NqSvg::line({at.x, at.y - 4.0}, {at.x + kLegendLine, at.y - 4.0},
+                                    NqSvg::curveClass(curve.style)) +
+                        NqSvg::text({at.x + kLegendLine + 6.0, at.y}, "start", "tick", curve.label);
+        at.x += width(curve);
+    }
+    return legend;
+}
+
 std::string NqSvgPlot::drawn(NqSvg::Point corner) const {
     const double left = corner.x + kLeft;
     const double right = corner.x + m_Width - kRight;
-    const double top = corner.y + kTop;
+    const Legend legend = legendFrom({left, corner.y + 14.0}, right);
+    const double top = corner.y + kTop + legend.height;
     const double bottom = corner.y + m_Height - kBottom;
     const Scale values = valueScale();
     const Scale times = linearScale(m_Start, m_End, std::max(2, static_cast<int>((right - left) / 70.0)));
@@ -227,15 +262,6 @@ std::string NqSvgPlot::drawn(NqSvg::Point corner) const {
     out += "<text class=\"title\" x=\"" + NqSvg::number(left) + "\" y=\"" + NqSvg::number(corner.y + 14.0) +
            "\">" + NqDriveText::escaped(m_Title) + "<tspan class=\"sub\" dx=\"7\" font-weight=\"400\">" +
            NqDriveText::escaped(m_Unit) + "</tspan></text>\n";
-    double legend = right;
-    for (auto curve = m_Curves.rbegin(); curve != m_Curves.rend(); ++curve) {
-        if (!curve->label.empty()) {
-            out += NqSvg::text({legend, corner.y + 14.0}, "end", "tick", curve->label);
-            legend -= 5.8 * static_cast<double>(curve->label.size()) + 8.0;
-            out += NqSvg::line({legend - 26.0, corner.y + 10.0}, {legend, corner.y + 10.0},
-                               NqSvg::curveClass(curve->style));
-            legend -= 38.0;
-        }
-    }
+    out += legend.drawn;
     return out + "</g>\n";
 }

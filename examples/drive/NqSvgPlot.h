@@ -56,6 +56,12 @@ private:
         int decimals = 0;
     };
 
+    struct Legend {
+        std::string drawn;
+        double height = 0.0; ///< of the lines that it takes up under the title
+    };
+
+    Legend legendFrom(NqSvg::Point titleLine, double right) const;
     static Scale linearScale(double low, double high, int wantedTicks);
     Scale valueScale() const;
     std::string tickLabel(double tick, const Scale& scale) const;

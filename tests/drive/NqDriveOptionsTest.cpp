@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+
 namespace {
 
 using Request = NqDriveOptions::Request;
@@ -14,16 +18,42 @@ Request parse(std::vector<const char*> arguments, NqDriveOptions& options, std::
 TEST(NqDriveOptions, ReadsTheWholeCommandLine) {
     NqDriveOptions options;
     std::string complaint;
-    const auto request =
-        parse({"--target", "-1,2e-1,3/hold", "--relative=0,0,-.5/1,1,1", "--metric", "5,6", "--metric",
-               "a=b=2,c=3", "--posture", "0.5,1", "--gain=2", "--rate", "500", "--quiet", "--svg", "x.svg"},
-              options, complaint);
+    const auto request = parse({"--target",
+                                "-1,2e-1,3/hold",
+                                "--relative=0,0,-.5@0,0,-90/0.5",
+                                "--target",
+                                "@0,120,0/1,1,1",
+                                "--metric",
+                                "5,6",
+                                "--metric",
+                                "a=b=2,c=3",
+                                "--posture",
+                                "0.5,1",
+                                "--gain=2",
+                                "--rate",
+                                "500",
+                                "--quiet",
+                                "--svg",
+                                "x.svg",
+                                "--soft-gain",
+                                "20",
+                                "--profile",
+                                "threehalves"},
+                               options, complaint);
     ASSERT_EQ(request, Request::Run) << complaint;
-    ASSERT_EQ(options.wayPoints.size(), 2u);
-    EXPECT_EQ(options.wayPoints[0].targets[0], NqVector(-1.0, 0.2, 3.0));
-    EXPECT_FALSE(options.wayPoints[0].targets[1].has_value());
+    ASSERT_EQ(options.wayPoints.size(), 3u);
+    EXPECT_EQ(options.wayPoints[0].targets[0].place, (std::vector<double>{-1.0, 0.2, 3.0}));
+    EXPECT_FALSE(options.wayPoints[0].targets[0].orientation.has_value());
+    EXPECT_TRUE(options.wayPoints[0].targets[1].isHold());
     EXPECT_TRUE(options.wayPoints[1].isRelative);
-    EXPECT_EQ(options.wayPoints[1].targets[1], NqVector(1.0, 1.0, 1.0));
+    const NqVector turned = *options.wayPoints[1].targets[0].orientation * NqVector(1.0, 0.0, 0.0);
+    EXPECT_LT((turned - NqVector(0.0, -1.0, 0.0)).mag(), 1.0e-15);
+    EXPECT_EQ(options.wayPoints[1].targets[1].place, std::vector<double>{0.5});
+    EXPECT_TRUE(options.wayPoints[2].targets[0].place.empty());
+    const NqVector z = options.wayPoints[2].targets[0].orientation->zAxis();
+    EXPECT_LT((z - NqVector(std::sqrt(0.75), 0.0, -0.5)).mag(), 1.0e-15);
+    EXPECT_EQ(options.softGain, 20.0);
+    EXPECT_EQ(options.profile, 2u);
     EXPECT_EQ(options.metric, (std::vector<double>{5.0, 6.0}));
     EXPECT_EQ(options.metricByLabel[0], std::make_pair(std::string("a=b"), 2.0));
     EXPECT_EQ(options.posture, NqDriveOptions::Posture::Given);
@@ -38,7 +68,9 @@ TEST(NqDriveOptions, RefusesNonsenseInOneLineThatNamesTheOption) {
         {"--tolerance", "0"},      {"--tolerance", "small"}, {"--gain", "NaN"},      {"--metric", "1,0"},
         {"--metric", "a=0"},       {"--metric", "=1"},       {"--posture", "midle"}, {"--start", "1,,2"},
         {"--output", ""},          {"--quiet=yes"},          {"--svg", "--quiet"},   {"--start"},
-        {"--frobnicate", "1"},
+        {"--frobnicate", "1"},     {"--target", "1,2,3@"},   {"--target", "@"},      {"--target", "1@0,0,9"},
+        {"--target", "1,2,3@0,9"}, {"--target", "@0,0,nan"}, {"--target", "@1@2"},   {"--soft-gain", "0"},
+        {"--profile", "fast"},     {"--targets", "nowhere"}, {"--targets", "/"},
     };
     for (std::vector<const char*> command : commands) {
         const std::string name = std::string(command[0]).substr(0, std::string(command[0]).find('='));
@@ -53,6 +85,45 @@ TEST(NqDriveOptions, RefusesNonsenseInOneLineThatNamesTheOption) {
     std::string complaint;
     EXPECT_EQ(parse({}, options, complaint), Request::Refused) << "no target";
     EXPECT_EQ(parse({"third", "--target", "0,0,0"}, options, complaint), Request::Refused);
+}
+
+TEST(NqDriveTargetFile, ReadsWayPointsAndNamesTheLineOfABadOne) {
+    const std::string file = testing::TempDir() + "targets.txt";
+    const auto read = [&](const std::string& text) {
+        std::ofstream(file, std::ios::binary) << text;
+        NqDriveOptions options;
+        std::string complaint;
+        parse({"--target", "9,9,9", "--targets", file.c_str()}, options, complaint);
+        return std::make_pair(options.wayPoints, complaint);
+    };
+    const auto [wayPoints, none] = read("# two\r\n\n  1,2,3 / hold # here\r\nrelative @0,0,5/ 0.5\n");
+    EXPECT_EQ(none, "");
+    ASSERT_EQ(wayPoints.size(), 3u);
+    EXPECT_EQ(wayPoints[1].targets[0].place, (std::vector<double>{1.0, 2.0, 3.0}));
+    EXPECT_TRUE(wayPoints[1].targets[1].isHold());
+    EXPECT_EQ(wayPoints[1].source, file + ":3");
+    EXPECT_TRUE(wayPoints[2].isRelative && wayPoints[2].targets[0].orientation);
+
+    const std::vector<std::pair<std::string, std::string>> bad{
+        {"1,2,3\n1,2,nan\n", ":2: needs"},
+        {"\n\n1,2\n", ":3: needs"},
+        {"relatively 1,2,3\n", ":1: needs"},
+        {std::string("1,2,3/\0\x1b[2J", 13), ":1: needs"},
+        {"1,2,3\n" + std::string(5000, '1'), ":2: the line is too long"},
+        {"# nothing\n", "no way point"},
+        {"", "no way point"},
+    };
+    for (const auto& [text, words] : bad) {
+        const auto [kept, complaint] = read(text);
+        EXPECT_EQ(kept.size(), 1u) << text;
+        EXPECT_NE(complaint.find(words), std::string::npos) << complaint;
+        EXPECT_TRUE(std::all_of(complaint.begin(), complaint.end(), [](char c) { return c >= ' '; }));
+    }
+    std::string many;
+    for (int i = 0; i < 10001; ++i) {
+        many += "0,0,0\n";
+    }
+    EXPECT_NE(read(many).second.find(":10001: more than 10000 way points"), std::string::npos);
 }
 
 } // namespace

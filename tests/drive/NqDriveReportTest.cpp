@@ -44,7 +44,7 @@ TEST(NqDriveReport, SurvivesHostileNamesAndEndlessJoints) {
     NqDriveOptions options;
     options.model = robot;
     options.endEffectors = effectors;
-    options.wayPoints.push_back({false, {NqVector(0.1, 0.4, 0.3)}});
+    options.wayPoints.push_back({false, {{{0.1, 0.4, 0.3}, {}}}, "<&file>:1"});
     options.start = {0.0, 0.0, 0.5};
     NqDriveTask task;
     ASSERT_TRUE(task.load(options)) << task.complaint();
@@ -66,7 +66,8 @@ TEST(NqDriveReport, SurvivesHostileNamesAndEndlessJoints) {
     EXPECT_EQ(
         csv.substr(0, csv.find('\n')),
         "time,wayPoint,determinant,slowing,\"j,\"\"1<.position\",j2.position,j3.position,\"j,\"\"1<.rate\","
-        "j2.rate,j3.rate,\"<b>,c.x\",\"<b>,c.y\",\"<b>,c.z\",\"<b>,c.error\",\"<b>,c.speed\"");
+        "j2.rate,j3.rate,\"<b>,c.x\",\"<b>,c.y\",\"<b>,c.z\",\"<b>,c.error\",\"<b>,c.speed\","
+        "\"<b>,c.acceleration\"");
     EXPECT_EQ(static_cast<std::size_t>(std::count(csv.begin(), csv.end(), '\n')), run.recorder().rows() + 1);
 }
 

@@ -71,7 +71,7 @@ TEST_F(NqDrive, SlowsAtRateLimitsAndStaysOnTheStraightWay) {
     load("arm7.urdf", pointXml("hand", "0 0 0", 3.0, 15.0), {"--relative", "0.1,0.5,-0.3"});
     ASSERT_TRUE(isLoaded) << task.complaint();
     NqDriveRun run(task);
-    const NqVector start = run.loop().points()[0];
+    const NqVector start = run.loop().placements()[0].translation();
     const NqVector way = NqVector(0.1, 0.5, -0.3).unitVector();
     run.execute(watcher);
     ASSERT_EQ(run.record().outcome, Outcome::Reached);
@@ -80,8 +80,8 @@ TEST_F(NqDrive, SlowsAtRateLimitsAndStaysOnTheStraightWay) {
         ASSERT_LT((run.recorder().point(row, 0) - start).cross(way).mag(), 2.0e-3)
             << run.recorder().time(row);
     }
-    EXPECT_LE(run.record().endEffectors[0].error, 1.0e-4);
-    EXPECT_NEAR(run.record().endEffectors[0].pathLength, NqVector(0.1, 0.5, -0.3).mag(), 2.0e-3);
+    EXPECT_LE(run.record().parts[0].error, 1.0e-4);
+    EXPECT_NEAR(run.record().parts[0].pathLength, NqVector(0.1, 0.5, -0.3).mag(), 2.0e-3);
 }
 
 TEST_F(NqDrive, HoldsOneEndEffectorWhileAnotherMoves) {
@@ -89,14 +89,14 @@ TEST_F(NqDrive, HoldsOneEndEffectorWhileAnotherMoves) {
          {"--relative", "0.05,-0.1,0.15/hold", "--relative", "0,0,0/0,0.02,0"});
     ASSERT_TRUE(isLoaded) << task.complaint();
     NqDriveRun run(task);
-    const NqVector held = run.loop().points()[1];
+    const NqVector held = run.loop().placements()[1].translation();
     run.execute(watcher);
     ASSERT_EQ(run.record().outcome, Outcome::Reached) << run.record().verdict;
     EXPECT_EQ(watcher.reached, 2u);
     for (std::size_t row = 0; run.recorder().wayPoint(row) == 1.0; ++row) {
         ASSERT_LT((run.recorder().point(row, 1) - held).mag(), 1.0e-4);
     }
-    EXPECT_NEAR((run.loop().points()[1] - held).y(), 0.02, 1.0e-4);
+    EXPECT_NEAR((run.loop().placements()[1].translation() - held).y(), 0.02, 1.0e-4);
 }
 
 /// Free joints drift to the posture; one with a large weight hardly takes part in the motion.
@@ -148,18 +148,21 @@ TEST_F(NqDrive, RefusesWhatCannotBeStacked) {
 }
 
 TEST(NqDriveRecorder, ThinsWhenFullAndKeepsWhatIsAskedFor) {
-    NqDriveRecorder recorder(1, 1, 8);
+    NqDriveRecorder recorder(1, 1, 1, 8);
     const NqVector point(1.0, 2.0, 3.0);
+    const NqCoordinateSystemTransformation frame(point, NqOrientation(1.0, point));
     for (int step = 0; step < 100; ++step) {
         const double value = step;
-        recorder.add({value, 1.0, 2.0 * value, 1.0, &value, &value, &point, &value, &value}, step == 99);
+        recorder.add({value, 1.0, 2.0 * value, 1.0, &value, &value, &frame, &value, &value, &value},
+                     step == 99);
         ASSERT_LE(recorder.rows(), 8u);
     }
     EXPECT_EQ(recorder.stride(), 16u);
     EXPECT_EQ(recorder.column(&NqDriveRecorder::time),
               (std::vector<double>{0.0, 16.0, 32.0, 48.0, 64.0, 80.0, 96.0, 99.0}));
     EXPECT_EQ(recorder.determinant(2), 64.0);
-    EXPECT_EQ(recorder.point(3, 0), point);
+    EXPECT_EQ(recorder.placement(3, 0), frame);
+    EXPECT_EQ(recorder.acceleration(2, 0), 32.0);
 }
 
 } // namespace

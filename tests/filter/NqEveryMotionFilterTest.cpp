@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <random>
 
@@ -25,153 +26,106 @@ struct Pose {
     NqVector angular;
 };
 
-/// A filter as the simulation sees it: something that has a linear part, in one to three dimensions, an
-/// angular part or both, and gives the velocities for the next step.
-class Subject {
-public:
-    virtual ~Subject() = default;
-    virtual NqBaseMotionFilter& filter() = 0;
-    virtual unsigned dimensions() const { return 0; }
-    virtual bool turns() const { return false; }
-    virtual bool isForZAxisOnly() const { return false; }
-    virtual bool matchesTimes() const { return false; }
-    virtual void setLimits(const Limits& linear, const Limits& angular) = 0;
-    virtual bool ask(const Pose& pose, double step, NqVector& linear, NqVector& angular) const = 0;
-};
+/// One filter of each class, with the same limits. Linear parts of the general one are those of its offset
+/// point, which is as far from the origin as arms are long.
+struct Filters {
+    NqPointMotionFilter point;
+    NqScalarMotionFilter scalar;
+    NqRotationMotionFilter rotation;
+    NqGeneralMotionFilter general;
 
-template <typename Filter>
-class FilterSubject : public Subject {
-public:
-    NqBaseMotionFilter& filter() override { return m_Filter; }
+    Filters() { general.setOffset({0.3, -0.5, 0.2}); }
 
-protected:
-    Filter m_Filter;
-};
+    std::array<NqBaseMotionFilter*, 4> all() { return {&point, &scalar, &rotation, &general}; }
 
-class Point3D : public FilterSubject<NqPointMotionFilter> {
-public:
-    unsigned dimensions() const override { return 3; }
-    void setLimits(const Limits& linear, const Limits&) override {
-        m_Filter.setThreshold(linear.speed);
-        m_Filter.setAccelerationThreshold(linear.acceleration);
-        m_Filter.setDecelerationThreshold(linear.deceleration);
-        m_Filter.setLinearGain(linear.gain);
-    }
-    bool ask(const Pose& pose, double step, NqVector& linear, NqVector&) const override {
-        return m_Filter.calculate3DVelocity(pose.point, pose.desiredPoint, {}, pose.linear, step, linear);
-    }
-};
-
-class Point2D : public Point3D {
-public:
-    unsigned dimensions() const override { return 2; }
-    bool ask(const Pose& pose, double step, NqVector& linear, NqVector&) const override {
-        const auto planar = [](const NqVector& v) { return NqPlanarVector(v.x(), v.y()); };
-        NqPlanarVector out;
-        const bool done = m_Filter.calculate2DVelocity(planar(pose.point), planar(pose.desiredPoint), {},
-                                                       planar(pose.linear), step, out);
-        linear = NqVector(out.x(), out.y(), 0.0);
-        return done;
+    void setLimits(const Limits& linear, const Limits& angular) {
+        point.setThreshold(linear.speed);
+        point.setAccelerationThreshold(linear.acceleration);
+        point.setDecelerationThreshold(linear.deceleration);
+        point.setLinearGain(linear.gain);
+        scalar.setThreshold(linear.speed);
+        scalar.setAccelerationThreshold(linear.acceleration);
+        scalar.setDecelerationThreshold(linear.deceleration);
+        scalar.setGain(linear.gain);
+        rotation.setAngularVelocityThreshold(angular.speed);
+        rotation.setAngularAccelerationThreshold(angular.acceleration);
+        rotation.setAngularDecelerationThreshold(angular.deceleration);
+        rotation.setAngularGain(angular.gain);
+        general.setLinearVelocityThreshold(linear.speed);
+        general.setLinearAccelerationThreshold(linear.acceleration);
+        general.setLinearDecelerationThreshold(linear.deceleration);
+        general.setLinearGain(linear.gain);
+        general.setAngularVelocityThreshold(angular.speed);
+        general.setAngularAccelerationThreshold(angular.acceleration);
+        general.setAngularDecelerationThreshold(angular.deceleration);
+        general.setAngularGain(angular.gain);
     }
 };
 
-class Scalar : public FilterSubject<NqScalarMotionFilter> {
-public:
-    unsigned dimensions() const override { return 1; }
-    void setLimits(const Limits& linear, const Limits&) override {
-        m_Filter.setThreshold(linear.speed);
-        m_Filter.setAccelerationThreshold(linear.acceleration);
-        m_Filter.setDecelerationThreshold(linear.deceleration);
-        m_Filter.setGain(linear.gain);
-    }
-    bool ask(const Pose& pose, double step, NqVector& linear, NqVector&) const override {
-        return m_Filter.calculateVelocity(pose.point.x(), pose.desiredPoint.x(), 0.0, pose.linear.x(), step,
-                                          linear.x());
-    }
-};
-
-template <bool zAxisOnly>
-class Rotation : public FilterSubject<NqRotationMotionFilter> {
-public:
-    bool turns() const override { return true; }
-    bool isForZAxisOnly() const override { return zAxisOnly; }
-    void setLimits(const Limits&, const Limits& angular) override {
-        m_Filter.setAngularVelocityThreshold(angular.speed);
-        m_Filter.setAngularAccelerationThreshold(angular.acceleration);
-        m_Filter.setAngularDecelerationThreshold(angular.deceleration);
-        m_Filter.setAngularGain(angular.gain);
-    }
-    bool ask(const Pose& pose, double step, NqVector&, NqVector& angular) const override {
-        return m_Filter.calculateRotationMotion(pose.orientation, pose.desiredOrientation, {}, pose.angular,
-                                                step, angular, zAxisOnly, true);
-    }
-};
-
-/// The linear part is that of the offset point; it is as far from the origin as arms are long.
-template <bool matchTimes, bool zAxisOnly>
-class General : public FilterSubject<NqGeneralMotionFilter> {
-public:
-    General() { m_Filter.setOffset({0.3, -0.5, 0.2}); }
-    unsigned dimensions() const override { return 3; }
-    bool turns() const override { return true; }
-    bool isForZAxisOnly() const override { return zAxisOnly; }
-    bool matchesTimes() const override { return matchTimes; }
-    void setLimits(const Limits& linear, const Limits& angular) override {
-        m_Filter.setLinearVelocityThreshold(linear.speed);
-        m_Filter.setLinearAccelerationThreshold(linear.acceleration);
-        m_Filter.setLinearDecelerationThreshold(linear.deceleration);
-        m_Filter.setLinearGain(linear.gain);
-        m_Filter.setAngularVelocityThreshold(angular.speed);
-        m_Filter.setAngularAccelerationThreshold(angular.acceleration);
-        m_Filter.setAngularDecelerationThreshold(angular.deceleration);
-        m_Filter.setAngularGain(angular.gain);
-    }
-    bool ask(const Pose& pose, double step, NqVector& linear, NqVector& angular) const override {
-        const NqVector toPoint = pose.orientation * m_Filter.offset();
-        const NqVector toDesired = pose.desiredOrientation * m_Filter.offset();
-        NqGeneralMotion out;
-        const bool done =
-            m_Filter.calculateGeneralMotion({pose.point - toPoint, pose.orientation},
-                                            {pose.desiredPoint - toDesired, pose.desiredOrientation}, {},
-                                            {pose.linear - pose.angular.cross(toPoint), pose.angular}, step,
-                                            out, matchTimes, zAxisOnly, true);
-        linear = out.linear() + out.angular().cross(toPoint);
-        angular = out.angular();
-        return done;
-    }
-};
-
+/// A way to use a filter: what moves, and the question for the velocities of the next step.
 struct Kind {
     const char* name;
-    std::unique_ptr<Subject> (*make)();
+    bool (*ask)(const Kind&, const Filters&, const Pose&, double step, NqVector& linear, NqVector& angular);
+    unsigned dimensions; ///< of the linear part, 0 where there is none
+    bool turns = false;
+    bool zAxisOnly = false;
+    bool matchTimes = false;
 };
 
-template <typename Made>
-std::unique_ptr<Subject> make() {
-    return std::make_unique<Made>();
+bool ask3D(const Kind&, const Filters& filters, const Pose& pose, double step, NqVector& linear, NqVector&) {
+    return filters.point.calculate3DVelocity(pose.point, pose.desiredPoint, {}, pose.linear, step, linear);
 }
 
-constexpr Kind kKinds[] = {{"Point3D", make<Point3D>},
-                           {"Point2D", make<Point2D>},
-                           {"Scalar", make<Scalar>},
-                           {"Rotation", make<Rotation<false>>},
-                           {"RotationOfZ", make<Rotation<true>>},
-                           {"General", make<General<false, false>>},
-                           {"GeneralOfZ", make<General<false, true>>},
-                           {"GeneralMatched", make<General<true, false>>}};
+bool ask2D(const Kind&, const Filters& filters, const Pose& pose, double step, NqVector& linear, NqVector&) {
+    const auto planar = [](const NqVector& v) { return NqPlanarVector(v.x(), v.y()); };
+    NqPlanarVector out;
+    const bool done = filters.point.calculate2DVelocity(planar(pose.point), planar(pose.desiredPoint), {},
+                                                        planar(pose.linear), step, out);
+    linear = NqVector(out.x(), out.y(), 0.0);
+    return done;
+}
 
-class EveryMotionFilter : public testing::TestWithParam<std::tuple<Kind, unsigned, double>> {
+bool askScalar(const Kind&, const Filters& filters, const Pose& pose, double step, NqVector& linear,
+               NqVector&) {
+    return filters.scalar.calculateVelocity(pose.point.x(), pose.desiredPoint.x(), 0.0, pose.linear.x(), step,
+                                            linear.x());
+}
+
+bool askRotation(const Kind& kind, const Filters& filters, const Pose& pose, double step, NqVector&,
+                 NqVector& angular) {
+    return filters.rotation.calculateRotationMotion(pose.orientation, pose.desiredOrientation, {},
+                                                    pose.angular, step, angular, kind.zAxisOnly, true);
+}
+
+bool askGeneral(const Kind& kind, const Filters& filters, const Pose& pose, double step, NqVector& linear,
+                NqVector& angular) {
+    const NqVector toPoint = pose.orientation * filters.general.offset();
+    const NqVector toDesired = pose.desiredOrientation * filters.general.offset();
+    NqGeneralMotion out;
+    const bool done = filters.general.calculateGeneralMotion(
+        {pose.point - toPoint, pose.orientation}, {pose.desiredPoint - toDesired, pose.desiredOrientation},
+        {}, {pose.linear - pose.angular.cross(toPoint), pose.angular}, step, out, kind.matchTimes,
+        kind.zAxisOnly, true);
+    linear = out.linear() + out.angular().cross(toPoint);
+    angular = out.angular();
+    return done;
+}
+
+constexpr Kind kKinds[] = {{"Point3D", ask3D, 3},
+                           {"Point2D", ask2D, 2},
+                           {"Scalar", askScalar, 1},
+                           {"Rotation", askRotation, 0, true},
+                           {"RotationOfZ", askRotation, 0, true, true},
+                           {"General", askGeneral, 3, true},
+                           {"GeneralOfZ", askGeneral, 3, true, true},
+                           {"GeneralMatched", askGeneral, 3, true, false, true}};
+
+class EveryMotionFilter : public testing::TestWithParam<std::tuple<Kind, unsigned>> {
 protected:
     static constexpr double kStep = 0.005;
+    static constexpr double kFactors[] = {0.5, 1.0, 2.0};
 
-    EveryMotionFilter()
-        : m_Mode(std::get<1>(GetParam())), m_Factor(std::get<2>(GetParam())),
-          m_Subject(std::get<0>(GetParam()).make()), m_Unlimited(std::get<0>(GetParam()).make()) {
-        for (Subject* subject : {m_Subject.get(), m_Unlimited.get()}) {
-            subject->filter().setFilteringMode(m_Mode);
-            subject->filter().setSpeedFactor(m_Factor);
-        }
-    }
+    EveryMotionFilter() : m_Kind(std::get<0>(GetParam())), m_Mode(std::get<1>(GetParam())) {}
 
     double range(double low, double high) {
         return std::uniform_real_distribution<double>(low, high)(m_Random);
@@ -194,34 +148,39 @@ protected:
         return {speed, deceleration * range(1.25, 4.0), deceleration, 200.0};
     }
 
-    void setLimits(const Limits& linear, const Limits& angular) {
+    void configure(const Limits& linear, const Limits& angular, double factor, double exponent) {
+        m_Factor = factor;
         m_Linear = linear;
         m_Angular = angular;
-        m_Subject->setLimits(linear, angular);
+        m_Exponent = m_Kind.dimensions == 1 || m_Kind.dimensions == 2 ? 0.5 : exponent;
+        m_Filters.setLimits(linear, angular);
         Limits freeLinear = linear;
         Limits freeAngular = angular;
         freeLinear.acceleration = freeAngular.acceleration = 1e300;
-        m_Unlimited->setLimits(freeLinear, freeAngular);
+        m_Unlimited.setLimits(freeLinear, freeAngular);
+        for (Filters* filters : {&m_Filters, &m_Unlimited}) {
+            for (NqBaseMotionFilter* filter : filters->all()) {
+                filter->setFilteringMode(m_Mode);
+                filter->setSpeedFactor(factor);
+                filter->setExponent(exponent);
+            }
+        }
     }
 
-    void setExponent(double exponent) {
-        m_Subject->filter().setExponent(exponent);
-        m_Unlimited->filter().setExponent(exponent);
-    }
-
-    /// At rest, with ways to go.
-    void start(double way, double angle) {
+    /// At rest, with ways to go that take some time at the limits of speed for a factor of 1.
+    void start(double linearTime, double angularTime) {
         m_Pose = {};
         m_Pose.point = {range(-1.0, 1.0), range(-1.0, 1.0), range(-1.0, 1.0)};
         m_Pose.desiredPoint = m_Pose.point;
-        if (m_Subject->dimensions() > 0) {
-            m_Pose.desiredPoint += way * direction(m_Subject->dimensions());
+        if (m_Kind.dimensions > 0) {
+            m_Pose.desiredPoint += linearTime * m_Linear.speed * direction(m_Kind.dimensions);
         }
-        m_Pose.orientation.setFromAngleAxis(range(0.0, 3.0), direction(3));
+        m_Pose.orientation = NqOrientation{range(0.0, 3.0), direction(3)};
         m_Pose.desiredOrientation = m_Pose.orientation;
-        if (m_Subject->turns()) {
-            const NqVector axis = direction(m_Subject->isForZAxisOnly() ? 2 : 3);
-            m_Pose.desiredOrientation = m_Pose.orientation * NqOrientation(angle, axis);
+        if (m_Kind.turns) {
+            const NqVector axis = direction(m_Kind.zAxisOnly ? 2 : 3);
+            m_Pose.desiredOrientation =
+                m_Pose.orientation * NqOrientation(angularTime * m_Angular.speed, axis);
         }
     }
 
@@ -229,7 +188,7 @@ protected:
 
     double angularDistance() const {
         const NqOrientation relative = m_Pose.orientation.inverse() * m_Pose.desiredOrientation;
-        if (m_Subject->isForZAxisOnly()) {
+        if (m_Kind.zAxisOnly) {
             const NqVector z = relative.zAxis();
             return std::atan2(std::hypot(z.x(), z.y()), z.z());
         }
@@ -252,12 +211,9 @@ protected:
         if (m_Mode != NqBaseMotionFilter::ThreeHalves) {
             return m_Mode == NqBaseMotionFilter::Proportional ? 0.0 : 2.0 * a * kStep;
         }
-        const bool isScalar = m_Subject->dimensions() == 1;
-        const bool isPlanar = m_Subject->dimensions() == 2;
-        const double n = isScalar || isPlanar ? 0.5 : m_Subject->filter().exponent();
-        const double k = (n + 1.0) * a / std::pow(m_Factor * limits.speed, 1.0 - n);
-        const double threshold = std::pow(k * kStep, 1.0 / n);
-        return isScalar ? 2.0 * threshold : std::sqrt(threshold);
+        const double k = (m_Exponent + 1.0) * a / std::pow(m_Factor * limits.speed, 1.0 - m_Exponent);
+        const double threshold = std::pow(k * kStep, 1.0 / m_Exponent);
+        return m_Kind.dimensions == 1 ? 2.0 * threshold : std::sqrt(threshold);
     }
 
     /// Whether a velocity keeps its limits, given the previous one and what the filter would ask for if
@@ -272,7 +228,7 @@ protected:
         const bool isLimited = change <= m_Factor * limits.acceleration * kStep * (1.0 + 1e-9);
         const double free = freeSpeed(limits);
         // A matched limit of speed moves the free speed of three-halves mode along.
-        const bool isKnown = !(m_Subject->matchesTimes() && m_Mode == NqBaseMotionFilter::ThreeHalves);
+        const bool isKnown = !(m_Kind.matchTimes && m_Mode == NqBaseMotionFilter::ThreeHalves);
         if ((isKnown && wanted.mag() > free * (1.0 + 1e-9) && !isLimited) ||
             (isKnown && wanted.mag() < free * (1.0 - 1e-9) && !isFree) || (!isLimited && !isFree)) {
             return testing::AssertionFailure()
@@ -282,10 +238,12 @@ protected:
         return testing::AssertionSuccess();
     }
 
+    Kind m_Kind;
     unsigned m_Mode;
-    double m_Factor;
-    std::unique_ptr<Subject> m_Subject;
-    std::unique_ptr<Subject> m_Unlimited; ///< the same, with an acceleration threshold of 1e300
+    double m_Factor = 1.0;
+    Filters m_Filters;
+    Filters m_Unlimited;     ///< the same, with an acceleration threshold of 1e300
+    double m_Exponent = 0.5; ///< that acts
     Limits m_Linear{};
     Limits m_Angular{};
     Pose m_Pose;
@@ -294,32 +252,31 @@ protected:
 
 std::string caseName(const testing::TestParamInfo<EveryMotionFilter::ParamType>& which) {
     constexpr const char* modes[] = {"Proportional", "Trapezoidal", "ThreeHalves"};
-    const auto& [kind, mode, factor] = which.param;
-    return kind.name + std::string(modes[mode]) + (factor < 1.0 ? "Slowed" : factor > 1.0 ? "Sped" : "");
+    const auto& [kind, mode] = which.param;
+    return kind.name + std::string(modes[mode]);
 }
 
 INSTANTIATE_TEST_SUITE_P(Filters, EveryMotionFilter,
-                         testing::Combine(testing::ValuesIn(kKinds), testing::Values(0u, 1u, 2u),
-                                          testing::Values(0.5, 1.0, 2.0)),
-                         caseName);
+                         testing::Combine(testing::ValuesIn(kKinds), testing::Values(0u, 1u, 2u)), caseName);
 
 TEST_P(EveryMotionFilter, ReachesItsTargetFromRestWithinItsLimits) {
     // A part that has arrived has a matched limit of 0, of which three-halves mode makes 0 times infinity:
     // there only the way until the first of the two arrives counts.
-    const bool endsWithFirst = m_Subject->matchesTimes() && m_Mode == NqBaseMotionFilter::ThreeHalves;
+    const bool endsWithFirst = m_Kind.matchTimes && m_Mode == NqBaseMotionFilter::ThreeHalves;
     const double closeEnough = m_Mode == NqBaseMotionFilter::Trapezoidal ? 1e-9 : 1e-3;
-    for (unsigned i = 0; i < 420; ++i) {
+    for (unsigned i = 0; i < 1260; ++i) {
         SCOPED_TRACE("move " + std::to_string(i));
-        setLimits(randomLimits(), randomLimits());
-        setExponent(range(0.2, 1.0));
-        start(m_Linear.speed * range(0.01, 1.0), m_Angular.speed * range(0.01, 2.0));
+        const Limits linearLimits = randomLimits();
+        const Limits angularLimits = randomLimits();
+        configure(linearLimits, angularLimits, kFactors[i % 3], range(0.2, 1.0));
+        start(range(0.01, 1.0), range(0.01, 2.0));
         double way = linearDistance();
         double angle = angularDistance();
         const auto remaining = [&] { return endsWithFirst ? std::min(way, angle) : std::max(way, angle); };
         for (unsigned step = 0; step < 2000 && remaining() > closeEnough; ++step) {
             NqVector linear, angular, wantedLinear, wantedAngular;
-            ASSERT_TRUE(m_Subject->ask(m_Pose, kStep, linear, angular));
-            ASSERT_TRUE(m_Unlimited->ask(m_Pose, kStep, wantedLinear, wantedAngular));
+            ASSERT_TRUE(m_Kind.ask(m_Kind, m_Filters, m_Pose, kStep, linear, angular));
+            ASSERT_TRUE(m_Kind.ask(m_Kind, m_Unlimited, m_Pose, kStep, wantedLinear, wantedAngular));
             ASSERT_TRUE(keepsLimits(m_Linear, linear, wantedLinear, m_Pose.linear)) << "step " << step;
             ASSERT_TRUE(keepsLimits(m_Angular, angular, wantedAngular, m_Pose.angular)) << "step " << step;
             move(linear, angular);
@@ -333,30 +290,30 @@ TEST_P(EveryMotionFilter, ReachesItsTargetFromRestWithinItsLimits) {
 }
 
 TEST_P(EveryMotionFilter, SpeedFactorScalesLimitsAndNotGains) {
-    setExponent(0.5);
-    Limits limits{0.3, 3.0, 2.0, 200.0};
-    const auto startAndMove = [&](unsigned steps) {
-        setLimits(limits, limits);
-        start(0.9, 0.9);
+    const auto startAndMove = [&](double gain, double factor, unsigned steps) {
+        const Limits limits{0.3, 3.0, 2.0, gain};
+        configure(limits, limits, factor, 0.5);
+        start(3.0, 3.0);
         for (unsigned step = 0; step < steps; ++step) {
             NqVector linear, angular;
-            ASSERT_TRUE(m_Subject->ask(m_Pose, kStep, linear, angular));
+            ASSERT_TRUE(m_Kind.ask(m_Kind, m_Filters, m_Pose, kStep, linear, angular));
             move(linear, angular);
         }
     };
     const auto expectSpeeds = [&](double linear, double angular) {
-        EXPECT_NEAR(m_Pose.linear.mag(), m_Subject->dimensions() > 0 ? linear : 0.0, 1e-12);
-        EXPECT_NEAR(m_Pose.angular.mag(), m_Subject->turns() ? angular : 0.0, 1e-12);
+        EXPECT_NEAR(m_Pose.linear.mag(), m_Kind.dimensions > 0 ? linear : 0.0, 1e-12);
+        EXPECT_NEAR(m_Pose.angular.mag(), m_Kind.turns ? angular : 0.0, 1e-12);
     };
-    startAndMove(1);
-    expectSpeeds(m_Factor * 3.0 * kStep, m_Factor * 3.0 * kStep);
-    startAndMove(40);
-    expectSpeeds(m_Factor * 0.3, m_Factor * 0.3);
-    if (m_Mode == NqBaseMotionFilter::Proportional) {
-        limits.gain = 0.1;
-        startAndMove(40); // the last speed was that of the distance before the step
-        const double gain = 0.1 / (1.0 - 0.1 * kStep);
-        expectSpeeds(gain * linearDistance(), gain * angularDistance());
+    for (const double factor : kFactors) {
+        startAndMove(200.0, factor, 1);
+        expectSpeeds(factor * 3.0 * kStep, factor * 3.0 * kStep);
+        startAndMove(200.0, factor, 40);
+        expectSpeeds(factor * 0.3, factor * 0.3);
+        if (m_Mode == NqBaseMotionFilter::Proportional) {
+            startAndMove(0.1, factor, 40);
+            const double gain = 0.1 / (1.0 - 0.1 * kStep); // of the distance that the last step left
+            expectSpeeds(gain * linearDistance(), gain * angularDistance());
+        }
     }
 }
 

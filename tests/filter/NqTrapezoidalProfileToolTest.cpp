@@ -52,11 +52,11 @@ struct Move {
     /// Time of the move that cruises at this velocity, negative where its changes of velocity alone go too
     /// far.
     double timeAt(double cruise) const {
-        Course run{acceleration, start};
-        run.changeTo(cruise);
-        run.changeTo(0.0);
-        const double duration = (distance - run.way) / cruise;
-        return duration < 0.0 ? -1.0 : run.time + duration;
+        Course course{acceleration, start};
+        course.changeTo(cruise);
+        course.changeTo(0.0);
+        const double duration = (distance - course.way) / cruise;
+        return duration < 0.0 ? -1.0 : course.time + duration;
     }
 
     /// The fastest cruise velocity that doesn't go too far.
@@ -106,102 +106,76 @@ private:
     unsigned m_Count = 0;
 };
 
-/// The tool for a move, with the speed factor taken out of its limits.
-Tool toolFor(const Move& move, double factor) {
-    Tool tool;
-    tool.setSpeedFactor(factor);
-    EXPECT_TRUE(tool.setParameters(move.acceleration / factor, move.maxVelocity / factor, move.start));
-    return tool;
-}
-
-constexpr unsigned kMoves = 10000;
-
-TEST(NqTrapezoidalProfileTool, MinimumTimeIsThatOfTheFastestMove) {
+TEST(NqTrapezoidalProfileTool, AgreesWithMovesPutTogetherFromTheirParts) {
+    constexpr unsigned count = 10000;
     Moves moves;
-    std::array<unsigned, 5> kinds{};
-    for (unsigned i = 0; i < kMoves; ++i) {
+    std::array<unsigned, 5> timed{};
+    std::array<unsigned, 5> profiled{};
+    for (unsigned i = 0; i < count; ++i) {
+        SCOPED_TRACE("move " + std::to_string(i));
         const Move move = moves.next();
-        const Tool tool = toolFor(move, moves.range(0.3, 3.0));
-        ++kinds.at(move.kind());
+        const double factor = moves.range(0.3, 3.0);
+        Tool tool;
+        tool.setSpeedFactor(factor);
+        ASSERT_TRUE(tool.setParameters(move.acceleration / factor, move.maxVelocity / factor, move.start));
+        const double fastest = move.fastest();
+        const unsigned kind = move.kind();
+        ++timed.at(kind);
+
         // The stop before a way back with a cruise doesn't count.
-        const double uncounted = move.kind() == 4 ? std::abs(move.start) / move.acceleration : 0.0;
-        const double time = minimumTime(tool, move.distance) + uncounted;
-        ASSERT_NEAR(time, move.timeAt(move.fastest()), 1e-7 * (1.0 + time)) << "move " << i;
-        for (double share = 0.05; share <= 1.0; share += 0.05) { // no cruise makes a faster one
-            const double other = move.timeAt(share * move.fastest());
-            ASSERT_TRUE(other < 0.0 || other >= time - 1e-7) << "move " << i << ", share " << share;
-        }
-    }
-    for (const unsigned count : kinds) {
-        EXPECT_GT(count, kMoves / 20);
-    }
-}
-
-TEST(NqTrapezoidalProfileTool, ProfileVelocityMeetsGoalTimeAndDistance) {
-    Moves moves;
-    std::array<unsigned, 5> kinds{};
-    for (unsigned i = 0; i < kMoves; ++i) {
-        const Move move = moves.next();
-        const Tool tool = toolFor(move, moves.range(0.3, 3.0));
+        const double uncounted = kind == 4 ? std::abs(move.start) / move.acceleration : 0.0;
         const double shortest = minimumTime(tool, move.distance);
+        ASSERT_NEAR(shortest + uncounted, move.timeAt(fastest), 1e-7 * (1.0 + shortest));
+        for (double share = 0.04; share <= 1.0; share += 0.04) { // no cruise makes a faster move
+            const double time = move.timeAt(share * fastest);
+            ASSERT_TRUE(time < 0.0 || time >= shortest + uncounted - 1e-7) << share;
+        }
         double velocity = 77.0;
         const double tooShort = shortest * moves.range(0.2, 0.999) - 2e-6;
-        ASSERT_FALSE(tool.computeProfileVelocity(move.distance, tooShort, velocity)) << "move " << i;
+        ASSERT_FALSE(tool.computeProfileVelocity(move.distance, tooShort, velocity));
         ASSERT_EQ(velocity, 77.0);
-        for (double share = 0.04; share <= 1.0; share += 0.04) {
-            const double time = move.timeAt(share * move.fastest());
-            ASSERT_TRUE(time < 0.0 || time > tooShort) << "move " << i << ", share " << share;
-        }
 
         // The tool's equation is for moves that speed up to their cruise: any after turning first, and those
-        // towards the target that cruise no slower than they start.
-        const double slowest =
-            move.direction() * move.start > 0.0 ? std::abs(move.start / move.fastest()) : 0.02;
-        if (move.kind() == 0 && move.distance != 0.0) {
+        // towards the target that cruise no slower than they start. At the very minimum of time rounding
+        // decides.
+        const double slowest = move.direction() * move.start > 0.0 ? move.start / fastest : 0.02;
+        const double share = 0.97 * moves.range(slowest, 1.0);
+        if ((kind == 0 && move.distance != 0.0) || share < slowest) {
             continue;
         }
-        const double share = moves.range(slowest, 1.0) * 0.97;
-        if (share < slowest) {
-            continue;
-        }
-        const double goal = move.timeAt(share * move.fastest());
-        ASSERT_TRUE(tool.computeProfileVelocity(move.distance, goal, velocity)) << "move " << i;
+        ++profiled.at(kind);
+        const double goal = move.timeAt(share * fastest);
+        ASSERT_TRUE(tool.computeProfileVelocity(move.distance, goal, velocity));
         ASSERT_LE(std::abs(velocity), move.maxVelocity);
-        Course run{move.acceleration, move.start};
-        run.changeTo(velocity);
+        Course course{move.acceleration, move.start};
+        course.changeTo(velocity);
         const double stopTime = std::abs(velocity) / move.acceleration;
-        ASSERT_GE(goal - run.time, stopTime);
-        run.cruise(goal - run.time - stopTime);
-        run.changeTo(0.0);
-        ASSERT_NEAR(run.time, goal, 1e-12 * (1.0 + goal));
-        ASSERT_NEAR(run.way, move.distance, 1e-9 / move.acceleration) << "move " << i;
-        ++kinds.at(move.kind());
+        ASSERT_GE(goal - course.time, stopTime);
+        course.cruise(goal - course.time - stopTime);
+        course.changeTo(0.0);
+        ASSERT_NEAR(course.time, goal, 1e-12 * (1.0 + goal));
+        ASSERT_NEAR(course.way, move.distance, 1e-9 / move.acceleration);
     }
-    for (const unsigned count : kinds) {
-        EXPECT_GT(count, kMoves / 50);
+    for (unsigned kind = 0; kind < timed.size(); ++kind) {
+        EXPECT_GT(timed[kind], count / 20);
+        EXPECT_GT(profiled[kind], count / 50);
     }
 }
 
-/// Acceleration, velocity limit, initial velocity and distance.
-struct TimeCase {
-    double acceleration, maxVelocity, start, distance, time;
-};
-
 TEST(NqTrapezoidalProfileTool, BranchesMeetWhereTheirConditionsAreEqual) {
-    for (const TimeCase& given :
-         {TimeCase{1.0, 1.0, 0.0, 0.0, 0.0}, // no way, no time
-          TimeCase{1.0, 1.0, 0.0, 1.0, 2.0}, // just touches the limit
-          TimeCase{1.0, 1.0, 0.0, -3.0, 4.0},
-          TimeCase{1.0, 4.0, 2.0, 2.0, 2.0}, // the stop alone reaches the target
-          TimeCase{1.0, 4.0, 2.0, 1.0, 4.0}, // and here it passes it
-          TimeCase{1.0, 4.0, -2.0, 0.0, 2.0 + 2.0 * std::sqrt(2.0)},
-          TimeCase{1.0, 1.0, 1.0, -0.5, 3.0}, // back over exactly what touches the limit
-          TimeCase{1.0, 1.0, -1.0, 1.0, 2.5}}) {
+    const auto timeOf = [](double maxVelocity, double start, double distance) {
         Tool tool;
-        ASSERT_TRUE(tool.setParameters(given.acceleration, given.maxVelocity, given.start));
-        EXPECT_DOUBLE_EQ(minimumTime(tool, given.distance), given.time)
-            << given.start << ' ' << given.distance;
-    }
+        EXPECT_TRUE(tool.setParameters(1.0, maxVelocity, start));
+        return minimumTime(tool, distance);
+    };
+    EXPECT_EQ(timeOf(1.0, 0.0, 0.0), 0.0);
+    EXPECT_DOUBLE_EQ(timeOf(1.0, 0.0, 1.0), 2.0); // just touches the limit
+    EXPECT_DOUBLE_EQ(timeOf(1.0, 0.0, -3.0), 4.0);
+    EXPECT_DOUBLE_EQ(timeOf(4.0, 2.0, 2.0), 2.0); // the stop alone reaches the target
+    EXPECT_DOUBLE_EQ(timeOf(4.0, 2.0, 1.0), 4.0); // and here it passes it
+    EXPECT_DOUBLE_EQ(timeOf(4.0, -2.0, 0.0), 2.0 + 2.0 * std::sqrt(2.0));
+    EXPECT_DOUBLE_EQ(timeOf(1.0, 1.0, -0.5), 3.0); // the way back just touches the limit
+    EXPECT_DOUBLE_EQ(timeOf(1.0, -1.0, 1.0), 2.5);
 }
 
 TEST(NqTrapezoidalProfileTool, ChoosesTheSlowerProfileAndToleratesAMillionthOfASecond) {
@@ -213,10 +187,12 @@ TEST(NqTrapezoidalProfileTool, ChoosesTheSlowerProfileAndToleratesAMillionthOfAS
     EXPECT_DOUBLE_EQ(velocity, -1.0);
     ASSERT_TRUE(tool.computeProfileVelocity(4.0, 4.0, velocity)); // the minimum, both roots 2
     EXPECT_DOUBLE_EQ(velocity, 2.0);
+    ASSERT_TRUE(tool.computeProfileVelocity(4.0, 4.0 - 1e-7, velocity));
+    EXPECT_DOUBLE_EQ(velocity, 2.0 - 0.5e-7);
     EXPECT_FALSE(tool.computeProfileVelocity(4.0, 4.0 - 1.1e-6, velocity));
-    // Within the tolerance of the minimum, but too short for the cruise at the limit.
     tool.setMaxVelocity(1.0);
     EXPECT_TRUE(tool.computeProfileVelocity(3.0, 4.0, velocity));
+    // Within the tolerance of the minimum, but too short for the cruise at the limit.
     EXPECT_FALSE(tool.computeProfileVelocity(3.0, 4.0 - 0.5e-6, velocity));
     EXPECT_EQ(velocity, 1.0);
 }

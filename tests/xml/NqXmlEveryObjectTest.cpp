@@ -17,10 +17,18 @@
 
 namespace {
 
+using Point = NqPointMotionFilter;
+using Scalar = NqScalarMotionFilter;
+using Rotation = NqRotationMotionFilter;
+using General = NqGeneralMotionFilter;
+using Acceleration = NqGeneralMotionAccFilter;
+
+const std::string kMode = "<filteringMode>trapezoidal</filteringMode>";
+
 struct ObjectCase {
     const char* name;
     std::shared_ptr<NqXmlObject> object;
-    const char* text; ///< of the document, without declaration and line breaks
+    std::string text; ///< of the document, without declaration and line breaks
 };
 
 void PrintTo(const ObjectCase& objectCase, std::ostream* stream) {
@@ -58,69 +66,29 @@ NqTestShapeMap sampleShapeMap() {
     return shapes;
 }
 
-NqPointMotionFilter samplePointFilter() {
-    NqPointMotionFilter filter;
-    filter.setFilteringMode(NqBaseMotionFilter::ThreeHalves);
-    filter.setExponent(0.1 + 0.2);
-    filter.setThreshold(1e300);
-    filter.setAccelerationThreshold(2.0);
-    filter.setDecelerationThreshold(3.0);
-    filter.setLinearGain(4.0);
-    return filter;
-}
-
-NqRotationMotionFilter sampleRotationFilter() {
-    NqRotationMotionFilter filter;
-    filter.setFilteringMode(NqBaseMotionFilter::Proportional);
-    filter.setExponent(-0.0);
-    filter.setAngularVelocityThreshold(0.1 + 0.2);
-    filter.setAngularAccelerationThreshold(2.0);
-    filter.setAngularDecelerationThreshold(3.0);
-    filter.setAngularGain(4.0);
-    return filter;
-}
-
-NqGeneralMotionFilter sampleGeneralFilter() {
-    NqGeneralMotionFilter filter;
-    filter.setOffset({0.1 + 0.2, -0.5, 1e-300});
-    filter.setLinearVelocityThreshold(2.0);
-    filter.setAngularVelocityThreshold(3.0);
-    filter.setLinearAccelerationThreshold(4.0);
-    filter.setAngularAccelerationThreshold(5.0);
-    filter.setLinearDecelerationThreshold(6.0);
-    filter.setAngularDecelerationThreshold(7.0);
-    filter.setLinearGain(9.0);
-    filter.setAngularGain(10.0);
-    return filter;
-}
-
-NqScalarMotionFilter sampleScalarFilter() {
-    NqScalarMotionFilter filter;
-    filter.setThreshold(0.1 + 0.2);
-    filter.setAccelerationThreshold(2.0);
-    filter.setDecelerationThreshold(3.0);
-    filter.setGain(4.0);
-    return filter;
-}
-
-NqGeneralMotionAccFilter sampleAccelerationFilter() {
-    NqGeneralMotionAccFilter filter;
-    filter.setOffset({0.1 + 0.2, -0.5, 1e-300});
-    filter.setAngularWeight(2.0);
-    filter.setThreshold(3.0);
-    filter.setLinearGain(4.0);
-    filter.setAngularGain(5.0);
-    return filter;
-}
-
 template <typename Object>
 std::shared_ptr<NqXmlObject> made(const Object& object) {
     return std::make_shared<Object>(object);
 }
 
-class NqXmlEveryObject : public testing::TestWithParam<ObjectCase> {};
-
 #define NQ_CT "xmlns=\"http://nq.example/namespace/ct#\""
+
+/// A filter in which each of these setters has left another number, and the element that shows it. `fixed` is
+/// what stands in front of them.
+template <typename Filter>
+ObjectCase filterCase(const char* name, const std::string& element, const std::string& fixed,
+                      std::initializer_list<std::pair<const char*, void (Filter::*)(double)>> fields) {
+    Filter filter;
+    double value = 0.1 + 0.2;
+    std::string text = "<" + element + " " NQ_CT ">" + fixed;
+    for (const auto& [field, set] : fields) {
+        (filter.*set)(++value);
+        text += "<" + std::string(field) + ">" + NqXmlBasicType<double>(value).toText() + "</" + field + ">";
+    }
+    return {name, made(filter), text + "</" + element + ">"};
+}
+
+class NqXmlEveryObject : public testing::TestWithParam<ObjectCase> {};
 
 INSTANTIATE_TEST_SUITE_P(
     Forms, NqXmlEveryObject,
@@ -157,39 +125,40 @@ INSTANTIATE_TEST_SUITE_P(
                    "><element><key>&lt;second&gt;</key><circle type=\"shape\"/></element>"
                    "<element><key>first</key><square type=\"shape\"><size>1</size>"
                    "<filteringMode>trapezoidal</filteringMode></square></element></endEffectorMap>"},
-        ObjectCase{"PointFilter", made(samplePointFilter()),
-                   "<pointMotionFilter " NQ_CT "><filteringMode>threeHalves</filteringMode>"
-                   "<exponent>0.30000000000000004</exponent><threshold>1e+300</threshold>"
-                   "<accelerationThreshold>2</accelerationThreshold>"
-                   "<decelerationThreshold>3</decelerationThreshold><linearGain>4</linearGain>"
-                   "</pointMotionFilter>"},
-        ObjectCase{"RotationFilter", made(sampleRotationFilter()),
-                   "<generalMotionFilter " NQ_CT "><filteringMode>proportional</filteringMode>"
-                   "<exponent>-0</exponent>"
-                   "<angularVelocityThreshold>0.30000000000000004</angularVelocityThreshold>"
-                   "<angularAccelerationThreshold>2</angularAccelerationThreshold>"
-                   "<angularDecelerationThreshold>3</angularDecelerationThreshold>"
-                   "<angularGain>4</angularGain></generalMotionFilter>"},
-        ObjectCase{"GeneralFilter", made(sampleGeneralFilter()),
-                   "<generalMotionFilter " NQ_CT "><filteringMode>trapezoidal</filteringMode>"
-                   "<exponent>0</exponent><offset>0.30000000000000004 -0.5 1e-300</offset>"
-                   "<linearVelocityThreshold>2</linearVelocityThreshold>"
-                   "<angularVelocityThreshold>3</angularVelocityThreshold>"
-                   "<linearAccelerationThreshold>4</linearAccelerationThreshold>"
-                   "<angularAccelerationThreshold>5</angularAccelerationThreshold>"
-                   "<linearDecelerationThreshold>6</linearDecelerationThreshold>"
-                   "<angularDecelerationThreshold>7</angularDecelerationThreshold>"
-                   "<linearGain>9</linearGain><angularGain>10</angularGain></generalMotionFilter>"},
-        ObjectCase{"ScalarFilter", made(sampleScalarFilter()),
-                   "<scalarMotionFilter " NQ_CT "><filteringMode>trapezoidal</filteringMode>"
-                   "<exponent>0</exponent><threshold>0.30000000000000004</threshold>"
-                   "<accelerationThreshold>2</accelerationThreshold>"
-                   "<decelerationThreshold>3</decelerationThreshold><gain>4</gain></scalarMotionFilter>"},
-        ObjectCase{"AccelerationFilter", made(sampleAccelerationFilter()),
-                   "<generalMotionAccelerationFilter " NQ_CT
-                   "><offset>0.30000000000000004 -0.5 1e-300</offset><angularWeight>2</angularWeight>"
-                   "<threshold>3</threshold><linearGain>4</linearGain><angularGain>5</angularGain>"
-                   "</generalMotionAccelerationFilter>"}),
+        filterCase<Point>("PointFilter", "pointMotionFilter", kMode,
+                          {{"exponent", &Point::setExponent},
+                           {"threshold", &Point::setThreshold},
+                           {"accelerationThreshold", &Point::setAccelerationThreshold},
+                           {"decelerationThreshold", &Point::setDecelerationThreshold},
+                           {"linearGain", &Point::setLinearGain}}),
+        filterCase<Scalar>("ScalarFilter", "scalarMotionFilter", kMode,
+                           {{"exponent", &Scalar::setExponent},
+                            {"threshold", &Scalar::setThreshold},
+                            {"accelerationThreshold", &Scalar::setAccelerationThreshold},
+                            {"decelerationThreshold", &Scalar::setDecelerationThreshold},
+                            {"gain", &Scalar::setGain}}),
+        filterCase<Rotation>("RotationFilter", "generalMotionFilter", kMode,
+                             {{"exponent", &Rotation::setExponent},
+                              {"angularVelocityThreshold", &Rotation::setAngularVelocityThreshold},
+                              {"angularAccelerationThreshold", &Rotation::setAngularAccelerationThreshold},
+                              {"angularDecelerationThreshold", &Rotation::setAngularDecelerationThreshold},
+                              {"angularGain", &Rotation::setAngularGain}}),
+        filterCase<General>("GeneralFilter", "generalMotionFilter",
+                            kMode + "<exponent>0</exponent><offset>0 0 0</offset>",
+                            {{"linearVelocityThreshold", &General::setLinearVelocityThreshold},
+                             {"angularVelocityThreshold", &General::setAngularVelocityThreshold},
+                             {"linearAccelerationThreshold", &General::setLinearAccelerationThreshold},
+                             {"angularAccelerationThreshold", &General::setAngularAccelerationThreshold},
+                             {"linearDecelerationThreshold", &General::setLinearDecelerationThreshold},
+                             {"angularDecelerationThreshold", &General::setAngularDecelerationThreshold},
+                             {"linearGain", &General::setLinearGain},
+                             {"angularGain", &General::setAngularGain}}),
+        filterCase<Acceleration>("AccelerationFilter", "generalMotionAccelerationFilter",
+                                 "<offset>0 0 0</offset>",
+                                 {{"angularWeight", &Acceleration::setAngularWeight},
+                                  {"threshold", &Acceleration::setThreshold},
+                                  {"linearGain", &Acceleration::setLinearGain},
+                                  {"angularGain", &Acceleration::setAngularGain}})),
     [](const auto& which) { return which.param.name; });
 
 void keepSilent(void*, const char*, ...) {}

@@ -155,39 +155,42 @@ NqGeneralMotion NqEndEffector::unitRateMotion(const NqManipulatorLink& jointLink
     return motion.transformBy(origin - jointFrame.translation());
 }
 
-void NqEndEffector::insertChainBits(const NqIndividualManipulator& manipulator, unsigned row,
-                                    const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
-                                    const LabelMessages& messages, const unsigned* baseBits,
-                                    SparsityDescription& sparsity) const {
-    const unsigned end = row + doc();
-    const bool isInternal =
-        relativeLink.relativeMode() == NqEndEffectorRelativeLinkData::relativeModeInternal;
+void NqEndEffector::clearBits(const NqIndividualManipulator& manipulator, unsigned row, bool fixedBase,
+                              SparsityDescription& sparsity) const {
     const std::size_t width = jacobianWidth(manipulator, fixedBase);
     rightSizeSparsityDescriptionMatrix(row, static_cast<unsigned>(width), sparsity);
-    for (unsigned i = row; i < end; ++i) {
+    for (unsigned i = row; i < row + doc(); ++i) {
         // Rows that right-sizing left as they were may be narrower.
         sparsity[i].resize(std::max(sparsity[i].size(), width));
     }
+}
 
-    const auto setChain = [&](const std::string& label, const char* message) {
-        if (const NqManipulatorLink* link = linkOrMessage(manipulator, label, message)) {
-            forEachInboardLink(*link, [&](const NqManipulatorLink& joint) {
-                for (unsigned i = row; i < end; ++i) {
-                    sparsity[i][joint.jointIndex()] = true;
-                }
-            });
-        }
-    };
-    setChain(linkIdentifier(), messages.badLabel);
-    if (isInternal) {
-        setChain(relativeLink.relativeLinkID(), messages.badRelativeLabel);
+void NqEndEffector::insertChainBits(const NqManipulatorLink* link, unsigned row,
+                                    SparsityDescription& sparsity) const {
+    if (link) {
+        forEachInboardLink(*link, [&](const NqManipulatorLink& joint) {
+            for (unsigned i = row; i < row + doc(); ++i) {
+                sparsity[i][joint.jointIndex()] = true;
+            }
+        });
     }
-    if (!fixedBase && !isInternal) {
-        for (unsigned i = row; i < end; ++i) {
-            for (unsigned c = 0; c < m_theBaseDof; ++c) {
-                if ((baseBits[i - row] >> c & 1U) != 0) {
-                    sparsity[i][manipulator.numberOfJoints() + c] = true;
-                }
+}
+
+void NqEndEffector::insertMotionBits(const NqIndividualManipulator& manipulator, unsigned row,
+                                     const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
+                                     const LabelMessages& messages, const unsigned* baseBits,
+                                     SparsityDescription& sparsity) const {
+    clearBits(manipulator, row, fixedBase, sparsity);
+    insertChainBits(linkOrMessage(manipulator, linkIdentifier(), messages.badLabel), row, sparsity);
+    insertChainBits(internalRelativeLink(manipulator, relativeLink, messages.badRelativeLabel), row,
+                    sparsity);
+    if (!hasBaseColumns(relativeLink, fixedBase)) {
+        return;
+    }
+    for (unsigned i = 0; i < doc(); ++i) {
+        for (unsigned c = 0; c < m_theBaseDof; ++c) {
+            if ((baseBits[i] >> c & 1U) != 0) {
+                sparsity[row + i][manipulator.numberOfJoints() + c] = true;
             }
         }
     }
@@ -218,8 +221,9 @@ double NqEndEffector::timeForDistance(double distance, double speedLimit) {
     return distance / NqMath::nonZeroPos(speedLimit);
 }
 
-void NqEndEffector::insertPart(const NqVector& part, NqXmlRealVector& values, unsigned start) {
-    values.resize(start + 3);
+void NqEndEffector::insertPart(const NqVector& part, NqXmlRealVector& values, unsigned start, Tail tail) {
+    const std::size_t end = start + 3;
+    values.resize(tail == Tail::Kept ? std::max(end, values.size()) : end);
     for (unsigned i = 0; i < 3; ++i) {
         values[start + i] = part[i];
     }

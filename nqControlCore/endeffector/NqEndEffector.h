@@ -251,9 +251,44 @@ protected:
     static NqGeneralMotion unitRateMotion(const NqManipulatorLink& jointLink, const NqVector& origin,
                                           NqManipulatorActivePositionState& state);
 
-    /// Writes the columns of all joints, and of a free base, for rows that are a linear function of the
-    /// motion of a frame with its origin at `origin` (system frame), carried by `link`. `rowsOf` maps such a
-    /// motion to an array of row entries. The rows must be right-sized.
+    /// Calls `visit(column, motion)` for each joint that carries `link`, with the motion of a body fixed in
+    /// the link, in the system frame and referred to `origin`, for a unit rate of that joint.
+    template <typename Visit>
+    static void forEachJointMotion(const NqManipulatorLink& link, const NqVector& origin,
+                                   NqManipulatorActivePositionState& state, Visit visit) {
+        forEachInboardLink(link, [&](const NqManipulatorLink& joint) {
+            visit(joint.jointIndex(), unitRateMotion(joint, origin, state));
+        });
+    }
+
+    /// Whether the base columns are to be filled: the base moves, and the rows are not relative to another
+    /// link of the same manipulator.
+    static bool hasBaseColumns(const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase) {
+        return !fixedBase &&
+               relativeLink.relativeMode() != NqEndEffectorRelativeLinkData::relativeModeInternal;
+    }
+
+    /// The link that rows are relative to in internal mode; null in the others, and, with the message, for an
+    /// unknown label.
+    static const NqManipulatorLink* internalRelativeLink(const NqIndividualManipulator& manipulator,
+                                                         const NqEndEffectorRelativeLinkData& relativeLink,
+                                                         const char* badRelativeLabel) {
+        return relativeLink.relativeMode() == NqEndEffectorRelativeLinkData::relativeModeInternal
+                   ? linkOrMessage(manipulator, relativeLink.relativeLinkID(), badRelativeLabel)
+                   : nullptr;
+    }
+
+    /// Writes the columns of all joints, for rows that are a linear function of the motion of a frame with
+    /// its origin at `origin` (system frame), carried by `link`, less that of the relative link. `rowsOf`
+    /// maps such a motion to an array of row entries. The rows must be right-sized.
+    template <typename RowsOf>
+    static void insertJointColumns(const NqIndividualManipulator& manipulator, unsigned row,
+                                   const NqEndEffectorRelativeLinkData& relativeLink,
+                                   const NqManipulatorLink& link, const NqVector& origin,
+                                   const char* badRelativeLabel, NqManipulatorActivePositionState& state,
+                                   NqReArray& jacobian, RowsOf rowsOf);
+
+    /// The same, and the columns of a free base.
     template <typename RowsOf>
     static void insertMotionRows(const NqIndividualManipulator& manipulator, unsigned row,
                                  const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
@@ -265,12 +300,19 @@ protected:
     /// velocity: bit c of entry r is base column c.
     static constexpr unsigned m_theBaseBits[6] = {0b110001, 0b101010, 0b011100, 0b001000, 0b010000, 0b100000};
 
+    /// Right-sizes the rows, all bits clear.
+    void clearBits(const NqIndividualManipulator& manipulator, unsigned row, bool fixedBase,
+                   SparsityDescription& sparsity) const;
+
+    /// Sets the bits of the joints that move a link, in all rows; none for a null link.
+    void insertChainBits(const NqManipulatorLink* link, unsigned row, SparsityDescription& sparsity) const;
+
     /// Right-sizes the rows and sets the bits of the joints that move the link or the relative link, and
-    /// those of a free base, row by row from `baseBits`.
-    void insertChainBits(const NqIndividualManipulator& manipulator, unsigned row,
-                         const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
-                         const LabelMessages& messages, const unsigned* baseBits,
-                         SparsityDescription& sparsity) const;
+    /// those of a free base, row by row from `baseBits`: the bits that belong to insertMotionRows().
+    void insertMotionBits(const NqIndividualManipulator& manipulator, unsigned row,
+                          const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
+                          const LabelMessages& messages, const unsigned* baseBits,
+                          SparsityDescription& sparsity) const;
 
     /// Writes error weights in the shape that the array has; `weightOf(i)` is the weight of the i-th row.
     template <typename WeightOf>
@@ -305,8 +347,12 @@ protected:
 
     unsigned numEditableValues() const { return m_NumEditableValues; }
 
-    /// Writes a vector from `start` on into `values`, which is resized to end behind it.
-    static void insertPart(const NqVector& part, NqXmlRealVector& values, unsigned start);
+    /// What insertPart() does with entries behind those that it writes.
+    enum class Tail { Cut, Kept };
+
+    /// Writes a vector from `start` on into `values`, which is resized to end behind it, or lengthened to.
+    static void insertPart(const NqVector& part, NqXmlRealVector& values, unsigned start,
+                           Tail tail = Tail::Cut);
 
     /// A placement to work on in const operations; it carries nothing from call to call.
     NqEndEffectorPlacement& scratchPlacement() const { return *m_ScratchPlacement; }
@@ -351,44 +397,49 @@ private:
 };
 
 template <typename RowsOf>
+void NqEndEffector::insertJointColumns(const NqIndividualManipulator& manipulator, unsigned row,
+                                       const NqEndEffectorRelativeLinkData& relativeLink,
+                                       const NqManipulatorLink& link, const NqVector& origin,
+                                       const char* badRelativeLabel, NqManipulatorActivePositionState& state,
+                                       NqReArray& jacobian, RowsOf rowsOf) {
+    forEachJointMotion(link, origin, state, [&](unsigned column, const NqGeneralMotion& motion) {
+        const auto entries = rowsOf(motion);
+        for (unsigned i = 0; i < entries.size(); ++i) {
+            jacobian[row + i][column] = entries[i];
+        }
+    });
+    // Both motions are taken at the same point, so that a joint which carries both links cancels exactly.
+    if (const auto* reference = internalRelativeLink(manipulator, relativeLink, badRelativeLabel)) {
+        forEachJointMotion(*reference, origin, state, [&](unsigned column, const NqGeneralMotion& motion) {
+            const auto entries = rowsOf(motion);
+            for (unsigned i = 0; i < entries.size(); ++i) {
+                jacobian[row + i][column] -= entries[i];
+            }
+        });
+    }
+}
+
+template <typename RowsOf>
 void NqEndEffector::insertMotionRows(const NqIndividualManipulator& manipulator, unsigned row,
                                      const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
                                      const NqManipulatorLink& link, const NqVector& origin,
                                      const char* badRelativeLabel, NqManipulatorActivePositionState& state,
                                      NqReArray& jacobian, RowsOf rowsOf) {
-    const bool isInternal =
-        relativeLink.relativeMode() == NqEndEffectorRelativeLinkData::relativeModeInternal;
-    const auto forEachEntry = [&](unsigned column, const NqGeneralMotion& motion, auto action) {
-        const auto entries = rowsOf(motion);
-        for (unsigned i = 0; i < entries.size(); ++i) {
-            action(jacobian[row + i][column], entries[i]);
-        }
-    };
-
-    forEachInboardLink(link, [&](const NqManipulatorLink& joint) {
-        forEachEntry(joint.jointIndex(), unitRateMotion(joint, origin, state),
-                     [](double& element, double entry) { element = entry; });
-    });
-
-    // Both motions are taken at the same point, so that a joint which carries both links cancels exactly.
-    const NqManipulatorLink* reference =
-        isInternal ? linkOrMessage(manipulator, relativeLink.relativeLinkID(), badRelativeLabel) : nullptr;
-    if (reference) {
-        forEachInboardLink(*reference, [&](const NqManipulatorLink& joint) {
-            forEachEntry(joint.jointIndex(), unitRateMotion(joint, origin, state),
-                         [](double& element, double entry) { element -= entry; });
-        });
+    insertJointColumns(manipulator, row, relativeLink, link, origin, badRelativeLabel, state, jacobian,
+                       rowsOf);
+    if (!hasBaseColumns(relativeLink, fixedBase)) {
+        return;
     }
-
-    if (!fixedBase && !isInternal) {
-        const NqVector arm = origin - manipulator.baseFrameInSystem(state).translation();
-        for (unsigned axis = 0; axis < 3; ++axis) {
-            NqVector unit;
-            unit[axis] = 1.0;
-            const unsigned column = manipulator.numberOfJoints() + axis;
-            const auto set = [](double& element, double entry) { element = entry; };
-            forEachEntry(column, NqGeneralMotion(unit, NqVector()), set);
-            forEachEntry(column + 3, NqGeneralMotion(unit.cross(arm), unit), set);
+    const NqVector arm = origin - manipulator.baseFrameInSystem(state).translation();
+    for (unsigned axis = 0; axis < 3; ++axis) {
+        NqVector unit;
+        unit[axis] = 1.0;
+        const auto translation = rowsOf(NqGeneralMotion(unit, NqVector()));
+        const auto rotation = rowsOf(NqGeneralMotion(unit.cross(arm), unit));
+        const unsigned column = manipulator.numberOfJoints() + axis;
+        for (unsigned i = 0; i < translation.size(); ++i) {
+            jacobian[row + i][column] = translation[i];
+            jacobian[row + i][column + 3] = rotation[i];
         }
     }
 }
@@ -431,6 +482,6 @@ template <typename Class>
 void NqEndEffector::parseValues(const NqEditableValueTable<Class>& table, const NqLabelVector& values,
                                 Class& self) {
     for (unsigned i = 0; i < table.size(); ++i) {
-        table[i].parse(self, values[i]);
+        table[i].parse(self, values, i);
     }
 }

@@ -1,5 +1,10 @@
 #pragma once
 
+#include <nqControlCore/endeffector/NqAxisRotateEndEffector.h>
+#include <nqControlCore/endeffector/NqFrameEndEffector.h>
+#include <nqControlCore/endeffector/NqLinearConstraintEndEffector.h>
+#include <nqControlCore/endeffector/NqOrientationEndEffector.h>
+#include <nqControlCore/endeffector/NqPointDistanceEndEffector.h>
 #include <nqControlCore/endeffector/NqPointEndEffector.h>
 
 /// A list of types, to be run through at compile time.
@@ -14,7 +19,9 @@ struct NqTypeList {
 
 /// All end-effector types that a file can hold, in the order of their registration. This is the one list:
 /// both collections and the tests run over it.
-using NqEndEffectorTypes = NqTypeList<NqPointEndEffector>;
+using NqEndEffectorTypes =
+    NqTypeList<NqPointEndEffector, NqFrameEndEffector, NqLinearConstraintEndEffector,
+               NqOrientationEndEffector, NqPointDistanceEndEffector, NqAxisRotateEndEffector>;
 
 class NqXmlBaseVariableCompoundType;
 

@@ -35,7 +35,7 @@ void NqPointEndEffector::insertSparsityComponent(const NqIndividualManipulator& 
     constexpr LabelMessages messages = {
         "NqPointEndEffector::insertSparsityComponent(): bad label on point end effector: %s.\n",
         "NqPointEndEffector::insertSparsityComponent(): bad index on relative pLink: %d.\n"};
-    insertChainBits(manipulator, row, relativeLink, fixedBase, messages, m_theBaseBits, sparsity);
+    insertMotionBits(manipulator, row, relativeLink, fixedBase, messages, m_theBaseBits, sparsity);
 }
 
 void NqPointEndEffector::insertErrorWeightComponent(unsigned row, NqReArray& weights) const {
@@ -142,10 +142,7 @@ const NqEditableValueTable<NqPointEndEffector>& NqPointEndEffector::editableTabl
             "Velocity Profile Type",
             "The velocity profile type.  Current supported values are: trapezoidal and proportional", filter),
         Table::number("Exponent", "Unused", filter, &F::exponent, &F::setExponent),
-        Table::flag("Is Hard Constraint",
-                    "Boolean flag (0/1) describing if this end effector should be treated as a hard or soft "
-                    "constraint.  Soft constraint (=0) will give a best effort to achieve desired placement.",
-                    &E::isHardConstraint, &E::setIsHardConstraint),
+        Table::hardConstraint(),
         Table::number(
             "Soft Constraint Gain",
             "If this is a soft contraint, gain value (g) such that the soft contraint gain G = g*S (where "

@@ -1,0 +1,157 @@
+#include <nqControlCore/endeffector/NqFrameBasedEndEffector.h>
+
+#include <algorithm>
+
+void NqFrameBasedEndEffector::filterEndEffectorVelocity(const NqXmlRealVector& desiredVelocity,
+                                                        const NqXmlRealVector& previousVelocity,
+                                                        double timeStep, NqXmlRealVector& filtered) const {
+    NqGeneralMotion out;
+    m_MotionFilter.filterVelocity(generalVelocity(desiredVelocity), generalVelocity(previousVelocity),
+                                  timeStep, out);
+    convertFromGeneralVelocity(out, filtered);
+}
+
+void NqFrameBasedEndEffector::filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
+                                                        const NqEndEffectorPlacement& desiredPlacement,
+                                                        const NqXmlRealVector& desiredVelocity,
+                                                        const NqXmlRealVector& previousVelocity,
+                                                        double timeStep, NqManipulatorActiveState& state,
+                                                        NqXmlRealVector& filtered) const {
+    NqGeneralMotion out;
+    filterFrameEndEffectorVelocity(manipulator, desiredPlacement, generalVelocity(desiredVelocity),
+                                   generalVelocity(previousVelocity), timeStep, state, out);
+    convertFromGeneralVelocity(out, filtered);
+}
+
+void NqFrameBasedEndEffector::calculateEndEffectorError(const NqIndividualManipulator& manipulator,
+                                                        const NqEndEffectorPlacement& desiredPlacement,
+                                                        NqManipulatorActiveState& state,
+                                                        NqXmlRealVector& error) const {
+    calculatePlacement(manipulator, state, scratchPlacement());
+    constexpr bool matchTimes = true;
+    constexpr bool zAxisOnly = false;
+    constexpr bool applyProfile = false;
+    NqGeneralMotion motion;
+    motionFilter().calculateGeneralMotion(scratchPlacement(), desiredPlacement, {}, {}, 1.0, motion,
+                                          matchTimes, zAxisOnly, applyProfile);
+    convertFromGeneralVelocity(motion, error);
+}
+
+void NqFrameBasedEndEffector::filterFrameEndEffectorVelocity(const NqIndividualManipulator& manipulator,
+                                                             const NqEndEffectorPlacement& desiredPlacement,
+                                                             const NqGeneralMotion& desiredVelocity,
+                                                             const NqGeneralMotion& previousVelocity,
+                                                             double timeStep, NqManipulatorActiveState& state,
+                                                             NqGeneralMotion& filtered) const {
+    calculatePlacement(manipulator, state, scratchPlacement());
+    constexpr bool matchTimes = true;
+    constexpr bool zAxisOnly = false;
+    constexpr bool applyProfile = true;
+    motionFilter().calculateGeneralMotion(scratchPlacement(), desiredPlacement, desiredVelocity,
+                                          previousVelocity, timeStep, filtered, matchTimes, zAxisOnly,
+                                          applyProfile);
+}
+
+void NqFrameBasedEndEffector::convertToGeneralVelocity(const NqXmlRealVector& velocity,
+                                                       NqGeneralMotion& motion) const {
+    NqVector parts[2];
+    for (unsigned i = 0; i < std::min<std::size_t>(velocity.size(), 6); ++i) {
+        parts[i / 3][i % 3] = velocity[i];
+    }
+    motion = NqGeneralMotion(parts[0], parts[1]);
+}
+
+void NqFrameBasedEndEffector::convertFromGeneralVelocity(const NqGeneralMotion& motion,
+                                                         NqXmlRealVector& velocity) const {
+    const unsigned count = std::min(doc(), 6U);
+    velocity.resize(count);
+    for (unsigned i = 0; i < count; ++i) {
+        velocity[i] = motion[i];
+    }
+}
+
+NqGeneralMotion NqFrameBasedEndEffector::generalVelocity(const NqXmlRealVector& velocity) const {
+    NqGeneralMotion motion;
+    convertToGeneralVelocity(velocity, motion);
+    return motion;
+}
+
+const NqLabelVector& NqFrameBasedEndEffector::editableValues() const {
+    return printedValues(editableTable(), *this);
+}
+
+void NqFrameBasedEndEffector::setEditableValues(const NqLabelVector& values) {
+    if (values.size() >= numEditableValues()) {
+        parseValues(editableTable(), values, *this);
+    }
+}
+
+const NqEditableValueTable<NqFrameBasedEndEffector>& NqFrameBasedEndEffector::editableTable() {
+    using F = NqGeneralMotionFilter;
+    using T = NqCoordinateSystemTransformation;
+    using Table = NqEditableValueTable<NqFrameBasedEndEffector>;
+    constexpr auto filter = [](auto& e) -> auto& {
+        return e.filter();
+    };
+    constexpr auto frame = [](auto& e) -> auto& {
+        return e.m_Frame.value();
+    };
+    static const Table table = {
+        Table::number(
+            "Frame Offset: X",
+            "The X offset of the end effector frame (meters).  This is measured from the DH-Frame of the "
+            "link",
+            frame, [](const auto& f) { return f.translation().x(); }, &T::setTranslationX),
+        Table::number(
+            "Frame Offset: Y",
+            "The Y offset of the end effector frame (meters).  This is measured from the DH-Frame of the "
+            "link",
+            frame, [](const auto& f) { return f.translation().y(); }, &T::setTranslationY),
+        Table::number(
+            "Frame Offset: Z",
+            "The Z offset of the end effector frame (meters).  This is measured from the DH-Frame of the "
+            "link",
+            frame, [](const auto& f) { return f.translation().z(); }, &T::setTranslationZ),
+        Table::angle("Frame Angle",
+                     "Angle (radians).  Used for angle-axis orientation offset of the end effector frame. "
+                     "This is measured from the DH-Frame of the link",
+                     frame, &T::orientation, &T::setOrientation),
+        Table::axis("Frame Axis: X",
+                    "X component of the angle axis vector (meters).  Used for angle-axis orientation offset "
+                    "of the end effector frame. This is measured from the DH-Frame of the link",
+                    frame, &T::orientation, 0),
+        Table::axis("Frame Axis: Y",
+                    "Y component of the angle axis vector (meters).  Used for angle-axis orientation offset "
+                    "of the end effector frame. This is measured from the DH-Frame of the link",
+                    frame, &T::orientation, 1),
+        Table::axis("Frame Axis: Z",
+                    "Z component of the angle axis vector (meters).  Used for angle-axis orientation offset "
+                    "of the end effector frame. This is measured from the DH-Frame of the link",
+                    frame, &T::orientation, 2),
+        Table::number("Max. Linear Velocity",
+                      "The maximum linear velocity the end effector can achieve (m/s)", filter,
+                      &F::linearVelocityThreshold, &F::setLinearVelocityThreshold),
+        Table::number("Max. Angular Velocity",
+                      "The maximum angular velocity the end effector can achieve (rad/s)", filter,
+                      &F::angularVelocityThreshold, &F::setAngularVelocityThreshold),
+        Table::number("Max. Linear Acceleration",
+                      "The maximum linear acceleration the end effector can achieve (m/s^2)", filter,
+                      &F::linearAccelerationThreshold, &F::setLinearAccelerationThreshold),
+        Table::number("Max. Angular Acceleration",
+                      "The maximum angular acceleration the end effector can achieve (rad/s^2)", filter,
+                      &F::angularAccelerationThreshold, &F::setAngularAccelerationThreshold),
+        Table::number("Max. Linear Deceleration",
+                      "The maximum linear deceleration the end effector can achieve (m/s^2)", filter,
+                      &F::linearDecelerationThreshold, &F::setLinearDecelerationThreshold),
+        Table::number("Max. Angular Deceleration",
+                      "The maximum angular deceleration the end effector can achieve (rad/s^2)", filter,
+                      &F::angularDecelerationThreshold, &F::setAngularDecelerationThreshold),
+        Table::modeWord("Velocity Profile Type",
+                        "The velocity profile type.  Current suppoted values are: trapezoidal, proportional "
+                        "and threehalves.",
+                        filter),
+        Table::number("Exponent", "Unused", filter, &F::exponent, &F::setExponent),
+        Table::hardConstraint(),
+    };
+    return table;
+}

@@ -1,0 +1,144 @@
+#pragma once
+
+#include <nqControlCore/endeffector/NqScalarBasedEndEffector.h>
+#include <nqControlCore/foundation/math/NqDroppedOnCopy.h>
+
+#include <limits>
+#include <vector>
+
+/// Constrains a weighted sum of joint values: one row, the weights in the columns of the joints.
+///
+/// The number is the sum of linkWeights[i] times the position of the joint of linkLabels[i], less
+/// weightedSum. Of labels and weights only as many count as both lists have. The link that the base class
+/// names plays no part, nor do relative links, external offsets or a free base.
+///
+/// Joints are looked up once and remembered, also for another manipulator, until the labels are set, read or
+/// assigned. A label that is unknown, or of a link without a joint, is left out with a message.
+class NqLinearConstraintEndEffector
+    : public NqXmlPersistent<NqLinearConstraintEndEffector, NqScalarBasedEndEffector> {
+public:
+    static const NqToken& classToken();
+
+    NqLinearConstraintEndEffector();
+
+    bool read(NqXmlReader& reader) override;
+
+    /// Renames among linkLabels(); joints that are remembered stay.
+    bool changeLinkLabel(const std::string& oldLabel, const std::string& newLabel) override;
+
+    unsigned doc() const override { return 1; }
+
+    void insertJacobianComponent(const NqIndividualManipulator& manipulator, unsigned row,
+                                 const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
+                                 NqManipulatorActiveState& state, NqReArray& jacobian) const override;
+    void insertSparsityComponent(const NqIndividualManipulator& manipulator, unsigned row,
+                                 const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
+                                 SparsityDescription& sparsity) const override;
+    void insertErrorWeightComponent(unsigned row, NqReArray& weights) const override;
+
+    /// Left alone where the constraint is not interactive.
+    void calculatePlacement(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
+                            NqEndEffectorPlacement& placement) const override;
+    void calculateVelocity(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
+                           NqXmlRealVector& velocity, unsigned start) const override;
+
+    /// Zero.
+    void calculateAcceleration(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
+                               NqXmlRealVector& acceleration, unsigned start) const override;
+
+    using NqScalarBasedEndEffector::filterEndEffectorVelocity;
+    void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
+                                   const NqEndEffectorPlacement& desiredPlacement,
+                                   const NqXmlRealVector& desiredVelocity,
+                                   const NqXmlRealVector& previousVelocity, double timeStep,
+                                   NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
+
+    /// 0 where the filter's threshold is not above 0. The speed factor plays no part.
+    double minimumTime(const NqEndEffectorPlacement& from, const NqEndEffectorPlacement& to) const override;
+
+    /// Present minus desired number; 0 where the constraint is not interactive, or no joint was found.
+    void calculateEndEffectorError(const NqIndividualManipulator& manipulator,
+                                   const NqEndEffectorPlacement& desiredPlacement,
+                                   NqManipulatorActiveState& state, NqXmlRealVector& error) const override;
+
+    const NqLabelVector& editableValues() const override;
+    using NqEndEffector::setEditableValues;
+    void setEditableValues(const NqLabelVector& values) override;
+
+    /// Labels of the links whose joints are summed up.
+    virtual const NqLabelVector& linkLabels() const { return m_LinkLabels; }
+    virtual void setLinkLabels(const NqLabelVector& labels);
+
+    virtual const NqXmlRealVector& linkWeights() const { return m_LinkWeights; }
+    virtual void setLinkWeights(const NqXmlRealVector& weights) { m_LinkWeights = weights; }
+
+    /// What the sum exceeds the placement's number by.
+    virtual double weightedSum() const { return m_WeightedSum; }
+    virtual void setWeightedSum(double sum) { m_WeightedSum = sum; }
+
+    /// Gain of the motion filter.
+    virtual double gain() const { return filter().gain(); }
+    virtual void setGain(double gain) { filter().setGain(gain); }
+
+    /// Whether the number follows a target at all, or is held where it is.
+    virtual bool isInteractive() const { return m_IsInteractive; }
+    virtual void setIsInteractive(bool isInteractive) { m_IsInteractive = isInteractive; }
+
+    virtual const double& errorWeight() const { return m_ErrorWeight.value(); }
+    virtual void setErrorWeight(const double& weight) { m_ErrorWeight = weight; }
+
+protected:
+    /// Looks the joints up, unless they are remembered.
+    virtual void setLinkIndices(const NqIndividualManipulator& manipulator) const;
+    virtual void clearLinkIndices() const;
+
+private:
+    friend struct NqXmlComponentAccess;
+    static auto components() {
+        using namespace NqControlCore;
+        using E = NqLinearConstraintEndEffector;
+        constexpr auto legacy = NqXmlComponentKind::Legacy;
+        return nqComponentList(nqComponent(NqLinkLabelsToken, &E::m_LinkLabels),
+                               nqComponent(NqLinkWeightsToken, &E::m_LinkWeights),
+                               nqComponent(NqWeightedSumToken, &E::m_WeightedSum),
+                               nqComponent(NqIsInteractiveToken, &E::m_IsInteractive),
+                               nqComponent(NqErrorWeightToken, &E::m_ErrorWeight),
+                               nqComponent(NqGainToken, &E::m_OldGain, legacy),
+                               nqComponent(NqThresholdToken, &E::m_OldThreshold, legacy));
+    }
+    static const NqEditableValueTable<NqLinearConstraintEndEffector>& editableTable();
+
+    /// Joints by label; `isValid` tells which of them stand for one.
+    struct Joints {
+        std::vector<unsigned> linkIndices;
+        std::vector<bool> linkIndexValid;
+    };
+
+    /// Calls `visit(column, weight)` for each joint that was found for the first labels, `most` of them.
+    template <typename Visit>
+    void forEachJoint(const NqIndividualManipulator& manipulator, Visit visit,
+                      std::size_t most = std::numeric_limits<std::size_t>::max()) const;
+
+    /// `start` plus the weighted sum of joint values, and the number of joints that counted. No more labels
+    /// count than there are values.
+    double sum(const NqIndividualManipulator& manipulator, const NqXmlRealVector& jointValues, double start,
+               unsigned& count) const;
+
+    /// Present and desired number; both 0 where the constraint follows no target.
+    struct Way {
+        double present;
+        double desired;
+    };
+    Way wayTo(const NqEndEffectorPlacement& desiredPlacement, const NqIndividualManipulator& manipulator,
+              NqManipulatorActiveState& state) const;
+
+    NqLabelVector m_LinkLabels;
+    NqXmlRealVector m_LinkWeights;
+    NqXmlBasicType<double> m_WeightedSum = 0.0;
+    NqXmlBasicType<bool> m_IsInteractive = true;
+    NqXmlBasicType<double> m_ErrorWeight = 1.0;
+    NqXmlBasicType<double> m_OldGain = 50.0;     ///< of old files, without effect
+    NqXmlBasicType<double> m_OldThreshold = 1.0; ///< the same
+
+    mutable NqDroppedOnCopy<Joints> m_Joints;
+};

@@ -1,3 +1,5 @@
+#include "support/NqPrintCapture.h"
+
 #include <nqControlCore/filter/NqGeneralMotionFilter.h>
 #include <nqControlCore/filter/NqPointMotionFilter.h>
 #include <nqControlCore/filter/NqRotationMotionFilter.h>
@@ -66,7 +68,8 @@ struct Filters {
 struct Kind {
     const char* name;
     bool (*ask)(const Kind&, const Filters&, const Pose&, double step, NqVector& linear, NqVector& angular);
-    unsigned dimensions; ///< of the linear part, 0 where there is none
+    const char* operation; ///< in the message about a bad mode
+    unsigned dimensions;   ///< of the linear part, 0 where there is none
     bool turns = false;
     bool zAxisOnly = false;
     bool matchTimes = false;
@@ -78,7 +81,7 @@ bool ask3D(const Kind&, const Filters& filters, const Pose& pose, double step, N
 
 bool ask2D(const Kind&, const Filters& filters, const Pose& pose, double step, NqVector& linear, NqVector&) {
     const auto planar = [](const NqVector& v) { return NqPlanarVector(v.x(), v.y()); };
-    NqPlanarVector out;
+    NqPlanarVector out = planar(linear);
     const bool done = filters.point.calculate2DVelocity(planar(pose.point), planar(pose.desiredPoint), {},
                                                         planar(pose.linear), step, out);
     linear = NqVector(out.x(), out.y(), 0.0);
@@ -101,7 +104,7 @@ bool askGeneral(const Kind& kind, const Filters& filters, const Pose& pose, doub
                 NqVector& angular) {
     const NqVector toPoint = pose.orientation * filters.general.offset();
     const NqVector toDesired = pose.desiredOrientation * filters.general.offset();
-    NqGeneralMotion out;
+    NqGeneralMotion out(linear - angular.cross(toPoint), angular);
     const bool done = filters.general.calculateGeneralMotion(
         {pose.point - toPoint, pose.orientation}, {pose.desiredPoint - toDesired, pose.desiredOrientation},
         {}, {pose.linear - pose.angular.cross(toPoint), pose.angular}, step, out, kind.matchTimes,
@@ -111,14 +114,16 @@ bool askGeneral(const Kind& kind, const Filters& filters, const Pose& pose, doub
     return done;
 }
 
-constexpr Kind kKinds[] = {{"Point3D", ask3D, 3},
-                           {"Point2D", ask2D, 2},
-                           {"Scalar", askScalar, 1},
-                           {"Rotation", askRotation, 0, true},
-                           {"RotationOfZ", askRotation, 0, true, true},
-                           {"General", askGeneral, 3, true},
-                           {"GeneralOfZ", askGeneral, 3, true, true},
-                           {"GeneralMatched", askGeneral, 3, true, false, true}};
+constexpr const char* kRotationOperation = "NqGeneralMotionFilter::calculateRotationMotion";
+constexpr const char* kGeneralOperation = "NqGeneralMotionFilter::calculateGeneralMotion";
+constexpr Kind kKinds[] = {{"Point3D", ask3D, "NqPointMotionFilter::calculate3DVelcoity", 3},
+                           {"Point2D", ask2D, "NqPointMotionFilter::calculate2DVelcoity", 2},
+                           {"Scalar", askScalar, "NqScalarMotionFilter::calculateGeneralMotion", 1},
+                           {"Rotation", askRotation, kRotationOperation, 0, true},
+                           {"RotationOfZ", askRotation, kRotationOperation, 0, true, true},
+                           {"General", askGeneral, kGeneralOperation, 3, true},
+                           {"GeneralOfZ", askGeneral, kGeneralOperation, 3, true, true},
+                           {"GeneralMatched", askGeneral, kGeneralOperation, 3, true, false, true}};
 
 class EveryMotionFilter : public testing::TestWithParam<std::tuple<Kind, unsigned>> {
 protected:
@@ -313,6 +318,41 @@ TEST_P(EveryMotionFilter, SpeedFactorScalesLimitsAndNotGains) {
             startAndMove(0.1, factor, 40);
             const double gain = 0.1 / (1.0 - 0.1 * kStep); // of the distance that the last step left
             expectSpeeds(gain * linearDistance(), gain * angularDistance());
+        }
+    }
+}
+
+TEST_P(EveryMotionFilter, SwitchedOffItGoesTheWholeWayInOneStep) {
+    configure({1.0, 8.0, 8.0, 200.0}, {1.0, 8.0, 8.0, 200.0}, 0.5, 0.0);
+    for (NqBaseMotionFilter* filter : m_Filters.all()) {
+        filter->setFilteringActive(false);
+    }
+    start(0.9, 0.9);
+    NqVector linear, angular;
+    ASSERT_TRUE(m_Kind.ask(m_Kind, m_Filters, m_Pose, kStep, linear, angular));
+    move(linear, angular);
+    EXPECT_LT(linearDistance(), 1e-14);
+    EXPECT_LT(angularDistance(), 1e-14);
+}
+
+/// Where there are angles a bad mode fails even if filtering is switched off.
+TEST_P(EveryMotionFilter, BadModeIsReportedAndLeavesTheOutput) {
+    for (const bool isActive : {true, false}) {
+        for (NqBaseMotionFilter* filter : m_Filters.all()) {
+            filter->setFilteringMode(3 + m_Mode);
+            filter->setFilteringActive(isActive);
+        }
+        NqVector linear(1.0, 0.0, 0.0);
+        NqVector angular;
+        NqPrintCapture capture;
+        const bool done = m_Kind.ask(m_Kind, m_Filters, m_Pose, kStep, linear, angular);
+        ASSERT_EQ(done, !isActive && !m_Kind.turns);
+        if (!done) {
+            EXPECT_TRUE(linear == NqVector(1.0, 0.0, 0.0) && angular == NqVector());
+            ASSERT_EQ(capture.lines().size(), 1u);
+            EXPECT_EQ(capture.lines()[0].first, 4u);
+            EXPECT_EQ(capture.text(),
+                      m_Kind.operation + ("()->bad filtering mode: " + std::to_string(3 + m_Mode)) + ".\n");
         }
     }
 }

@@ -1,5 +1,3 @@
-#include "support/NqPrintCapture.h"
-
 #include <nqControlCore/filter/NqGeneralMotionFilter.h>
 #include <nqControlCore/foundation/xml/NqXmlDocument.h>
 
@@ -139,21 +137,6 @@ TEST(NqGeneralMotionFilter, MatchedTimesSlowDownTheFasterPart) {
     filter.setAngularGain(0.5);
     EXPECT_NEAR(speeds(0.3, 0.9).first, 0.5 / 3.0 * 0.3, 1e-12);
     EXPECT_NEAR(speeds(0.3, 0.9).second, 0.5 * 0.9, 1e-12);
-}
-
-TEST(NqGeneralMotionFilter, BadModeFailsEvenSwitchedOff) {
-    Filter filter;
-    filter.setFilteringMode(3);
-    for (const bool active : {true, false}) {
-        filter.setFilteringActive(active);
-        NqGeneralMotion out({1.0, 2.0, 3.0}, {4.0, 5.0, 6.0});
-        const NqGeneralMotion before = out;
-        NqPrintCapture capture;
-        EXPECT_FALSE(filter.calculateGeneralMotion({}, kActual, {}, {}, 0.1, out, false, false, true));
-        EXPECT_EQ(out, before);
-        EXPECT_EQ(capture.text(),
-                  "NqGeneralMotionFilter::calculateGeneralMotion()->bad filtering mode: 3.\n");
-    }
 }
 
 TEST(NqGeneralMotionFilter, KeepsOldFieldsWithoutWritingThem) {

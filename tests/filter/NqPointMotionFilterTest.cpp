@@ -1,5 +1,3 @@
-#include "support/NqPrintCapture.h"
-
 #include <nqControlCore/filter/NqPointMotionFilter.h>
 
 #include <gtest/gtest.h>
@@ -75,29 +73,6 @@ TEST(NqPointMotionFilter, ThreeHalvesTakesExponentAndFeedForwardByDimension) {
     const double previous2D = speed(0.5) + w;
     EXPECT_NEAR(velocityIn3D(filter, {d, 0, 0}, {w, 0, 0}, {previous3D, 0, 0}, 1e-3).x(), previous3D, 1e-14);
     EXPECT_NEAR(velocityIn2D(filter, {d, 0}, {w, 0}, {previous2D, 0}, 1e-3).x(), previous2D, 1e-14);
-}
-
-TEST(NqPointMotionFilter, SwitchedOffItCoversTheWholeWayWhateverTheMode) {
-    Filter filter;
-    filter.setFilteringMode(7);
-    filter.setFilteringActive(false);
-    EXPECT_EQ(velocityIn3D(filter, {1.0, 2.0, -3.0}, {9.0, 9.0, 9.0}, {}, 0.5), NqVector(2.0, 4.0, -6.0));
-    EXPECT_EQ(velocityIn2D(filter, {1.0, 2.0}, {9.0, 9.0}, {}, 0.5), NqPlanarVector(2.0, 4.0));
-}
-
-TEST(NqPointMotionFilter, BadModeIsReportedAndLeavesTheOutput) {
-    Filter filter;
-    filter.setFilteringMode(3);
-    NqVector out(1.0, 2.0, 3.0);
-    NqPlanarVector planar(1.0, 2.0);
-    NqPrintCapture capture;
-    EXPECT_FALSE(filter.calculate3DVelocity({}, {1.0, 0.0, 0.0}, {}, {}, 0.1, out));
-    EXPECT_FALSE(filter.calculate2DVelocity({}, {1.0, 0.0}, {}, {}, 0.1, planar));
-    EXPECT_EQ(out, NqVector(1.0, 2.0, 3.0));
-    EXPECT_EQ(planar, NqPlanarVector(1.0, 2.0));
-    EXPECT_EQ(capture.text(), "NqPointMotionFilter::calculate3DVelcoity()->bad filtering mode: 3.\n"
-                              "NqPointMotionFilter::calculate2DVelcoity()->bad filtering mode: 3.\n");
-    EXPECT_TRUE(filter.filter3DVelocity({0.1, 0.0, 0.0}, {0.1, 0.0, 0.0}, 0.1, out));
 }
 
 TEST(NqPointMotionFilter, ValuesThatStayAndValuesThatPass) {

@@ -1,5 +1,3 @@
-#include "support/NqPrintCapture.h"
-
 #include <nqControlCore/filter/NqRotationMotionFilter.h>
 
 #include <gtest/gtest.h>
@@ -85,22 +83,6 @@ TEST(NqRotationMotionFilter, FeedForwardComesInTheFrameOfTheCaller) {
         ASSERT_TRUE(filter.calculateRotationMotion(kActual, NqOrientation(1.0, axis) * kActual, across, {},
                                                    0.1, out, false, applyProfile));
         expectNear(out, 10.0 * axis);
-    }
-}
-
-TEST(NqRotationMotionFilter, BadModeFailsEvenSwitchedOff) {
-    Filter filter;
-    filter.setFilteringMode(3);
-    for (const bool active : {true, false}) {
-        filter.setFilteringActive(active);
-        NqVector out(1.0, 2.0, 3.0);
-        NqPrintCapture capture;
-        EXPECT_FALSE(filter.calculateRotationMotion({}, kActual, {}, {}, 0.1, out, false, true));
-        EXPECT_EQ(out, NqVector(1.0, 2.0, 3.0));
-        ASSERT_EQ(capture.lines().size(), 1u);
-        EXPECT_EQ(capture.lines()[0],
-                  std::make_pair(4u, std::string("NqGeneralMotionFilter::calculateRotationMotion()->bad "
-                                                 "filtering mode: 3.\n")));
     }
 }
 

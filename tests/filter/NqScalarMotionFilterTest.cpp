@@ -1,5 +1,3 @@
-#include "support/NqPrintCapture.h"
-
 #include <nqControlCore/filter/NqScalarMotionFilter.h>
 
 #include <gtest/gtest.h>
@@ -52,18 +50,6 @@ TEST(NqScalarMotionFilter, ChangeIsFreeBelowTwiceTheThresholdOfTheMode) {
     EXPECT_NEAR(out, 0.92, 1e-14);
     ASSERT_TRUE(filter.filterVelocity(-9.0, -4.0, h, out));
     EXPECT_EQ(out, -4.0);
-}
-
-TEST(NqScalarMotionFilter, ModeIsLookedAtOnlyWhileFilteringIsActive) {
-    Filter filter;
-    filter.setFilteringMode(3);
-    NqPrintCapture capture;
-    double out = 77.0;
-    EXPECT_FALSE(filter.calculateVelocity(0.0, 1.0, 0.0, 0.0, 0.1, out));
-    EXPECT_EQ(out, 77.0);
-    EXPECT_EQ(capture.text(), "NqScalarMotionFilter::calculateGeneralMotion()->bad filtering mode: 3.\n");
-    filter.setFilteringActive(false);
-    EXPECT_EQ(velocityOf(filter, 2.0, 0.0, 0.5, 9.0), 4.0);
 }
 
 TEST(NqScalarMotionFilter, NullObjectKeepsItsDeceleration) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <nqControlCore/foundation/math/NqVector.h>
+#include <nqControlCore/foundation/math/NqCoordinateSystemTransformation.h>
 
 #include <string>
 #include <vector>
@@ -13,7 +13,8 @@ struct NqArmSketch {
     struct Posture {
         std::string label; ///< short name, written beside the arm; may be empty
         std::vector<NqVector> joints;
-        std::vector<NqVector> endEffectors; ///< the points that the end-effectors tie
+        std::vector<NqVector> endEffectors;                   ///< the points that the end-effectors tie
+        std::vector<NqCoordinateSystemTransformation> frames; ///< where an orientation counts
     };
 
     NqVector base;

@@ -30,7 +30,7 @@ NqArmSketch NqArmSketcher::frame() {
 
 NqArmSketch::Posture NqArmSketcher::posture(const std::string& label, const std::vector<double>& positions) {
     m_State.setPositionState(NqPositionState(positions));
-    NqArmSketch::Posture posture{label, {}, {}};
+    NqArmSketch::Posture posture{label, {}, {}, {}};
     for (unsigned j = 0; j < m_Manipulator.numberOfJoints(); ++j) {
         posture.joints.push_back(
             m_Manipulator.linkByIndex(j)->linkFrameInSystem(m_State.activePositionState()).translation());
@@ -38,8 +38,14 @@ NqArmSketch::Posture NqArmSketcher::posture(const std::string& label, const std:
     for (const NqDriveTargetKind& kind : m_Kinds) {
         for (const NqDriveTargetKind::Tie& tie : kind.ties()) {
             const NqManipulatorLink* link = m_Manipulator.linkByLabel(tie.link);
-            posture.endEffectors.push_back(
-                link ? link->primaryFrameInSystem(m_State.activePositionState()) * tie.point : NqVector());
+            NqCoordinateSystemTransformation frame = tie.offset;
+            if (link) {
+                frame = link->primaryFrameInSystem(m_State.activePositionState()) * frame;
+            }
+            posture.endEffectors.push_back(frame.translation());
+            if (kind.hasOrientation()) {
+                posture.frames.push_back(frame);
+            }
         }
     }
     return posture;

@@ -380,7 +380,7 @@ std::string NqDriveReport::html() const {
         "<p class=\"small\">Hollow: start. Thin: at the way points. Thick: end. Faint: in between, at "
         "equal times. "
         "Crosses: targets. Lines: paths of the end-effectors. Squares are linear joints. Dashed: a distance "
-        "that is constrained.</p>\n";
+        "that is constrained. Red, green, blue: x, y and z axes where an orientation is.</p>\n";
 
     out += "<h2>End-effectors</h2>\n" + endEffectorTable() + endEffectorFigures();
     out += "<h2>Way points</h2>\n" + wayPointTable();

@@ -2,6 +2,11 @@
 
 #include "NqDriveText.h"
 
+#include <nqControlCore/endeffector/NqAxisRotateEndEffector.h>
+#include <nqControlCore/endeffector/NqFrameEndEffector.h>
+#include <nqControlCore/endeffector/NqLinearConstraintEndEffector.h>
+#include <nqControlCore/endeffector/NqOrientationEndEffector.h>
+#include <nqControlCore/endeffector/NqPointDistanceEndEffector.h>
 #include <nqControlCore/endeffector/NqPointEndEffector.h>
 
 #include <algorithm>
@@ -18,6 +23,30 @@ constexpr double kThreeHalvesExponent = 0.5;
 
 using Part = NqDriveTargetKind::Part;
 
+Part linearPart(const NqGeneralMotionFilter& filter) {
+    const double factor = filter.speedFactor();
+    return {false,
+            "m",
+            0,
+            3,
+            factor * filter.linearVelocityThreshold(),
+            factor * filter.linearAccelerationThreshold(),
+            factor * std::min(filter.linearAccelerationThreshold(), filter.linearDecelerationThreshold())};
+}
+
+/// Of a filter of frames, or of rotations alone.
+template <typename Filter>
+Part angularPart(const Filter& filter, unsigned row) {
+    const double factor = filter.speedFactor();
+    return {true,
+            "rad",
+            row,
+            3,
+            factor * filter.angularVelocityThreshold(),
+            factor * filter.angularAccelerationThreshold(),
+            factor * std::min(filter.angularAccelerationThreshold(), filter.angularDecelerationThreshold())};
+}
+
 /// Of a filter of points, or of numbers.
 template <typename Filter>
 Part plainPart(const Filter& filter, const std::string& unit, unsigned rows) {
@@ -31,6 +60,22 @@ Part plainPart(const Filter& filter, const std::string& unit, unsigned rows) {
             factor * std::min(filter.accelerationThreshold(), filter.decelerationThreshold())};
 }
 
+/// The unit that all joints of a sum have in common.
+std::string unitOfSum(const NqLinearConstraintEndEffector& sum, const NqIndividualManipulator& manipulator) {
+    std::string unit;
+    for (const auto& label : sum.linkLabels()) {
+        const NqManipulatorLink* link = manipulator.linkByLabel(label.value());
+        if (link && link->parentLink()) {
+            const std::string own = link->joint().type() == NqJointDescription::Prismatic ? "m" : "rad";
+            if (!unit.empty() && unit != own) {
+                return {};
+            }
+            unit = own;
+        }
+    }
+    return unit;
+}
+
 template <typename Filter>
 void shape(Filter& filter, unsigned int filteringMode) {
     filter.setFilteringMode(filteringMode);
@@ -42,13 +87,33 @@ void shape(Filter& filter, unsigned int filteringMode) {
 } // namespace
 
 std::optional<NqDriveTargetKind> NqDriveTargetKind::of(const NqEndEffector& endEffector,
-                                                       const NqIndividualManipulator&) {
+                                                       const NqIndividualManipulator& manipulator) {
     NqDriveTargetKind kind;
     const std::string& link = endEffector.linkIdentifier();
     if (const auto* point = dynamic_cast<const NqPointEndEffector*>(&endEffector)) {
         kind.m_HasPlace = true;
         kind.m_Parts = {plainPart(point->pointMotionFilter(), "m", 3)};
         kind.m_Ties = {{link, point->point()}};
+    } else if (const auto* frame = dynamic_cast<const NqFrameEndEffector*>(&endEffector)) {
+        kind.m_HasPlace = kind.m_HasOrientation = true;
+        kind.m_Parts = {linearPart(frame->motionFilter()), angularPart(frame->motionFilter(), 3)};
+        kind.m_Ties = {{link, frame->frame()}};
+    } else if (const auto* orientation = dynamic_cast<const NqOrientationEndEffector*>(&endEffector)) {
+        kind.m_HasOrientation = true;
+        kind.m_Parts = {angularPart(orientation->motionFilter(), 0)};
+        kind.m_Ties = {{link, orientation->orientation()}};
+    } else if (const auto* distance = dynamic_cast<const NqPointDistanceEndEffector*>(&endEffector)) {
+        kind.m_LeastNumber = NqPointDistanceEndEffector::m_theMinimumDistance;
+        kind.m_Parts = {plainPart(distance->motionFilter(), "m", 1)};
+        kind.m_Ties = {{distance->labelOne(), distance->pointOne()},
+                       {distance->labelTwo(), distance->pointTwo()}};
+    } else if (const auto* angle = dynamic_cast<const NqAxisRotateEndEffector*>(&endEffector)) {
+        kind.m_LeastNumber = -0.5 * std::numbers::pi;
+        kind.m_GreatestNumber = 0.5 * std::numbers::pi;
+        kind.m_Parts = {plainPart(angle->motionFilter(), "rad", 1)};
+        kind.m_Ties = {{link, NqVector()}};
+    } else if (const auto* sum = dynamic_cast<const NqLinearConstraintEndEffector*>(&endEffector)) {
+        kind.m_Parts = {plainPart(sum->motionFilter(), unitOfSum(*sum, manipulator), 1)};
     } else {
         return std::nullopt;
     }
@@ -56,11 +121,21 @@ std::optional<NqDriveTargetKind> NqDriveTargetKind::of(const NqEndEffector& endE
 }
 
 void NqDriveTargetKind::setProfile(NqEndEffector& endEffector, unsigned int filteringMode) {
+    const auto reshape = [&](auto* owner) {
+        if (owner) {
+            auto filter = owner->motionFilter();
+            shape(filter, filteringMode);
+            owner->setMotionFilter(filter);
+        }
+    };
     if (auto* point = dynamic_cast<NqPointBasedEndEffector*>(&endEffector)) {
         NqPointMotionFilter filter = point->pointMotionFilter();
         shape(filter, filteringMode);
         point->setPointMotionFilter(filter);
     }
+    reshape(dynamic_cast<NqFrameBasedEndEffector*>(&endEffector));
+    reshape(dynamic_cast<NqRotationBasedEndEffector*>(&endEffector));
+    reshape(dynamic_cast<NqScalarBasedEndEffector*>(&endEffector));
 }
 
 const char* NqDriveTargetKind::form() const {

@@ -65,11 +65,12 @@ public:
 
     /// Whether the placement is a place in space: a path, and a target that can be out of reach.
     bool hasPlace() const { return m_HasPlace; }
+    bool hasOrientation() const { return m_HasOrientation; }
 
-    /// The points that the constraint ties, each in the frame of a link.
+    /// What the constraint ties, each in the frame of a link; only an orientation counts of some.
     struct Tie {
         std::string link;
-        NqVector point;
+        NqCoordinateSystemTransformation offset;
     };
     const std::vector<Tie>& ties() const { return m_Ties; }
 

@@ -73,6 +73,10 @@ public:
                    NqSvg::line({p.x - 9.0, p.y}, {p.x + 9.0, p.y}, "target") +
                    NqSvg::line({p.x, p.y - 9.0}, {p.x, p.y + 9.0}, "target");
         }
+        out += frames(m_Sketch.start) + frames(m_Sketch.last);
+        for (const auto& posture : m_Sketch.wayPoints) {
+            out += frames(posture);
+        }
         if (m_View == NqStickFigure::View::Oblique) {
             out += labels();
         }
@@ -252,6 +256,19 @@ private:
         }
         for (std::size_t e = 0; e < posture.endEffectors.size(); ++e) {
             out += segment(jointOrBase(posture, m_Sketch.carrier[e]), posture.endEffectors[e], cssClass);
+        }
+        return out;
+    }
+
+    /// The axes of the frames that an end-effector orients: x, y and z in red, green and blue.
+    std::string frames(const NqArmSketch::Posture& posture) const {
+        std::string out;
+        for (const NqCoordinateSystemTransformation& frame : posture.frames) {
+            for (unsigned i = 0; i < 3; ++i) {
+                NqVector tip;
+                tip[i] = 0.4 * m_Cell;
+                out += segment(frame.translation(), frame * tip, i == 0 ? "x" : i == 1 ? "y" : "z");
+            }
         }
         return out;
     }

@@ -139,6 +139,7 @@ stroke-linejoin:round}
 .c3{stroke:var(--c3);stroke-dasharray:9 4 2 4}.c4{stroke:var(--c4);stroke-dasharray:14 4}
 .c5{stroke:var(--c5);stroke-dasharray:4 4}
 .target{fill:none;stroke:var(--c4);stroke-width:1.6}
+.x{stroke:#d0342c;stroke-width:2.4}.y{stroke:#2a9d3a;stroke-width:2.4}.z{stroke:#2f6fe0;stroke-width:2.4}
 .span{stroke:var(--c4);stroke-width:1.4;stroke-dasharray:5 3}
 .axis{stroke:var(--ink);stroke-width:1.4}
 .shadow{stroke:var(--shade);stroke-width:7;stroke-linecap:round;stroke-linejoin:round;fill:none}

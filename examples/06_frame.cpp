@@ -5,6 +5,7 @@
 #include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 int main() {
@@ -34,13 +35,13 @@ int main() {
     std::vector<double> gradient(n), rates, nullSpaceRates;
     double determinant = 0.0;
     double farthest = 0.0;
-    for (unsigned step = 0; step < 4000; ++step) {
+    for (unsigned step = 0; step < 6000; ++step) {
         state.setPositionState(position);
         hand.insertJacobianComponent(arm, 0, hand.relativeLinkData(), true, state, jacobian);
         hand.filterEndEffectorVelocity(arm, target, still, previous, timeStep, state, command);
         // The gradient of half the squared distance of the first joint from 0.6 rad.
         gradient[0] = position.jointPositions()[0] - 0.6;
-        tool.calcJointRates(nullptr, jacobian, metric, gradient, 2.0, command.values(), n, rates,
+        tool.calcJointRates(nullptr, jacobian, metric, gradient, 10.0, command.values(), n, rates,
                             nullSpaceRates, determinant);
         for (unsigned j = 0; j < n; ++j) {
             position.jointPositions()[j] += rates[j] * timeStep;
@@ -53,6 +54,8 @@ int main() {
     }
     const double swing = (elbow() - elbowAtStart).mag();
     const double left = std::abs(position.jointPositions()[0] - 0.6);
-    std::printf("the elbow swung by %.3f m, the hand strayed by %.1e at most\n", swing, farthest);
+    std::printf(
+        "the elbow swung by %.3f m, the hand strayed by %.1e at most; joint1 is %.1e rad from its goal\n",
+        swing, farthest, left);
     return swing > 0.1 && left < 1e-3 && farthest < 1e-5 ? 0 : 1;
 }

@@ -152,16 +152,6 @@ void NqAxisRotateEndEffector::calculateEndEffectorError(const NqIndividualManipu
     error.assign(doc(), number(scratchPlacement()) - number(desiredPlacement));
 }
 
-const NqLabelVector& NqAxisRotateEndEffector::editableValues() const {
-    return printedValues(editableTable(), *this);
-}
-
-void NqAxisRotateEndEffector::setEditableValues(const NqLabelVector& values) {
-    if (values.size() >= numEditableValues()) {
-        parseValues(editableTable(), values, *this);
-    }
-}
-
 const NqEditableValueTable<NqAxisRotateEndEffector>& NqAxisRotateEndEffector::editableTable() {
     using E = NqAxisRotateEndEffector;
     using F = NqScalarMotionFilter;

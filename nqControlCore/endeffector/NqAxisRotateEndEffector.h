@@ -1,5 +1,6 @@
 #pragma once
 
+#include <nqControlCore/endeffector/NqEditableEndEffector.h>
 #include <nqControlCore/endeffector/NqScalarBasedEndEffector.h>
 #include <nqControlCore/foundation/xml/NqXmlOrientation.h>
 #include <nqControlCore/foundation/xml/NqXmlVector.h>
@@ -14,11 +15,15 @@
 /// where c is 0, but in internal relative mode (v x r) . z with v the present angular velocity of the
 /// relative link, which carries r. It is not finite where r and z are parallel. An external offset plays no
 /// part, and the columns of a free base stay zero.
-class NqAxisRotateEndEffector : public NqXmlPersistent<NqAxisRotateEndEffector, NqScalarBasedEndEffector> {
+class NqAxisRotateEndEffector
+    : public NqConcreteEndEffector<NqAxisRotateEndEffector, NqScalarBasedEndEffector,
+                                   NqEditableLength::AtLeast> {
 public:
     static const NqToken& classToken();
 
     NqAxisRotateEndEffector();
+
+    static const NqEditableValueTable<NqAxisRotateEndEffector>& editableTable();
 
     unsigned doc() const override { return 1; }
 
@@ -58,10 +63,6 @@ public:
                                    const NqEndEffectorPlacement& desiredPlacement,
                                    NqManipulatorActiveState& state, NqXmlRealVector& error) const override;
 
-    const NqLabelVector& editableValues() const override;
-    using NqEndEffector::setEditableValues;
-    void setEditableValues(const NqLabelVector& values) override;
-
     /// The orientation of the frame, measured from the primary frame of the link.
     virtual const NqOrientation& orientation() const { return m_Orientation.value(); }
     virtual void setOrientation(const NqOrientation& orientation) { m_Orientation = orientation; }
@@ -83,7 +84,6 @@ private:
             nqComponent(NqControlCore::NqReferenceAxisToken, &NqAxisRotateEndEffector::m_ReferenceAxis),
             nqComponent(NqControlCore::NqErrorWeightToken, &NqAxisRotateEndEffector::m_ErrorWeight));
     }
-    static const NqEditableValueTable<NqAxisRotateEndEffector>& editableTable();
 
     /// The reference axis in the system frame, and the velocity at which the relative link turns it.
     struct Reference {

@@ -76,16 +76,6 @@ NqGeneralMotion NqFrameBasedEndEffector::generalVelocity(const NqXmlRealVector& 
     return motion;
 }
 
-const NqLabelVector& NqFrameBasedEndEffector::editableValues() const {
-    return printedValues(editableTable(), *this);
-}
-
-void NqFrameBasedEndEffector::setEditableValues(const NqLabelVector& values) {
-    if (values.size() >= numEditableValues()) {
-        parseValues(editableTable(), values, *this);
-    }
-}
-
 const NqEditableValueTable<NqFrameBasedEndEffector>& NqFrameBasedEndEffector::editableTable() {
     using F = NqGeneralMotionFilter;
     using T = NqCoordinateSystemTransformation;

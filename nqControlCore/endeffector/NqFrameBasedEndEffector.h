@@ -1,13 +1,16 @@
 #pragma once
 
-#include <nqControlCore/endeffector/NqEndEffector.h>
+#include <nqControlCore/endeffector/NqEditableEndEffector.h>
 #include <nqControlCore/filter/NqGeneralMotionFilter.h>
 #include <nqControlCore/foundation/xml/NqXmlCoordinateSystemTransformation.h>
 
 /// Base of the end-effectors that constrain a frame fixed in a link, or some of its freedoms: the frame, two
 /// error weights and what concerns the motion filter. The placement is the frame's; a velocity has doc()
 /// entries, at most 6: the linear part of the frame's origin, then the angular part.
-class NqFrameBasedEndEffector : public NqXmlPersistentBase<NqFrameBasedEndEffector, NqEndEffector> {
+class NqFrameBasedEndEffector
+    : public NqXmlPersistentBase<
+          NqFrameBasedEndEffector,
+          NqEditableEndEffector<NqFrameBasedEndEffector, NqEndEffector, NqEditableLength::AtLeast>> {
 public:
     void filterEndEffectorVelocity(const NqXmlRealVector& desiredVelocity,
                                    const NqXmlRealVector& previousVelocity, double timeStep,
@@ -45,10 +48,6 @@ public:
                                    const NqEndEffectorPlacement& desiredPlacement,
                                    NqManipulatorActiveState& state, NqXmlRealVector& error) const override;
 
-    const NqLabelVector& editableValues() const override;
-    using NqEndEffector::setEditableValues;
-    void setEditableValues(const NqLabelVector& values) override;
-
     /// The frame, measured from the primary frame of the link.
     virtual const NqCoordinateSystemTransformation& frame() const { return m_Frame.value(); }
     virtual void setFrame(const NqCoordinateSystemTransformation& frame) { m_Frame = frame; }
@@ -68,6 +67,8 @@ public:
                                                 NqManipulatorActiveState& state,
                                                 NqGeneralMotion& filtered) const;
 
+    static const NqEditableValueTable<NqFrameBasedEndEffector>& editableTable();
+
 protected:
     /// The first three entries are the linear part, the next three the angular one; missing ones are zero.
     virtual void convertToGeneralVelocity(const NqXmlRealVector& velocity, NqGeneralMotion& motion) const;
@@ -83,8 +84,6 @@ protected:
     /// The motion filter, for the editable values of the concrete classes.
     const NqGeneralMotionFilter& filter() const { return m_MotionFilter; }
     NqGeneralMotionFilter& filter() { return m_MotionFilter; }
-
-    static const NqEditableValueTable<NqFrameBasedEndEffector>& editableTable();
 
 private:
     friend struct NqXmlComponentAccess;

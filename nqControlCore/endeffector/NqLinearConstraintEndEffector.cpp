@@ -187,16 +187,6 @@ NqLinearConstraintEndEffector::wayTo(const NqEndEffectorPlacement& desiredPlacem
     return m_IsInteractive && count > 0 ? Way{s, number(desiredPlacement)} : Way{0.0, 0.0};
 }
 
-const NqLabelVector& NqLinearConstraintEndEffector::editableValues() const {
-    return printedValues(editableTable(), *this);
-}
-
-void NqLinearConstraintEndEffector::setEditableValues(const NqLabelVector& values) {
-    if (values.size() == numEditableValues()) {
-        parseValues(editableTable(), values, *this);
-    }
-}
-
 const NqEditableValueTable<NqLinearConstraintEndEffector>& NqLinearConstraintEndEffector::editableTable() {
     using E = NqLinearConstraintEndEffector;
     using F = NqScalarMotionFilter;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <nqControlCore/endeffector/NqEditableEndEffector.h>
 #include <nqControlCore/endeffector/NqScalarBasedEndEffector.h>
 #include <nqControlCore/foundation/math/NqDroppedOnCopy.h>
 
@@ -15,11 +16,13 @@
 /// Joints are looked up once and remembered, also for another manipulator, until the labels are set, read or
 /// assigned. A label that is unknown, or of a link without a joint, is left out with a message.
 class NqLinearConstraintEndEffector
-    : public NqXmlPersistent<NqLinearConstraintEndEffector, NqScalarBasedEndEffector> {
+    : public NqConcreteEndEffector<NqLinearConstraintEndEffector, NqScalarBasedEndEffector> {
 public:
     static const NqToken& classToken();
 
     NqLinearConstraintEndEffector();
+
+    static const NqEditableValueTable<NqLinearConstraintEndEffector>& editableTable();
 
     bool read(NqXmlReader& reader) override;
 
@@ -60,10 +63,6 @@ public:
     void calculateEndEffectorError(const NqIndividualManipulator& manipulator,
                                    const NqEndEffectorPlacement& desiredPlacement,
                                    NqManipulatorActiveState& state, NqXmlRealVector& error) const override;
-
-    const NqLabelVector& editableValues() const override;
-    using NqEndEffector::setEditableValues;
-    void setEditableValues(const NqLabelVector& values) override;
 
     /// Labels of the links whose joints are summed up.
     virtual const NqLabelVector& linkLabels() const { return m_LinkLabels; }
@@ -106,7 +105,6 @@ private:
                                nqComponent(NqGainToken, &E::m_OldGain, legacy),
                                nqComponent(NqThresholdToken, &E::m_OldThreshold, legacy));
     }
-    static const NqEditableValueTable<NqLinearConstraintEndEffector>& editableTable();
 
     /// Joints by label; `isValid` tells which of them stand for one.
     struct Joints {

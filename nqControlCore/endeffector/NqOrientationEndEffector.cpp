@@ -148,16 +148,6 @@ void NqOrientationEndEffector::calculateEndEffectorError(const NqIndividualManip
     insertPart(out, error, 0);
 }
 
-const NqLabelVector& NqOrientationEndEffector::editableValues() const {
-    return printedValues(editableTable(), *this);
-}
-
-void NqOrientationEndEffector::setEditableValues(const NqLabelVector& values) {
-    if (values.size() == numEditableValues()) {
-        parseValues(editableTable(), values, *this);
-    }
-}
-
 const NqEditableValueTable<NqOrientationEndEffector>& NqOrientationEndEffector::editableTable() {
     using E = NqOrientationEndEffector;
     using F = NqRotationMotionFilter;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <nqControlCore/endeffector/NqEditableEndEffector.h>
 #include <nqControlCore/endeffector/NqRotationBasedEndEffector.h>
 #include <nqControlCore/foundation/xml/NqXmlOrientation.h>
 
@@ -9,11 +10,13 @@
 /// The column of a joint is the angular velocity of its link for unit rate. The placement has the orientation
 /// and no translation. An external offset plays no part.
 class NqOrientationEndEffector
-    : public NqXmlPersistent<NqOrientationEndEffector, NqRotationBasedEndEffector> {
+    : public NqConcreteEndEffector<NqOrientationEndEffector, NqRotationBasedEndEffector> {
 public:
     static const NqToken& classToken();
 
     NqOrientationEndEffector();
+
+    static const NqEditableValueTable<NqOrientationEndEffector>& editableTable();
 
     unsigned doc() const override { return 3; }
 
@@ -56,10 +59,6 @@ public:
                                    const NqEndEffectorPlacement& desiredPlacement,
                                    NqManipulatorActiveState& state, NqXmlRealVector& error) const override;
 
-    const NqLabelVector& editableValues() const override;
-    using NqEndEffector::setEditableValues;
-    void setEditableValues(const NqLabelVector& values) override;
-
     /// The orientation, measured from the primary frame of the link.
     virtual const NqOrientation& orientation() const { return m_Orientation.value(); }
     virtual void setOrientation(const NqOrientation& orientation) { m_Orientation = orientation; }
@@ -75,7 +74,6 @@ private:
             nqComponent(NqControlCore::NqOrientationToken, &NqOrientationEndEffector::m_Orientation),
             nqComponent(NqControlCore::NqErrorWeightToken, &NqOrientationEndEffector::m_ErrorWeight));
     }
-    static const NqEditableValueTable<NqOrientationEndEffector>& editableTable();
 
     NqXmlOrientation m_Orientation;
     NqXmlBasicType<double> m_ErrorWeight = 0.2;

@@ -181,16 +181,6 @@ void NqPointDistanceEndEffector::clearLinkIndices() const {
     m_Joints->isValid = false;
 }
 
-const NqLabelVector& NqPointDistanceEndEffector::editableValues() const {
-    return printedValues(editableTable(), *this);
-}
-
-void NqPointDistanceEndEffector::setEditableValues(const NqLabelVector& values) {
-    if (values.size() == numEditableValues()) {
-        parseValues(editableTable(), values, *this);
-    }
-}
-
 const NqEditableValueTable<NqPointDistanceEndEffector>& NqPointDistanceEndEffector::editableTable() {
     using E = NqPointDistanceEndEffector;
     using F = NqScalarMotionFilter;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <nqControlCore/endeffector/NqEditableEndEffector.h>
 #include <nqControlCore/endeffector/NqScalarBasedEndEffector.h>
 #include <nqControlCore/foundation/math/NqDroppedOnCopy.h>
 #include <nqControlCore/foundation/xml/NqXmlVector.h>
@@ -10,7 +11,7 @@
 /// times the difference of the points' velocities for unit rate. The link that the base class names plays no
 /// part, nor do relative links, external offsets or a free base, which moves both points alike.
 class NqPointDistanceEndEffector
-    : public NqXmlPersistent<NqPointDistanceEndEffector, NqScalarBasedEndEffector> {
+    : public NqConcreteEndEffector<NqPointDistanceEndEffector, NqScalarBasedEndEffector> {
 public:
     static const NqToken& classToken();
 
@@ -18,6 +19,8 @@ public:
     static constexpr double m_theMinimumDistance = 0.005;
 
     NqPointDistanceEndEffector();
+
+    static const NqEditableValueTable<NqPointDistanceEndEffector>& editableTable();
 
     bool read(NqXmlReader& reader) override;
 
@@ -49,10 +52,6 @@ public:
                                    const NqXmlRealVector& previousVelocity, double timeStep,
                                    NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
     double minimumTime(const NqEndEffectorPlacement& from, const NqEndEffectorPlacement& to) const override;
-
-    const NqLabelVector& editableValues() const override;
-    using NqEndEffector::setEditableValues;
-    void setEditableValues(const NqLabelVector& values) override;
 
     /// The points, each measured from the primary frame of its link, in m.
     virtual const NqVector& pointOne() const { return m_PointOne.value(); }
@@ -101,7 +100,6 @@ private:
             nqComponent(NqLabelOneToken, &E::m_LabelOne), nqComponent(NqLabelTwoToken, &E::m_LabelTwo),
             nqComponent(NqErrorWeightToken, &E::m_ErrorWeight));
     }
-    static const NqEditableValueTable<NqPointDistanceEndEffector>& editableTable();
 
     /// The way from the first to the second point.
     NqVector way(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state) const;

@@ -90,16 +90,6 @@ NqVector NqPointEndEffector::pointOffset() const {
     return externalOffset() ? point() + externalOffset()->translation() : point();
 }
 
-const NqLabelVector& NqPointEndEffector::editableValues() const {
-    return printedValues(editableTable(), *this);
-}
-
-void NqPointEndEffector::setEditableValues(const NqLabelVector& values) {
-    if (values.size() == numEditableValues()) {
-        parseValues(editableTable(), values, *this);
-    }
-}
-
 const NqEditableValueTable<NqPointEndEffector>& NqPointEndEffector::editableTable() {
     using E = NqPointEndEffector;
     using F = NqPointMotionFilter;

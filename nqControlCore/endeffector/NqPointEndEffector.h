@@ -1,5 +1,6 @@
 #pragma once
 
+#include <nqControlCore/endeffector/NqEditableEndEffector.h>
 #include <nqControlCore/endeffector/NqPointBasedEndEffector.h>
 #include <nqControlCore/foundation/xml/NqXmlVector.h>
 
@@ -8,11 +9,13 @@
 /// The column of a joint is w x d + v, with (v, w) the motion of its link's frame for unit rate and d the way
 /// from that frame to the point, all in the system frame. The placement has the point as translation, and no
 /// rotation.
-class NqPointEndEffector : public NqXmlPersistent<NqPointEndEffector, NqPointBasedEndEffector> {
+class NqPointEndEffector : public NqConcreteEndEffector<NqPointEndEffector, NqPointBasedEndEffector> {
 public:
     static const NqToken& classToken();
 
     NqPointEndEffector();
+
+    static const NqEditableValueTable<NqPointEndEffector>& editableTable();
 
     unsigned doc() const override { return 3; }
 
@@ -39,10 +42,6 @@ public:
     /// The distance, in m.
     double difference(const NqEndEffectorPlacement& a, const NqEndEffectorPlacement& b) const override;
 
-    const NqLabelVector& editableValues() const override;
-    using NqEndEffector::setEditableValues;
-    void setEditableValues(const NqLabelVector& values) override;
-
     /// The point, measured from the primary frame of the link, in m.
     virtual const NqVector& point() const { return m_Point.value(); }
     virtual void setPoint(const NqVector& point) { m_Point = point; }
@@ -66,7 +65,6 @@ private:
             nqComponent(NqControlCore::NqPointToken, &NqPointEndEffector::m_Point),
             nqComponent(NqControlCore::NqErrorWeightToken, &NqPointEndEffector::m_ErrorWeight));
     }
-    static const NqEditableValueTable<NqPointEndEffector>& editableTable();
 
     NqXmlVector m_Point;
     NqXmlBasicType<double> m_ErrorWeight = 1.0;

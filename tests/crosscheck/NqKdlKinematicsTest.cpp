@@ -1,9 +1,13 @@
 #include <crosscheck/NqKdlModel.h>
 
+#include <nqControlCore/endeffector/NqFrameEndEffector.h>
+#include <nqControlCore/endeffector/NqOrientationEndEffector.h>
 #include <nqControlCore/endeffector/NqPointEndEffector.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 namespace {
@@ -49,19 +53,33 @@ TEST_P(KdlKinematics, FramesOfAllLinks) {
     });
 }
 
-TEST_P(KdlKinematics, JacobianOfAPointOnEachLink) {
-    NqPointEndEffector endEffector;
-    endEffector.setPoint({0.1, -0.2, 0.3});
-    NqReArray rows;
-    expectAgreement("Jacobian", [&](const std::string& label) {
+TEST_P(KdlKinematics, JacobiansOnEachLink) {
+    const NqVector offset(0.1, -0.2, 0.3);
+    NqPointEndEffector point;
+    point.setPoint(offset);
+    NqFrameEndEffector frame;
+    frame.setFrame({offset, NqOrientation(0.7, {0.3, -0.4, 0.5})});
+    NqOrientationEndEffector orientation;
+    const auto rowsOf = [&](NqEndEffector& endEffector, const std::string& label) {
+        NqReArray rows;
         endEffector.setLinkIdentifier(label);
         endEffector.insertJacobianComponent(m_Model.manipulator(), 0, {}, true, m_Model.state(), rows);
-        const std::vector<NqGeneralMotion> reference = m_Model.jacobian(label, endEffector.point());
+        return rows;
+    };
+    expectAgreement("Jacobians", [&](const std::string& label) {
+        const std::vector<NqGeneralMotion> reference = m_Model.jacobian(label, offset);
+        const NqReArray ofPoint = rowsOf(point, label);
+        const NqReArray ofFrame = rowsOf(frame, label);
+        const NqReArray ofOrientation = rowsOf(orientation, label);
         double largest = 0.0;
         for (unsigned j = 0; j < reference.size(); ++j) {
-            const NqVector column(rows[0][j], rows[1][j], rows[2][j]);
-            const double scale = std::max(1.0, reference[j].linear().mag());
-            largest = std::max(largest, (column - reference[j].linear()).mag() / scale);
+            for (unsigned i = 0; i < 6; ++i) {
+                const double scale = std::max(1.0, reference[j].linear().mag());
+                const double expected = reference[j][i];
+                const double partial = i < 3 ? ofPoint[i][j] : ofOrientation[i - 3][j];
+                largest = std::max({largest, std::fabs(ofFrame[i][j] - expected) / scale,
+                                    std::fabs(partial - expected) / scale});
+            }
         }
         return largest;
     });

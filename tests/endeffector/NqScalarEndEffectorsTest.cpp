@@ -1,0 +1,194 @@
+#include "support/NqPrintCapture.h"
+#include "support/NqTestModels.h"
+
+#include <nqControlCore/endeffector/NqAxisRotateEndEffector.h>
+#include <nqControlCore/endeffector/NqLinearConstraintEndEffector.h>
+#include <nqControlCore/endeffector/NqPointDistanceEndEffector.h>
+#include <nqControlCore/foundation/xml/NqXmlDocument.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+/// A planar arm, joints at 0.4 and 0.7.
+class NqPlanarNumbers : public testing::Test {
+protected:
+    NqPlanarNumbers() : state(manipulator) {
+        linear.setLinkLabels({std::string("upper"), std::string("hand")});
+        linear.setLinkWeights({2.0, -3.0, 100.0});
+        linear.setWeightedSum(0.25);
+        state.setPositionState(NqPositionState(NqXmlRealVector{0.4, 0.7}));
+        state.setVelocityState(NqVelocityState(NqXmlRealVector{2.0, -1.0}));
+    }
+
+    double number(const NqEndEffector& endEffector) {
+        NqEndEffectorPlacement placement;
+        endEffector.calculatePlacement(manipulator, state, placement);
+        return placement.coordSysXForm().translation().z();
+    }
+    double error(const NqEndEffector& endEffector, double desired) {
+        NqXmlRealVector error(3, 7.0);
+        endEffector.calculateEndEffectorError(
+            manipulator, NqEndEffectorPlacement(NqVector(0.0, 0.0, desired)), state, error);
+        EXPECT_EQ(error.size(), 1u);
+        return error[0];
+    }
+    std::vector<double> row(const NqEndEffector& endEffector,
+                            const NqEndEffectorRelativeLinkData& relative = {}) {
+        NqReArray j;
+        endEffector.insertJacobianComponent(manipulator, 0, relative, true, state, j);
+        return j[0];
+    }
+
+    const NqIndividualManipulator& manipulator = *nqTestModels()[0].manipulator;
+    NqManipulatorActiveState state;
+    NqLinearConstraintEndEffector linear;
+    NqPointDistanceEndEffector distance;
+    NqAxisRotateEndEffector axis;
+};
+
+TEST_F(NqPlanarNumbers, LinearConstraintSumsWeightedJoints) {
+    EXPECT_EQ(number(linear), -0.25 + 0.4 * 2.0 + 0.7 * -3.0);
+    EXPECT_NEAR(error(linear, 1.0), -1.55 - 1.0, 1e-15) << "present less desired";
+    EXPECT_EQ(row(linear), std::vector<double>({2.0, -3.0}));
+
+    linear.setIsInteractive(false);
+    EXPECT_EQ(number(linear), 0.0) << "left alone";
+    EXPECT_EQ(error(linear, 1.0), 0.0);
+    linear.setMotionThreshold(0.0);
+    EXPECT_EQ(linear.minimumTime({}, NqEndEffectorPlacement(NqVector(0.0, 0.0, 1.0))), 0.0);
+    linear.setMotionThreshold(0.5);
+    linear.setSpeedFactor(0.1);
+    EXPECT_EQ(linear.minimumTime({}, NqEndEffectorPlacement(NqVector(0.0, 0.0, -1.0))), 2.0);
+
+    const NqLinearConstraintEndEffector none;
+    EXPECT_EQ(row(none), std::vector<double>(2));
+    EXPECT_EQ(error(none, 1.0), 0.0) << "without a joint nothing is asked for";
+}
+
+TEST_F(NqPlanarNumbers, LinearConstraintLeavesOutWhatHasNoJoint) {
+    NqPrintCapture capture;
+    linear.setLinkLabels({std::string("base"), std::string("lost"), std::string("lower")});
+    EXPECT_EQ(row(linear), std::vector<double>({0.0, 100.0}));
+    EXPECT_EQ(row(linear), std::vector<double>({0.0, 100.0})) << "labels are looked up once";
+    EXPECT_EQ(capture.text(),
+              "NqLinearConstraintEndEffector::setLinkIndices(): error: label is for base link\n"
+              "NqLinearConstraintEndEffector::setLinkIndices(): bad label: lost.\n");
+}
+
+TEST_F(NqPlanarNumbers, LinearConstraintRemembersItsJointsUntilItChanges) {
+    EXPECT_EQ(row(linear), std::vector<double>({2.0, -3.0}));
+    const NqIndividualManipulator other("other", "root");
+    NqManipulatorActiveState otherState(other);
+    NqPrintCapture capture;
+    NqReArray j;
+    linear.insertJacobianComponent(other, 0, {}, true, otherState, j);
+    EXPECT_EQ(
+        capture.text(),
+        "NqLinearConstraintEndEffector::insertSparsityComponent(): Indices out of range: row 0 and column "
+        "0\nNqLinearConstraintEndEffector::insertSparsityComponent(): Indices out of range: row 0 and "
+        "column 1\n");
+    linear.setLinkWeights({1.0}); // fewer than were looked up
+    EXPECT_EQ(row(linear), std::vector<double>({1.0, 0.0}));
+
+    // A copy looks up for itself, and so does an object after it was assigned to, read or relabelled.
+    capture.clear();
+    const NqLinearConstraintEndEffector copy = linear;
+    copy.insertJacobianComponent(other, 0, {}, true, otherState, j);
+    EXPECT_TRUE(capture.contains("bad label: upper"));
+    EXPECT_TRUE(linear.changeLinkLabel("upper", "lower"));
+    EXPECT_FALSE(linear.changeLinkLabel("upper", "lower"));
+    EXPECT_EQ(row(linear), std::vector<double>({1.0, 0.0})) << "renaming forgets nothing";
+    NqLinearConstraintEndEffector assigned = copy;
+    EXPECT_EQ(row(assigned), std::vector<double>({1.0, 0.0}));
+    assigned = linear;
+    EXPECT_EQ(row(assigned), std::vector<double>({0.0, 1.0}));
+    ASSERT_TRUE(NqXmlDocument::readString(
+        "<linearConstraintEndEffector xmlns=\"http://nq.example/namespace/ct#\"><jointLabels "
+        "count=\"1\"><group>"
+        "<value>upper</value></group></jointLabels><gain>3</gain><threshold>2</threshold>"
+        "</linearConstraintEndEffector>",
+        assigned));
+    EXPECT_EQ(row(assigned), std::vector<double>({1.0, 0.0}));
+    EXPECT_EQ(assigned.gain(), 200.0) << "the gain of old files doesn't reach the filter";
+}
+
+TEST_F(NqPlanarNumbers, DistanceIsThatOfTwoPoints) {
+    distance.setLabelOne("upper");
+    distance.setLabelTwo("hand");
+    distance.setPointTwo({0.1, 0.0, 0.0});
+    EXPECT_NEAR(number(distance), std::hypot(0.5 + 0.5 * std::cos(0.7), 0.5 * std::sin(0.7)), 1e-15);
+    const std::vector<double> both = row(distance);
+    EXPECT_NEAR(both[0], 0.0, 1e-15) << "the shoulder turns both alike";
+    EXPECT_EQ(error(distance, 0.2), 0.0);
+
+    // The target is never less than 5 mm: points that coincide part.
+    distance.setLabelTwo("upper");
+    distance.setPointTwo({});
+    NqXmlRealVector filtered;
+    distance.filterEndEffectorVelocity(manipulator, NqEndEffectorPlacement(NqVector(0.0, 0.0, -1.0)), {}, {},
+                                       0.01, state, filtered);
+    EXPECT_EQ(filtered, NqXmlRealVector({0.4})) << "what the limit of acceleration, 40, lets through";
+}
+
+TEST_F(NqPlanarNumbers, DistanceKeepsTheChainWhoseLinkIsKnown) {
+    distance.setLinkIdentifier("own");
+    distance.setLabelOne("lost");
+    distance.setLabelTwo("hand");
+    NqPrintCapture capture;
+    // From the origin to the hand: only the elbow changes the distance.
+    const std::vector<double> columns = row(distance);
+    EXPECT_NEAR(columns[0], 0.0, 1e-15);
+    EXPECT_GT(std::fabs(columns[1]), 0.1);
+    NqEndEffector::SparsityDescription sparsity;
+    distance.insertSparsityComponent(manipulator, 0, {}, true, sparsity);
+    EXPECT_EQ(sparsity[0], std::vector<bool>({true, true}));
+    const std::string name = "NqPointDistanceEndEffector::";
+    EXPECT_EQ(capture.text(), name + "calculatePointPlacements(): bad label on point end effector: lost.\n" +
+                                  name + "insertJacobianComponent(): bad label on point1: : lost.\n" + name +
+                                  "insertSparsityComponent(): bad label on first point: own.\n");
+}
+
+TEST_F(NqPlanarNumbers, AxisAngleIsMeasuredFromTheRightAngle) {
+    axis.setLinkIdentifier("hand");
+    // The hand's z axis leans by 0.3 from the arm's; the elbow turns it about z.
+    axis.setReferenceAxis({0.0, 0.0, 1.0});
+    EXPECT_NEAR(number(axis), 0.3 - std::acos(0.0), 1e-15);
+    EXPECT_NEAR(error(axis, 0.1), 0.3 - std::acos(0.0) - 0.1, 1e-15);
+    EXPECT_NEAR(row(axis)[0], 0.0, 1e-15);
+    axis.setOrientation(NqOrientation(-0.3, {1.0, 0.0, 0.0}));
+    EXPECT_FALSE(std::isfinite(row(axis)[0]) && std::isfinite(row(axis)[1])) << "parallel axes";
+
+    // The reference axis in the upper link, which turns at a rate of 2: the rate enters each column.
+    axis.setOrientation(NqOrientation(0.6, {1.0, 0.0, 0.0}));
+    axis.setReferenceAxis({1.0, 0.0, 0.0});
+    NqEndEffectorRelativeLinkData relative;
+    relative.setRelativeMode(NqEndEffectorRelativeLinkData::relativeModeInternal);
+    relative.setRelativeLinkID("upper");
+    axis.setRelativeLinkData(relative);
+    const double lean = std::sin(0.9);
+    const double x = lean * std::sin(0.7); // z leans to -y of the lower link
+    EXPECT_NEAR(number(axis), std::acos(x) - std::acos(0.0), 1e-15);
+    const double slope = -1.0 / std::sqrt(1.0 - x * x);
+    const double turn = lean * std::cos(0.7);
+    EXPECT_NEAR(row(axis, relative)[0], slope * (turn - 2.0 * turn), 1e-14);
+}
+
+TEST_F(NqPlanarNumbers, AxisRefusesShortVelocities) {
+    axis.setLinkIdentifier("hand");
+    axis.setReferenceAxis({1.0, 0.0, 0.0});
+    NqPrintCapture capture;
+    NqXmlRealVector filtered = {0.5, 0.25};
+    axis.filterEndEffectorVelocity({0.1}, {}, 0.1, filtered);
+    axis.filterEndEffectorVelocity(manipulator, {}, {}, {0.1}, 0.1, state, filtered);
+    EXPECT_EQ(filtered, NqXmlRealVector({0.5, 0.25}));
+    const std::string message =
+        "NqAxisRotateEndEffector::filterEndEffectorVelocity input velocity size wrong.";
+    EXPECT_EQ(capture.text(), message + message);
+    axis.filterEndEffectorVelocity({0.1}, {0.1}, 0.1, filtered);
+    EXPECT_EQ(filtered, NqXmlRealVector({0.1}));
+}
+
+} // namespace

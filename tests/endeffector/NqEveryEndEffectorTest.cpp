@@ -1,5 +1,6 @@
 #include "endeffector/NqEndEffectorSamples.h"
 #include "support/NqPrintCapture.h"
+#include "support/NqSchemaValidator.h"
 
 #include <nqControlCore/endeffector/NqEndEffectorVector.h>
 #include <nqControlCore/foundation/xml/NqXmlCoordinateSystemTransformation.h>
@@ -401,6 +402,9 @@ TEST_P(EveryEndEffector, SurvivesXmlBitForBit) {
     NqEndEffectorVector read;
     ASSERT_TRUE(NqXmlDocument::readString(text, read)) << text;
     EXPECT_TRUE(read == written) << text;
+    static const NqSchemaValidator schema(NqEndEffectorVector(), "endEffectors");
+    ASSERT_TRUE(schema.isGood());
+    EXPECT_TRUE(schema.accepts(text)) << text;
     std::string again;
     ASSERT_TRUE(NqXmlDocument::writeString(again, read));
     EXPECT_EQ(again, text);

@@ -78,12 +78,6 @@ TEST(NqRotationMotionFilter, FeedForwardComesInTheFrameOfTheCaller) {
     expectNear(out, speed * axis + across);
     ASSERT_TRUE(filter.filterVelocity({7.0, 0.0, 0.0}, {0.0, 0.25, 0.0}, 1e-2, out));
     expectNear(out, NqVector(0.0, 0.25, 0.0) + 0.08 * NqVector(1.0, -0.25, 0.0).unitVector());
-    filter.setFilteringActive(false);
-    for (const bool applyProfile : {false, true}) {
-        ASSERT_TRUE(filter.calculateRotationMotion(kActual, NqOrientation(1.0, axis) * kActual, across, {},
-                                                   0.1, out, false, applyProfile));
-        expectNear(out, 10.0 * axis);
-    }
 }
 
 TEST(NqRotationMotionFilter, NullObjectDiffersInItsGainAlone) {

@@ -10,6 +10,9 @@ namespace {
 
 using Options = NqDriveOptions;
 
+/// In the order of NqBaseMotionFilter::FilteringMode.
+constexpr std::string_view kProfiles[] = {"proportional", "trapezoidal", "threehalves"};
+
 /// Reads a number within bounds; `lowest` itself is left out when it is 0.
 bool readNumber(std::string_view text, double lowest, double highest, double& value, std::string& complaint) {
     double parsed = 0.0;
@@ -41,13 +44,12 @@ bool readWayPoint(std::string_view text, bool isRelative, Options& options, std:
 }
 
 bool readProfile(std::string_view text, Options& options, std::string& complaint) {
-    constexpr std::string_view kWords[] = {"proportional", "trapezoidal", "threehalves"};
-    const auto* word = std::find(std::begin(kWords), std::end(kWords), text);
-    if (word == std::end(kWords)) {
+    const auto* word = std::find(std::begin(kProfiles), std::end(kProfiles), text);
+    if (word == std::end(kProfiles)) {
         complaint = "needs trapezoidal, proportional or threehalves, not '" + std::string(text) + "'";
         return false;
     }
-    options.profile = static_cast<unsigned>(word - kWords);
+    options.profile = static_cast<unsigned>(word - kProfiles);
     return true;
 }
 
@@ -253,4 +255,8 @@ std::string NqDriveOptions::postureText() const {
         break;
     }
     return "given";
+}
+
+std::string NqDriveOptions::profileText() const {
+    return profile ? std::string(kProfiles[*profile]) : "as in the file";
 }

@@ -35,4 +35,5 @@ struct NqDriveOptions {
     static std::string help();
 
     std::string postureText() const;
+    std::string profileText() const;
 };

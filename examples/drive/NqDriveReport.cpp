@@ -242,6 +242,7 @@ std::string NqDriveReport::runTable() const {
     if (m_Record.hasSoftEndEffectors()) {
         fact("Soft gain", significant(options.softGain, 4) + " times the error weights");
     }
+    fact("Profile", options.profileText());
     fact("Control rate", significant(options.rate, 6) + " Hz, " + std::to_string(m_Record.steps) + " steps");
     fact("Time", fixed(m_Record.time, 3) + " s of at most " + significant(options.time, 6) +
                      " s; computed in " + fixed(m_Record.wallTime, 3) + " s");

@@ -52,7 +52,7 @@ bool NqDriveTask::load(const NqDriveOptions& options) {
     if (options.gain > options.rate) {
         return refuse("--gain must not be greater than --rate: the drift would overshoot in every step");
     }
-    return readFiles() && nameEndEffectors() && setProfile() && setStart() && setPosture() && setMetric() &&
+    return readFiles() && nameEndEffectors() && setKinds() && setStart() && setPosture() && setMetric() &&
            checkConstraints() && setTargets();
 }
 
@@ -105,7 +105,8 @@ bool NqDriveTask::nameEndEffectors() {
     return true;
 }
 
-bool NqDriveTask::setProfile() {
+/// What the end-effectors are, with the profile that the user wants.
+bool NqDriveTask::setKinds() {
     for (unsigned e = 0; e < m_EndEffectors.size(); ++e) {
         NqEndEffector& endEffector = *m_EndEffectors[e];
         if (m_Options.profile) {

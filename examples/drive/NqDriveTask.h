@@ -39,7 +39,7 @@ public:
 private:
     bool readFiles();
     bool nameEndEffectors();
-    bool setProfile();
+    bool setKinds();
     bool setStart();
     bool setPosture();
     bool setMetric();

@@ -146,6 +146,17 @@ TEST_F(NqDriveKinds, SoftEndEffectorComesAsNearAsTheHardOnesAllow) {
     EXPECT_LT(std::abs(left.unitVector().dot(motion.unitVector())), 2.0e-2);
 }
 
+/// The straight way drives the fourth joint into the end of its range; the metric leads around it.
+TEST_F(NqDriveKinds, JointsNearTheirLimitsLeaveSoftEndEffectorsToTheOthers) {
+    load("arm7.urdf", softPoint("hand", "0 0 0", 1.0), {"--target", "-0.3,0,0.3", "--posture", "none"});
+    ASSERT_TRUE(isLoaded) << task.complaint();
+    NqDriveRun run(task);
+    run.execute(watcher);
+    ASSERT_EQ(run.record().outcome, Outcome::Reached) << run.record().verdict;
+    EXPECT_LE(run.loop().errors()[0], 1.0e-4);
+    EXPECT_LT(run.record().joints[3].least, -3.0) << "which is near its limit of -3.07";
+}
+
 TEST_F(NqDriveKinds, SoftEndEffectorsAloneMeetTheirTargetsAndShareByTheirWeights) {
     load("lift4.urdf", softPoint("tip", "0 0 0", 1.0) + softPoint("tip", "0 0 0", 3.0),
          {"--start", "0.1,0.3,0.5,0.5", "--relative", "-0.05,0.1,0.1/-0.05,0.1,0.1", "--relative",

@@ -108,7 +108,7 @@ TEST(NqDriveTargetFile, ReadsWayPointsAndNamesTheLineOfABadOne) {
         {"1,2,3\n1,2,nan\n", ":2: needs"},
         {"\n\n1,2\n", ":3: needs"},
         {"relatively 1,2,3\n", ":1: needs"},
-        {std::string("1,2,3/\0\x1b[2J", 13), ":1: needs"},
+        {std::string("1,2,3/\0\x1b[2J", 11), ":1: needs"},
         {"1,2,3\n" + std::string(5000, '1'), ":2: the line is too long"},
         {"# nothing\n", "no way point"},
         {"", "no way point"},

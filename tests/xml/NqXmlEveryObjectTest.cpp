@@ -65,6 +65,12 @@ NqTestShapeMap sampleShapeMap() {
     return shapes;
 }
 
+NqCoordinateSystemTransformation samplePose() {
+    NqOrientation orientation;
+    orientation.setFromQuaternion(0.5, -0.5, 0.1, 0.7);
+    return {NqVector(0.1, 1e-300, -3.0), orientation};
+}
+
 template <typename Object>
 std::shared_ptr<NqXmlObject> made(const Object& object) {
     return std::make_shared<Object>(object);
@@ -99,9 +105,9 @@ INSTANTIATE_TEST_SUITE_P(
         ObjectCase{
             "RealVectors", made(NqXmlVectorType<NqXmlRealVector>{NqXmlRealVector{1.0, -2.5}, {}}),
             "<vectorType count=\"2\"><group><value>1 -2.5</value><value></value></group></vectorType>"},
-        ObjectCase{"Transformations",
-                   made(NqXmlVectorType<NqCoordinateSystemTransformation>{NqVector(1.0, 2.0, 3.0)}),
-                   "<vectorType count=\"1\"><group><value>1 2 3 1 0 0 0</value></group></vectorType>"},
+        ObjectCase{"Transformations", made(NqXmlVectorType<NqCoordinateSystemTransformation>{samplePose()}),
+                   "<vectorType count=\"1\"><group><value>0.1 1e-300 -3 0.5 -0.5 0.1 "
+                   "0.7</value></group></vectorType>"},
         ObjectCase{"Maps", made(NqXmlVectorType<NqTestMap>{sampleMap()}),
                    "<vectorType count=\"1\"><element>"
                    "<element><key>3</key><value>0.1</value></element>"

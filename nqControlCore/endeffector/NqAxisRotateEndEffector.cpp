@@ -50,7 +50,7 @@ void NqAxisRotateEndEffector::insertJacobianComponent(const NqIndividualManipula
     const NqCoordinateSystemTransformation frame = link->primaryFrameInSystem(p) * orientation();
     const NqVector z = frame.orientation().zAxis();
     const Reference r = reference(manipulator, relativeLink, state);
-    forEachJointMotion(*link, frame.translation(), p, [&](unsigned column, const NqGeneralMotion& motion) {
+    link->forEachUnitRateMotion(frame.translation(), p, [&](unsigned column, const NqGeneralMotion& motion) {
         jacobian[row][column] = rate(r, z, motion.angular());
     });
 }

@@ -122,13 +122,13 @@ void NqEndEffector::setFilteringActive(bool) {}
 
 NqVector NqEndEffector::pointMotion(const NqManipulatorLink& jointLink, const NqManipulatorLink& pointLink,
                                     const NqVector& point, NqManipulatorActivePositionState& state) const {
-    return unitRateMotion(jointLink, pointPosition(pointLink, point, state), state).linear();
+    return jointLink.unitRateMotion(pointPosition(pointLink, point, state), state).linear();
 }
 
 void NqEndEffector::getFrameMotion(const NqManipulatorLink& jointLink, const NqManipulatorLink& frameLink,
                                    const NqCoordinateSystemTransformation& frame,
                                    NqManipulatorActivePositionState& state, NqGeneralMotion& motion) const {
-    motion = unitRateMotion(jointLink, pointPosition(frameLink, frame.translation(), state), state);
+    motion = jointLink.unitRateMotion(pointPosition(frameLink, frame.translation(), state), state);
 }
 
 NqVector NqEndEffector::pointPosition(const NqManipulatorLink& link, const NqVector& point,
@@ -145,16 +145,6 @@ const NqManipulatorLink* NqEndEffector::linkOrMessage(const NqIndividualManipula
     return link;
 }
 
-NqGeneralMotion NqEndEffector::unitRateMotion(const NqManipulatorLink& jointLink, const NqVector& origin,
-                                              NqManipulatorActivePositionState& state) {
-    const NqCoordinateSystemTransformation& jointFrame = jointLink.linkFrameInSystem(state);
-    const NqXmlRealVector& positions = state.positionState().jointPositions();
-    const unsigned joint = jointLink.jointIndex();
-    const double position = joint < positions.size() ? positions[joint] : 0.0;
-    NqGeneralMotion motion = jointFrame.orientation() * jointLink.joint().jointMotion(position, 1.0);
-    return motion.transformBy(origin - jointFrame.translation());
-}
-
 void NqEndEffector::clearBits(const NqIndividualManipulator& manipulator, unsigned row, bool fixedBase,
                               SparsityDescription& sparsity) const {
     const std::size_t width = jacobianWidth(manipulator, fixedBase);
@@ -168,11 +158,9 @@ void NqEndEffector::clearBits(const NqIndividualManipulator& manipulator, unsign
 void NqEndEffector::insertChainBits(const NqManipulatorLink* link, unsigned row,
                                     SparsityDescription& sparsity) const {
     if (link) {
-        forEachInboardLink(*link, [&](const NqManipulatorLink& joint) {
-            for (unsigned i = row; i < row + doc(); ++i) {
-                sparsity[i][joint.jointIndex()] = true;
-            }
-        });
+        for (unsigned i = row; i < row + doc(); ++i) {
+            link->forEachCarryingJoint([&](unsigned column) { sparsity[i][column] = true; });
+        }
     }
 }
 

@@ -237,30 +237,6 @@ protected:
         return manipulator.numberOfJoints() + (fixedBase ? 0 : m_theBaseDof);
     }
 
-    /// Calls `visit` for each link from `link` towards the root that has a parent, and so a joint column.
-    template <typename Visit>
-    static void forEachInboardLink(const NqManipulatorLink& link, Visit visit) {
-        for (const NqManipulatorLink* current = &link; current->parentLink();
-             current = current->parentLink()) {
-            visit(*current);
-        }
-    }
-
-    /// Motion, in the system frame and referred to `origin`, of a body carried by `jointLink`, for a unit
-    /// rate of the joint of that link.
-    static NqGeneralMotion unitRateMotion(const NqManipulatorLink& jointLink, const NqVector& origin,
-                                          NqManipulatorActivePositionState& state);
-
-    /// Calls `visit(column, motion)` for each joint that carries `link`, with the motion of a body fixed in
-    /// the link, in the system frame and referred to `origin`, for a unit rate of that joint.
-    template <typename Visit>
-    static void forEachJointMotion(const NqManipulatorLink& link, const NqVector& origin,
-                                   NqManipulatorActivePositionState& state, Visit visit) {
-        forEachInboardLink(link, [&](const NqManipulatorLink& joint) {
-            visit(joint.jointIndex(), unitRateMotion(joint, origin, state));
-        });
-    }
-
     /// Whether the base columns are to be filled: the base moves, and the rows are not relative to another
     /// link of the same manipulator.
     static bool hasBaseColumns(const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase) {
@@ -402,7 +378,7 @@ void NqEndEffector::insertJointColumns(const NqIndividualManipulator& manipulato
                                        const NqManipulatorLink& link, const NqVector& origin,
                                        const char* badRelativeLabel, NqManipulatorActivePositionState& state,
                                        NqReArray& jacobian, RowsOf rowsOf) {
-    forEachJointMotion(link, origin, state, [&](unsigned column, const NqGeneralMotion& motion) {
+    link.forEachUnitRateMotion(origin, state, [&](unsigned column, const NqGeneralMotion& motion) {
         const auto entries = rowsOf(motion);
         for (unsigned i = 0; i < entries.size(); ++i) {
             jacobian[row + i][column] = entries[i];
@@ -410,7 +386,7 @@ void NqEndEffector::insertJointColumns(const NqIndividualManipulator& manipulato
     });
     // Both motions are taken at the same point, so that a joint which carries both links cancels exactly.
     if (const auto* reference = internalRelativeLink(manipulator, relativeLink, badRelativeLabel)) {
-        forEachJointMotion(*reference, origin, state, [&](unsigned column, const NqGeneralMotion& motion) {
+        reference->forEachUnitRateMotion(origin, state, [&](unsigned column, const NqGeneralMotion& motion) {
             const auto entries = rowsOf(motion);
             for (unsigned i = 0; i < entries.size(); ++i) {
                 jacobian[row + i][column] -= entries[i];

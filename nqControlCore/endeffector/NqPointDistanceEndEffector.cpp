@@ -33,7 +33,7 @@ void NqPointDistanceEndEffector::insertJacobianComponent(const NqIndividualManip
         linkOrMessage(manipulator, labelTwo(),
                       "NqPointDistanceEndEffector::insertJacobianComponent(): bad label on point2: : %s.\n");
     if (linkTwo) {
-        forEachJointMotion(*linkTwo, two, p, [&](unsigned column, const NqGeneralMotion& motion) {
+        linkTwo->forEachUnitRateMotion(two, p, [&](unsigned column, const NqGeneralMotion& motion) {
             jacobian[row][column] = u.dot(motion.linear());
         });
     }
@@ -41,7 +41,7 @@ void NqPointDistanceEndEffector::insertJacobianComponent(const NqIndividualManip
         linkOrMessage(manipulator, labelOne(),
                       "NqPointDistanceEndEffector::insertJacobianComponent(): bad label on point1: : %s.\n");
     if (linkOne) {
-        forEachJointMotion(*linkOne, one, p, [&](unsigned column, const NqGeneralMotion& motion) {
+        linkOne->forEachUnitRateMotion(one, p, [&](unsigned column, const NqGeneralMotion& motion) {
             jacobian[row][column] -= u.dot(motion.linear());
         });
     }

@@ -36,7 +36,7 @@ void NqKinematicTree::computeFrames(const NqCoordinateSystemTransformation& base
         if (entry.isPrismatic) {
             inParent.outboardTransformBy(NqVector::zVector(positions[i - 1]));
         } else {
-            inParent.setOrientation(inParent.orientation() * NqOrientation::aboutZ(positions[i - 1]));
+            inParent.setOrientation(inParent.orientation().turnedAboutZ(positions[i - 1]));
         }
         frames[i] = frames[entry.parent] * inParent;
     }

@@ -35,6 +35,26 @@ public:
     /// Adds a body that moves with `entry`, its mass properties given in the frame of that entry.
     void addBody(std::size_t entry, const NqRigidBodyMassProperties& massProperties);
 
+    /// Calls `visit(entry)` for the entries from this one towards the base, which is not visited.
+    template <typename Visit>
+    void forEachInboardEntry(std::size_t entry, Visit visit) const {
+        for (; entry != 0; entry = m_Entries[entry].parent) {
+            visit(entry);
+        }
+    }
+
+    /// Motion, in the system frame and referred to `origin`, of a body carried by an entry with that frame,
+    /// for a unit rate of the entry's joint; zero for the base.
+    NqGeneralMotion unitRateMotion(std::size_t entry, const NqCoordinateSystemTransformation& frame,
+                                   const NqVector& origin) const {
+        if (entry == 0) {
+            return {};
+        }
+        const NqVector axis = frame.orientation().zAxis();
+        return m_Entries[entry].isPrismatic ? NqGeneralMotion(axis, NqVector())
+                                            : NqGeneralMotion(axis.cross(origin - frame.translation()), axis);
+    }
+
     // The passes go from the base to the leaves, or back for the composite properties. Vectors of joint
     // values must have an entry per joint, all others one per entry; the sizes are not checked.
 

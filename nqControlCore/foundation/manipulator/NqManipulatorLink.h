@@ -67,6 +67,31 @@ public:
     /// manipulator in the base frame.
     virtual const NqRigidBodyMassProperties& compositeMassProperties(NqManipulatorActiveState& state) const;
 
+    // Walks from this link towards the base, joint by joint. Columns are joint indices.
+
+    /// Calls `visit(column)` for each joint that carries this link.
+    template <typename Visit>
+    void forEachCarryingJoint(Visit visit) const {
+        m_Tree->forEachInboardEntry(m_Entry,
+                                    [&](std::size_t entry) { visit(static_cast<unsigned>(entry - 1)); });
+    }
+
+    /// Calls `visit(column, motion)` for each joint that carries this link, with the motion of a body fixed
+    /// in the link, in the system frame and referred to `origin`, for a unit rate of that joint.
+    template <typename Visit>
+    void forEachUnitRateMotion(const NqVector& origin, NqManipulatorActivePositionState& state,
+                               Visit visit) const {
+        const std::vector<NqCoordinateSystemTransformation>& frames = state.linkFrames(*m_Tree);
+        m_Tree->forEachInboardEntry(m_Entry, [&](std::size_t entry) {
+            visit(static_cast<unsigned>(entry - 1), m_Tree->unitRateMotion(entry, frames[entry], origin));
+        });
+    }
+
+    /// The same for this link's own joint; zero for a link without one.
+    NqGeneralMotion unitRateMotion(const NqVector& origin, NqManipulatorActivePositionState& state) const {
+        return m_Tree->unitRateMotion(m_Entry, state.linkFrame(*m_Tree, m_Entry), origin);
+    }
+
 protected:
     /// The base.
     NqManipulatorLink() = default;

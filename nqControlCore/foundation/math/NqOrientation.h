@@ -14,9 +14,7 @@ public:
     NqOrientation(double angle, const NqVector& axis) { setFromAngleAxis(angle, axis); }
 
     /// The rotation by `angle` (radians) about the z axis.
-    static NqOrientation aboutZ(double angle) {
-        return {std::cos(0.5 * angle), 0.0, 0.0, std::sin(0.5 * angle)};
-    }
+    static NqOrientation aboutZ(double angle) { return NqOrientation().turnedAboutZ(angle); }
 
     /// Composition: (a * b) applies b first, then a.
     constexpr NqOrientation operator*(const NqOrientation& b) const {
@@ -35,6 +33,13 @@ public:
 
     /// The rotated vector, into `result`.
     constexpr void transform(const NqVector& v, NqVector& result) const { result = *this * v; }
+
+    /// This rotation after one by `angle` (radians) about the z axis: the product with that rotation.
+    NqOrientation turnedAboutZ(double angle) const {
+        const double c = std::cos(0.5 * angle);
+        const double s = std::sin(0.5 * angle);
+        return {m_Scalar * c - m_Z * s, m_X * c + m_Y * s, m_Y * c - m_X * s, m_Z * c + m_Scalar * s};
+    }
 
     constexpr NqOrientation inverse() const { return {m_Scalar, -m_X, -m_Y, -m_Z}; }
 

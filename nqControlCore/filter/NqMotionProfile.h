@@ -36,9 +36,11 @@ public:
         return NqMath::sqrt(a * 2.0 / NqMath::nonZeroPos(d));
     }
 
-    static double threeHalvesGain(double n, double k, double d) {
+    /// A gain that overflows, as it can where the limit of speed is 0, is that of one step.
+    static double threeHalvesGain(double n, double k, double d, double h) {
         const double c = 1.0 / NqMath::nonZeroPos(n + 1.0);
-        return std::pow(k / NqMath::nonZeroPos(std::pow(d, n)), c);
+        const double g = std::pow(k / NqMath::nonZeroPos(std::pow(d, n)), c);
+        return std::isinf(g) ? 1.0 / NqMath::nonZeroPos(h) : g;
     }
 
     /// k of three-halves mode.
@@ -84,7 +86,7 @@ public:
         case NqBaseMotionFilter::ThreeHalves: {
             const double n = filter.exponent();
             const double k = threeHalvesScale(n, a, vmax);
-            velocity = threeHalvesGain(n, k, d) * error;
+            velocity = threeHalvesGain(n, k, d, h) * error;
             slowness = threeHalvesSlowness(n, k, h);
             break;
         }

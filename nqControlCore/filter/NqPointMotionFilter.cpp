@@ -69,7 +69,7 @@ bool NqPointMotionFilter::calculateVelocity(const Vector& actualPosition, const 
     case ThreeHalves: {
         const double n = Dimension<Vector>::exponent(*this);
         const double k = NqMotionProfile::threeHalvesScale(n, a, vmax);
-        out = NqMotionProfile::threeHalvesGain(n, k, d) * e;
+        out = NqMotionProfile::threeHalvesGain(n, k, d, h) * e;
         if constexpr (Dimension<Vector>::countsDesiredVelocityTwice) {
             out += desiredVelocity;
         }

@@ -71,7 +71,7 @@ double NqScalarMotionFilter::applyFilter(double error, double gain, double veloc
     case ThreeHalves: {
         constexpr double n = 0.5;
         const double k = NqMotionProfile::threeHalvesScale(n, a, velocityLimit);
-        result = NqMotionProfile::threeHalvesGain(n, k, d) * error;
+        result = NqMotionProfile::threeHalvesGain(n, k, d, h) * error;
         const double slowness = NqMotionProfile::threeHalvesSlowness(n, k, h);
         const double squaredSpeed = result * result;
         if (slowness > squaredSpeed && squaredSpeed > stepSpeed * stepSpeed) {

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "NqBenchmarkCase.h"
+#include "NqBenchmarkOptions.h"
+#include "NqBenchmarkRun.h"
+#include "NqControlPeer.h"
+#include "NqSolverContest.h"
+
+/// The program: makes the cases, sees that all who take part come to the same results, measures them and
+/// reports.
+class NqBenchmark {
+public:
+    explicit NqBenchmark(const NqBenchmarkOptions& options) : m_Options(options) {}
+
+    /// The exit status. `program` is the name in argv.
+    int execute(char* program);
+
+private:
+    /// A case with those who take part in it.
+    struct Contest {
+        std::unique_ptr<NqBenchmarkCase> benchmarkCase;
+        std::vector<std::unique_ptr<NqControlPeer>> peers;
+    };
+
+    bool enter(std::unique_ptr<NqBenchmarkCase> benchmarkCase);
+    bool makeContests();
+    bool check();
+    void addWork();
+    void addContest(const Contest& contest);
+    std::string measureStepTimes();
+    bool writeJson(const std::string& stepTimes) const;
+    int count() const;
+
+    NqBenchmarkOptions m_Options;
+    std::vector<Contest> m_Contests;
+    std::vector<NqSolverContest> m_Solvers;
+    NqBenchmarkRun m_Run;
+};

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+/// What was measured: for each task the times of all who did it, with the first of them as measure.
+class NqBenchmarkTable {
+public:
+    struct Row {
+        std::string task;
+        std::string subject;
+        std::vector<double> times; ///< ns, of each repetition
+
+        double median() const;
+        double least() const;
+    };
+
+    /// Rows of a task stand together in the order in which they come.
+    void add(const std::string& task, const std::string& subject);
+    /// Enters a repetition in row `index`.
+    void enter(std::size_t index, double nanoseconds) { m_Rows[index].times.push_back(nanoseconds); }
+
+    const std::vector<Row>& rows() const { return m_Rows; }
+
+    /// As text: nanoseconds, and how many times those of the first of the task.
+    std::string text() const;
+    /// The same as an array of JSON.
+    std::string json() const;
+
+private:
+    double ratio(const Row& row) const;
+
+    std::vector<Row> m_Rows;
+    std::map<std::string, std::size_t> m_FirstOf; ///< by task
+};

@@ -38,8 +38,8 @@ void NqOwnPeer::step(unsigned step) {
 
 void NqOwnPeer::setState(unsigned step) {
     const NqBenchmarkCase::Pose& pose = m_Case.pose(step);
-    m_Position.setJointPositions(pose.positions);
-    m_JointVelocity.setJointVelocities(pose.velocities);
+    m_Position.jointPositions() = pose.positions;
+    m_JointVelocity.jointVelocities() = pose.velocities;
     m_State.setPositionState(m_Position);
     m_State.setVelocityState(m_JointVelocity);
 }

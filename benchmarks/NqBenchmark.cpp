@@ -19,6 +19,7 @@
 namespace {
 
 constexpr unsigned kTimedSteps = 100000;
+constexpr unsigned kTimedRuns = 5;
 
 /// What no library can do without: sine and cosine of as many joints.
 void makeSinesAndCosines(const std::vector<double>& angles) {
@@ -148,13 +149,13 @@ void NqBenchmark::addContest(const Contest& contest) {
 
 std::string NqBenchmark::measureStepTimes() {
     std::string json;
-    std::printf("\n%-56s %7s %7s %7s %9s\n", "single steps of ours, ns of wall clock", "median", "99 %",
-                "99.9 %", "longest");
+    std::printf("\n%-56s %7s %7s %7s %9s %8s\n", "single steps of ours, ns of wall clock", "median", "99 %",
+                "99.9 %", "longest", "switches");
     for (const auto& makeCase :
          {NqBenchmarkCases::arm, NqBenchmarkCases::armWithPoint, NqBenchmarkCases::humanoid}) {
         if (const auto benchmarkCase = makeCase(m_Options.models, 256)) {
             NqOwnPeer own(*benchmarkCase);
-            const NqStepTimes times(own, kTimedSteps);
+            const NqStepTimes times(own, kTimedSteps, m_Options.isQuick ? 1 : kTimedRuns);
             std::fputs(times.text(benchmarkCase->title()).c_str(), stdout);
             json += (json.empty() ? "\n    " : ",\n    ") + times.json(benchmarkCase->title());
         }

@@ -45,6 +45,9 @@ void NqBenchmarkRun::add(const std::string& task, const std::string& subject, un
 }
 
 void NqBenchmarkRun::execute(char* program, int repetitions, double seconds) {
+    if (m_Entries.empty()) {
+        return;
+    }
     char mix[] = "--benchmark_enable_random_interleaving=true";
     char* arguments[] = {program, mix, nullptr};
     int count = 2;

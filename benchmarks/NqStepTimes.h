@@ -2,11 +2,11 @@
 
 #include "NqControlPeer.h"
 
-/// Times of single control steps, one after the other, by the wall clock.
+/// Times of single control steps, one after the other, by the wall clock. What else the machine does falls on
+/// some of them: of several runs the one counts that was least interrupted by other processes.
 class NqStepTimes {
 public:
-    /// Measures after some steps that don't count.
-    NqStepTimes(NqControlPeer& peer, unsigned steps);
+    NqStepTimes(NqControlPeer& peer, unsigned steps, unsigned runs);
 
     /// The time, in ns, that a share of the steps doesn't exceed.
     double quantile(double share) const;
@@ -17,4 +17,5 @@ public:
 
 private:
     std::vector<double> m_Sorted; ///< ns
+    long m_Interruptions = 0;     ///< how often another process had the core meanwhile
 };

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <typeinfo>
 
 using NqRowOperations::Panel;
 using NqRowOperations::PanelWidth;
@@ -97,6 +98,64 @@ unsigned choosePivot(const std::vector<double>& row, unsigned begin, unsigned en
                      unsigned kept) {
     return lastWins ? NqRowOperations::lastLargest(row.data(), begin, end, kept)
                     : NqRowOperations::firstLargest(row.data(), begin, end, kept);
+}
+
+/// Solves with L, unit lower triangular, for as many right-hand sides as there are lanes, side by side in x:
+/// entry i of lane l is x[i * Lanes + l]. The sums of a few rows are independent up to these rows themselves,
+/// and are worked through abreast.
+template <unsigned Lanes>
+void substituteForward(const NqReArray& factors, unsigned n, double* x) {
+    const auto subtract = [x](double* sums, unsigned j, double factor) {
+        for (unsigned l = 0; l < Lanes; ++l) {
+            sums[l] -= x[j * Lanes + l] * factor;
+        }
+    };
+    for (unsigned first = 0; first < n; first += PanelWidth) {
+        const unsigned width = std::min(PanelWidth, n - first);
+        double* const sums = x + first * Lanes;
+        if (width == PanelWidth) {
+            const double* const rows[] = {factors[first].data(), factors[first + 1].data(),
+                                          factors[first + 2].data(), factors[first + 3].data()};
+            double panel[PanelWidth * Lanes];
+            std::copy_n(sums, PanelWidth * Lanes, panel);
+            for (unsigned j = 0; j < first; ++j) {
+                for (unsigned k = 0; k < PanelWidth; ++k) {
+                    subtract(panel + k * Lanes, j, rows[k][j]);
+                }
+            }
+            std::copy_n(panel, PanelWidth * Lanes, sums);
+        } else {
+            for (unsigned k = 0; k < width; ++k) {
+                for (unsigned j = 0; j < first; ++j) {
+                    subtract(sums + k * Lanes, j, factors[first + k][j]);
+                }
+            }
+        }
+        for (unsigned k = 1; k < width; ++k) {
+            for (unsigned j = first; j < first + k; ++j) {
+                subtract(sums + k * Lanes, j, factors[first + k][j]);
+            }
+        }
+    }
+}
+
+/// The same with U. Each sum begins with the unknown that was found last, so that the rows wait for each
+/// other, and only the lanes go abreast. An exactly zero pivot leaves its unknown as it came.
+template <unsigned Lanes>
+void substituteBackward(const NqReArray& factors, unsigned n, double* x) {
+    for (unsigned i = n; i-- > 0;) {
+        const double* const row = factors[i].data();
+        double sums[Lanes];
+        std::copy_n(x + i * Lanes, Lanes, sums);
+        for (unsigned j = i + 1; j < n; ++j) {
+            for (unsigned l = 0; l < Lanes; ++l) {
+                sums[l] -= x[j * Lanes + l] * row[j];
+            }
+        }
+        for (unsigned l = 0; l < Lanes && row[i] != 0.0; ++l) {
+            x[i * Lanes + l] = sums[l] / row[i];
+        }
+    }
 }
 
 } // namespace
@@ -233,10 +292,58 @@ bool NqCoreVelocityControlTool::solveTwice(const std::vector<double>& velocity,
                                            std::vector<double>& nullSpaceJointRates, double& determinant) {
     std::vector<double>& stacked = *m_StackedRightHandSide;
     std::copy_n(velocity.begin(), m_M, stacked.begin());
-    calc(m_PrimaryMatrix, m_Indices, stacked, jointRates, determinant);
+    // A subclass may have replaced calc(), and the two vectors may be one.
+    if (typeid(*this) != typeid(NqCoreVelocityControlTool) || &jointRates == &nullSpaceJointRates) {
+        calc(m_PrimaryMatrix, m_Indices, stacked, jointRates, determinant);
+        std::fill_n(stacked.begin(), m_M, 0.0);
+        calc(m_PrimaryMatrix, m_Indices, stacked, nullSpaceJointRates, determinant);
+        return true;
+    }
+    m_Lanes->resize(2 * m_N);
+    double* const x = m_Lanes->data();
+    for (unsigned i = 0; i < m_N; ++i) {
+        x[2 * i] = stacked[i];
+        x[2 * i + 1] = i < m_M ? 0.0 : stacked[i];
+    }
     std::fill_n(stacked.begin(), m_M, 0.0);
-    calc(m_PrimaryMatrix, m_Indices, stacked, nullSpaceJointRates, determinant);
+    std::vector<double>* const solutions[] = {&jointRates, &nullSpaceJointRates};
+    solveLanes(m_PrimaryMatrix, m_Indices, solutions, determinant);
     return true;
+}
+
+/// Solves for the right-hand sides that stand in m_Lanes, one for each solution.
+template <unsigned Lanes>
+void NqCoreVelocityControlTool::solveLanes(const NqReArray& factors, const std::vector<unsigned int>& indices,
+                                           std::vector<double>* const (&solutions)[Lanes],
+                                           double& determinant) {
+    const auto n = static_cast<unsigned>(factors.size());
+    double* const x = m_Lanes->data();
+    substituteForward<Lanes>(factors, n, x);
+    substituteBackward<Lanes>(factors, n, x);
+
+    bool isOdd = false;
+    for (unsigned i = n; i-- > 0;) {
+        if (indices[i] != i) {
+            std::swap_ranges(x + i * Lanes, x + (i + 1) * Lanes, x + indices[i] * Lanes);
+            isOdd = !isOdd;
+        }
+    }
+    for (unsigned l = 0; l < Lanes; ++l) {
+        std::vector<double>& solution = *solutions[l];
+        if (solution.size() < n) {
+            solution.assign(n, 0.0);
+        }
+        for (unsigned i = 0; i < n; ++i) {
+            solution[i] = x[i * Lanes + l];
+        }
+    }
+    determinant = 1.0;
+    for (unsigned i = 0; i < n; ++i) {
+        determinant *= factors[i][i];
+    }
+    if (isOdd) {
+        determinant *= -1.0;
+    }
 }
 
 void NqCoreVelocityControlTool::resize() {
@@ -418,66 +525,8 @@ bool NqCoreVelocityControlTool::calc(const NqReArray& factoredMatrix,
                                     rightHandSide.size());
         return false;
     }
-    if (solution.size() < n) {
-        solution.assign(n, 0.0);
-    }
-    double* const x = solution.data();
-    std::copy_n(rightHandSide.begin(), n, x);
-
-    // Forward, a few rows abreast: their sums are independent up to the rows themselves.
-    for (unsigned first = 0; first < n; first += PanelWidth) {
-        const unsigned behind = std::min(first + PanelWidth, n);
-        if (behind - first == PanelWidth) {
-            const double* const r0 = factoredMatrix[first].data();
-            const double* const r1 = factoredMatrix[first + 1].data();
-            const double* const r2 = factoredMatrix[first + 2].data();
-            const double* const r3 = factoredMatrix[first + 3].data();
-            double s0 = x[first], s1 = x[first + 1], s2 = x[first + 2], s3 = x[first + 3];
-            for (unsigned j = 0; j < first; ++j) {
-                s0 -= x[j] * r0[j];
-                s1 -= x[j] * r1[j];
-                s2 -= x[j] * r2[j];
-                s3 -= x[j] * r3[j];
-            }
-            s1 -= s0 * r1[first];
-            s2 = (s2 - s0 * r2[first]) - s1 * r2[first + 1];
-            s3 = ((s3 - s0 * r3[first]) - s1 * r3[first + 1]) - s2 * r3[first + 2];
-            x[first] = s0;
-            x[first + 1] = s1;
-            x[first + 2] = s2;
-            x[first + 3] = s3;
-        } else {
-            for (unsigned i = first; i < n; ++i) {
-                for (unsigned j = 0; j < i; ++j) {
-                    x[i] -= x[j] * factoredMatrix[i][j];
-                }
-            }
-        }
-    }
-    for (unsigned i = n; i-- > 0;) {
-        const double* const row = factoredMatrix[i].data();
-        double sum = x[i];
-        for (unsigned j = i + 1; j < n; ++j) {
-            sum -= x[j] * row[j];
-        }
-        if (row[i] != 0.0) {
-            x[i] = sum / row[i];
-        }
-    }
-
-    bool isOdd = false;
-    for (unsigned i = n; i-- > 0;) {
-        if (indices[i] != i) {
-            std::swap(x[i], x[indices[i]]);
-            isOdd = !isOdd;
-        }
-    }
-    determinant = 1.0;
-    for (unsigned i = 0; i < n; ++i) {
-        determinant *= factoredMatrix[i][i];
-    }
-    if (isOdd) {
-        determinant *= -1.0;
-    }
+    m_Lanes->assign(rightHandSide.begin(), rightHandSide.begin() + n);
+    std::vector<double>* const solutions[] = {&solution};
+    solveLanes(factoredMatrix, indices, solutions, determinant);
     return true;
 }

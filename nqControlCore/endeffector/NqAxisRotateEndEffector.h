@@ -39,7 +39,8 @@ public:
     void calculatePlacement(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
                             NqEndEffectorPlacement& placement) const override;
 
-    /// By the formula of the class, but with the z axis of the system for z.
+    /// By the formula of the class, but with the z axis of the system for z: a NaN where the reference axis
+    /// is that axis, as it is by default outside internal relative mode.
     void calculateVelocity(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
                            NqXmlRealVector& velocity, unsigned start) const override;
 

@@ -149,7 +149,8 @@ void NqEndEffector::clearBits(const NqIndividualManipulator& manipulator, unsign
                               SparsityDescription& sparsity) const {
     const std::size_t width = jacobianWidth(manipulator, fixedBase);
     rightSizeSparsityDescriptionMatrix(row, static_cast<unsigned>(width), sparsity);
-    for (unsigned i = row; i < row + doc(); ++i) {
+    const unsigned end = row + doc();
+    for (unsigned i = row; i < end; ++i) {
         // Rows that right-sizing left as they were may be narrower.
         sparsity[i].resize(std::max(sparsity[i].size(), width));
     }
@@ -157,10 +158,10 @@ void NqEndEffector::clearBits(const NqIndividualManipulator& manipulator, unsign
 
 void NqEndEffector::insertChainBits(const NqManipulatorLink* link, unsigned row,
                                     SparsityDescription& sparsity) const {
-    if (link) {
-        for (unsigned i = row; i < row + doc(); ++i) {
-            link->forEachCarryingJoint([&](unsigned column) { sparsity[i][column] = true; });
-        }
+    const unsigned end = row + doc();
+    for (unsigned i = row; link && i < end; ++i) {
+        std::vector<bool>& bits = sparsity[i];
+        link->forEachCarryingJoint([&bits](unsigned column) { bits[column] = true; });
     }
 }
 

@@ -41,7 +41,8 @@ public:
     virtual const std::string& linkIdentifier() const { return m_LinkIdentifier; }
     virtual void setLinkIdentifier(const std::string& label) { m_LinkIdentifier = label; }
 
-    /// Replaces a link label wherever this end-effector has it. Whether it had it.
+    /// Replaces the label of the link that the end-effector sits on, or of the links that a class looks up
+    /// instead. Whether it had it.
     virtual bool changeLinkLabel(const std::string& oldLabel, const std::string& newLabel);
 
     virtual const NqEndEffectorRelativeLinkData& relativeLinkData() const { return m_RelativeLinkData; }
@@ -163,7 +164,8 @@ public:
         m_SoftConstraintMultiplier = multiplier;
     }
 
-    /// Desired minus present placement, as doc() numbers. Here: zeros.
+    /// The way from the present to the desired placement as doc() numbers, or back, where a class says so.
+    /// Here: zeros.
     virtual void calculateEndEffectorError(const NqIndividualManipulator& manipulator,
                                            const NqEndEffectorPlacement& desiredPlacement,
                                            NqManipulatorActiveState& state, NqXmlRealVector& error) const;

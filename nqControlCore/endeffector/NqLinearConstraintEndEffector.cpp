@@ -20,11 +20,8 @@ NqLinearConstraintEndEffector::NqLinearConstraintEndEffector() {
 }
 
 bool NqLinearConstraintEndEffector::read(NqXmlReader& reader) {
-    if (!NqScalarBasedEndEffector::read(reader)) {
-        return false;
-    }
     clearLinkIndices();
-    return true;
+    return NqScalarBasedEndEffector::read(reader);
 }
 
 bool NqLinearConstraintEndEffector::changeLinkLabel(const std::string& oldLabel,

@@ -10,8 +10,9 @@
 /// Constrains a weighted sum of joint values: one row, the weights in the columns of the joints.
 ///
 /// The number is the sum of linkWeights[i] times the position of the joint of linkLabels[i], less
-/// weightedSum. Of labels and weights only as many count as both lists have. The link that the base class
-/// names plays no part, nor do relative links, external offsets or a free base.
+/// weightedSum. Of labels and weights only as many count as both lists have. A joint should be named once: of
+/// several weights the last one stands in its column, while all count in the sum. The link that the base
+/// class names plays no part, nor do relative links, external offsets or a free base.
 ///
 /// Joints are looked up once and remembered, also for another manipulator, until the labels are set, read or
 /// assigned. A label that is unknown, or of a link without a joint, is left out with a message.
@@ -24,6 +25,7 @@ public:
 
     static const NqEditableValueTable<NqLinearConstraintEndEffector>& editableTable();
 
+    /// Forgets the joints.
     bool read(NqXmlReader& reader) override;
 
     /// Renames among linkLabels(); joints that are remembered stay.

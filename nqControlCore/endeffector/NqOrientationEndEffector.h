@@ -51,7 +51,7 @@ public:
                                    NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
     double minimumTime(const NqEndEffectorPlacement& from, const NqEndEffectorPlacement& to) const override;
 
-    /// The angle between the orientations times the error weight.
+    /// The angle between the orientations times the error weight, by which minimumTime() counts too.
     double difference(const NqEndEffectorPlacement& a, const NqEndEffectorPlacement& b) const override;
 
     /// The rotation vector from the present to the desired orientation, in the system frame.

@@ -66,6 +66,7 @@ struct NqEndEffectorSample<NqFrameEndEffector> {
         NqGeneralMotionFilter filter;
         filter.setFilteringMode(NqBaseMotionFilter::Proportional);
         filter.setExponent(0.5);
+        filter.setOffset({0.05, -0.1, 0.2});
         filter.setLinearVelocityThreshold(0.6);
         filter.setAngularVelocityThreshold(0.7);
         filter.setLinearAccelerationThreshold(2.5);
@@ -93,6 +94,7 @@ struct NqEndEffectorSample<NqOrientationEndEffector> {
         endEffector.setErrorWeight(0.75);
         NqRotationMotionFilter filter;
         filter.setFilteringMode(NqBaseMotionFilter::Proportional);
+        filter.setExponent(0.5);
         filter.setAngularVelocityThreshold(0.7);
         filter.setAngularAccelerationThreshold(3.5);
         filter.setAngularDecelerationThreshold(1.75);

@@ -51,12 +51,12 @@ int NqBenchmark::execute(char* program) {
     return writeJson(stepTimes) ? 0 : 1;
 }
 
-bool NqBenchmark::enter(std::unique_ptr<NqBenchmarkCase> benchmarkCase) {
+bool NqBenchmark::enter(std::unique_ptr<NqBenchmarkCase> benchmarkCase, bool hasStages) {
     if (!benchmarkCase) {
         return false;
     }
     auto peers = nqPeers(*benchmarkCase);
-    m_Contests.push_back({std::move(benchmarkCase), std::move(peers)});
+    m_Contests.push_back({std::move(benchmarkCase), std::move(peers), hasStages});
     return true;
 }
 
@@ -74,7 +74,7 @@ bool NqBenchmark::makeContests() {
     }
     if (m_Options.chains) {
         for (auto& chain : chains()) {
-            if (!enter(std::move(chain))) {
+            if (!enter(std::move(chain), false)) {
                 return false;
             }
         }
@@ -111,7 +111,9 @@ void NqBenchmark::addWork() {
     }
     if (m_Options.stages) {
         for (const Contest& contest : m_Contests) {
-            NqStages::addControlStep(*contest.benchmarkCase, m_Run);
+            if (contest.hasStages) {
+                NqStages::addControlStep(*contest.benchmarkCase, m_Run);
+            }
         }
         NqStages::addFilters(m_Run);
         NqStages::addXml(m_Run);

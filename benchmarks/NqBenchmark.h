@@ -20,9 +20,10 @@ private:
     struct Contest {
         std::unique_ptr<NqBenchmarkCase> benchmarkCase;
         std::vector<std::unique_ptr<NqControlPeer>> peers;
+        bool hasStages; ///< whether our stages are measured one by one
     };
 
-    bool enter(std::unique_ptr<NqBenchmarkCase> benchmarkCase);
+    bool enter(std::unique_ptr<NqBenchmarkCase> benchmarkCase, bool hasStages = true);
     bool makeContests();
     bool check();
     void addWork();

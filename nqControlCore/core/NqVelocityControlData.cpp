@@ -2,6 +2,11 @@
 
 #include <nqControlCore/xml/NqFoundCommonCollections.h>
 
+const NqVelocityControlData& NqVelocityControlData::referenceObject() {
+    static const NqVelocityControlData theReference;
+    return theReference;
+}
+
 NqVelocityControlData& NqVelocityControlData::operator=(const NqXmlVectorType<NqXmlRealVector>& rows) {
     NqFoundCommon::toReArray(rows, *this);
     return *this;

@@ -22,7 +22,10 @@ public:
 
     bool operator==(const NqVelocityControlData& other) const;
 
-    static NqVelocityControlData nullObject() { return {}; }
+    static NqVelocityControlData nullObject() { return referenceObject(); }
+
+    /// The one default-constructed object that nullObject() copies.
+    static const NqVelocityControlData& referenceObject();
 
     virtual void setPrimaryDeterminant(const double& determinant);
 

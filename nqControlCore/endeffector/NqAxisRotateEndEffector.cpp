@@ -67,7 +67,7 @@ void NqAxisRotateEndEffector::insertSparsityComponent(const NqIndividualManipula
 }
 
 void NqAxisRotateEndEffector::insertErrorWeightComponent(unsigned row, NqReArray& weights) const {
-    insertErrorWeights(row, weights, [this](unsigned) { return errorWeight(); });
+    insertErrorWeights(row, weights, errorWeight(), errorWeight());
 }
 
 void NqAxisRotateEndEffector::calculatePlacement(const NqIndividualManipulator& manipulator,
@@ -89,11 +89,11 @@ void NqAxisRotateEndEffector::calculatePlacement(const NqIndividualManipulator& 
 void NqAxisRotateEndEffector::calculateVelocity(const NqIndividualManipulator& manipulator,
                                                 NqManipulatorActiveState& state, NqXmlRealVector& velocity,
                                                 unsigned start) const {
-    calculatePlacement(manipulator, state, scratchPlacement());
+    const NqEndEffectorPlacement& placement = presentPlacement(manipulator, state);
     double result = 0.0;
     if (const NqManipulatorLink* link = ownLink(manipulator)) {
         // The placement of a number is not turned, so this is the z axis of the system.
-        const NqVector z = scratchPlacement().coordSysXForm().orientation().zAxis();
+        const NqVector z = placement.coordSysXForm().orientation().zAxis();
         const NqVector w = link->primaryFrameVelocity(state).angular();
         result = rate(reference(manipulator, relativeLinkData(), state), z, w);
     }
@@ -133,23 +133,21 @@ void NqAxisRotateEndEffector::filterEndEffectorVelocity(const NqIndividualManipu
                                                         double timeStep, NqManipulatorActiveState& state,
                                                         NqXmlRealVector& filtered) const {
     if (hasEntries(desiredVelocity, previousVelocity)) {
-        calculatePlacement(manipulator, state, scratchPlacement());
-        filterNumber(number(scratchPlacement()), number(desiredPlacement), desiredVelocity, previousVelocity,
-                     timeStep, filtered);
+        filterNumber(number(presentPlacement(manipulator, state)), number(desiredPlacement), desiredVelocity,
+                     previousVelocity, timeStep, filtered);
     }
 }
 
 double NqAxisRotateEndEffector::minimumTime(const NqEndEffectorPlacement& from,
                                             const NqEndEffectorPlacement& to) const {
-    return timeForDistance(difference(from, to), motionThreshold() * speedFactor());
+    return timeAtThreshold(from, to);
 }
 
 void NqAxisRotateEndEffector::calculateEndEffectorError(const NqIndividualManipulator& manipulator,
                                                         const NqEndEffectorPlacement& desiredPlacement,
                                                         NqManipulatorActiveState& state,
                                                         NqXmlRealVector& error) const {
-    calculatePlacement(manipulator, state, scratchPlacement());
-    error.assign(doc(), number(scratchPlacement()) - number(desiredPlacement));
+    error.assign(doc(), number(presentPlacement(manipulator, state)) - number(desiredPlacement));
 }
 
 const NqEditableValueTable<NqAxisRotateEndEffector>& NqAxisRotateEndEffector::editableTable() {
@@ -160,7 +158,7 @@ const NqEditableValueTable<NqAxisRotateEndEffector>& NqAxisRotateEndEffector::ed
         return e;
     };
     constexpr auto filter = [](auto& e) -> auto& {
-        return e.filter();
+        return e.ownFilter();
     };
     static const Table table = {
         Table::angle("Angle",

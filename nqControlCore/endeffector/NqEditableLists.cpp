@@ -4,8 +4,8 @@
 
 std::string NqEditableLists::join(const NqLabelVector& labels) {
     std::string text;
-    for (const auto& label : labels) {
-        text += (text.empty() ? "" : ",") + label.value();
+    for (unsigned i = 0; i < labels.size(); ++i) {
+        text += (i == 0 ? "" : ",") + labels[i].value();
     }
     return text;
 }

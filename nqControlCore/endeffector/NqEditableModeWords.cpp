@@ -23,13 +23,12 @@ std::string NqEditableModeWords::print(const NqBaseMotionFilter& filter) {
     }
 }
 
-void NqEditableModeWords::apply(const std::string& word, NqBaseMotionFilter& filter, Accepts accepts) {
+void NqEditableModeWords::apply(const std::string& word, NqBaseMotionFilter& filter) {
     if (isOneOf(word, "proportional", "Proportional", "PROPORTIONAL")) {
         filter.setFilteringMode(NqBaseMotionFilter::Proportional);
     } else if (isOneOf(word, "trapezoidal", "Trapezoidal", "TRAPEZOIDAL")) {
         filter.setFilteringMode(NqBaseMotionFilter::Trapezoidal);
-    } else if (accepts == Accepts::ThreeModes &&
-               isOneOf(word, "threeHalves", "threehalves", "ThreeHalves", "THREEHALVES")) {
+    } else if (isOneOf(word, "threeHalves", "threehalves", "ThreeHalves", "THREEHALVES")) {
         filter.setFilteringMode(NqBaseMotionFilter::ThreeHalves);
     }
 }

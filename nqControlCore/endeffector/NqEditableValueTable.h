@@ -122,14 +122,11 @@ public:
 
     /// The filtering mode of a motion filter, as a word.
     template <typename Part>
-    static Row modeWord(std::string label, std::string tooltip, Part part,
-                        NqEditableModeWords::Accepts accepts = NqEditableModeWords::Accepts::ThreeModes) {
+    static Row modeWord(std::string label, std::string tooltip, Part part) {
         return row(
             std::move(label), std::move(tooltip),
             [=](const Class& object) { return NqEditableModeWords::print(part(object)); },
-            [=](Class& object, const std::string& text) {
-                NqEditableModeWords::apply(text, part(object), accepts);
-            });
+            [=](Class& object, const std::string& text) { NqEditableModeWords::apply(text, part(object)); });
     }
 
 private:

@@ -47,9 +47,8 @@ void NqEndEffector::rightSizeSparsityDescriptionMatrix(unsigned row, unsigned co
 void NqEndEffector::calculatePlacementInRelative(const NqIndividualManipulator& manipulator,
                                                  NqManipulatorActiveState& state,
                                                  NqEndEffectorPlacement& placement) const {
-    calculatePlacement(manipulator, state, scratchPlacement());
-    convertPlacementFromSystemToRelative(manipulator, scratchPlacement(), state.activePositionState(),
-                                         placement);
+    convertPlacementFromSystemToRelative(manipulator, presentPlacement(manipulator, state),
+                                         state.activePositionState(), placement);
 }
 
 void NqEndEffector::setEditableValues() {
@@ -208,6 +207,30 @@ NqGeneralMotion NqEndEffector::offsetAcceleration(const NqManipulatorLink& link,
 
 double NqEndEffector::timeForDistance(double distance, double speedLimit) {
     return distance / NqMath::nonZeroPos(speedLimit);
+}
+
+void NqEndEffector::insertErrorWeights(unsigned row, NqReArray& weights, double firstWeight,
+                                       double otherWeight) const {
+    const bool isSquare = weights.size() != 0 && weights[0].size() > 1;
+    const unsigned end = row + doc();
+    if (weights.size() < end) {
+        weights.resizeArray(end, isSquare ? end : 1);
+    }
+    for (unsigned i = row; i < end; ++i) {
+        const std::size_t column = isSquare ? i : 0;
+        if (weights[i].size() <= column) {
+            weights[i].resize(column + 1);
+        }
+        weights[i][column] = i - row < 3 ? firstWeight : otherWeight;
+    }
+}
+
+NqVector NqEndEffector::entries(const NqXmlRealVector& values, unsigned start) {
+    NqVector result;
+    for (unsigned i = 0; i < 3 && start + i < values.size(); ++i) {
+        result[i] = values[start + i];
+    }
+    return result;
 }
 
 void NqEndEffector::insertPart(const NqVector& part, NqXmlRealVector& values, unsigned start, Tail tail) {

@@ -197,6 +197,9 @@ public:
     virtual void setCanBecomeSoft(bool canBecomeSoft) { m_CanBecomeSoft = canBecomeSoft; }
 
 protected:
+    // One column of the Jacobian, for derived classes; the columns that are written here don't pass through
+    // these.
+
     /// Velocity, in the system frame, of a point fixed in `pointLink`, given in its primary frame, for a unit
     /// rate of the joint of `jointLink`.
     virtual NqVector pointMotion(const NqManipulatorLink& jointLink, const NqManipulatorLink& pointLink,
@@ -278,7 +281,8 @@ protected:
     /// velocity: bit c of entry r is base column c.
     static constexpr unsigned m_theBaseBits[6] = {0b110001, 0b101010, 0b011100, 0b001000, 0b010000, 0b100000};
 
-    /// Right-sizes the rows, all bits clear.
+    /// Right-sizes the rows. Their bits are clear, except where rows were missing: those that were there keep
+    /// theirs, and are widened.
     void clearBits(const NqIndividualManipulator& manipulator, unsigned row, bool fixedBase,
                    SparsityDescription& sparsity) const;
 
@@ -292,9 +296,9 @@ protected:
                           const LabelMessages& messages, const unsigned* baseBits,
                           SparsityDescription& sparsity) const;
 
-    /// Writes error weights in the shape that the array has; `weightOf(i)` is the weight of the i-th row.
-    template <typename WeightOf>
-    void insertErrorWeights(unsigned row, NqReArray& weights, WeightOf weightOf) const;
+    /// Writes error weights in the shape that the array has: one for the first three rows, and one for the
+    /// others. Rows that are too short are lengthened.
+    void insertErrorWeights(unsigned row, NqReArray& weights, double firstWeight, double otherWeight) const;
 
     /// Velocity in the system frame of a point fixed in a link, given in its primary frame: m.linear +
     /// m.angular x r.
@@ -328,12 +332,21 @@ protected:
     /// What insertPart() does with entries behind those that it writes.
     enum class Tail { Cut, Kept };
 
-    /// Writes a vector from `start` on into `values`, which is resized to end behind it, or lengthened to.
+    /// Writes a vector from `start` on into `values`, which is resized to end there or, with Tail::Kept, only
+    /// lengthened.
     static void insertPart(const NqVector& part, NqXmlRealVector& values, unsigned start,
                            Tail tail = Tail::Cut);
 
-    /// A placement to work on in const operations; it carries nothing from call to call.
-    NqEndEffectorPlacement& scratchPlacement() const { return *m_ScratchPlacement; }
+    /// The present placement; the identity where the type leaves it. It holds until the next such call.
+    const NqEndEffectorPlacement& presentPlacement(const NqIndividualManipulator& manipulator,
+                                                   NqManipulatorActiveState& state) const {
+        m_ScratchPlacement->setCoordSysXForm(NqCoordinateSystemTransformation());
+        calculatePlacement(manipulator, state, *m_ScratchPlacement);
+        return *m_ScratchPlacement;
+    }
+
+    /// The first entries of a list, at most 3 of them from `start` on; missing ones are zero.
+    static NqVector entries(const NqXmlRealVector& values, unsigned start = 0);
 
 private:
     friend struct NqXmlComponentAccess;
@@ -419,18 +432,6 @@ void NqEndEffector::insertMotionRows(const NqIndividualManipulator& manipulator,
             jacobian[row + i][column] = translation[i];
             jacobian[row + i][column + 3] = rotation[i];
         }
-    }
-}
-
-template <typename WeightOf>
-void NqEndEffector::insertErrorWeights(unsigned row, NqReArray& weights, WeightOf weightOf) const {
-    const bool isSquare = weights.size() != 0 && weights[0].size() > 1;
-    const unsigned end = row + doc();
-    if (weights.size() < end) {
-        weights.resizeArray(end, isSquare ? end : 1);
-    }
-    for (unsigned i = row; i < end; ++i) {
-        weights[i][isSquare ? i : 0] = weightOf(i - row);
     }
 }
 

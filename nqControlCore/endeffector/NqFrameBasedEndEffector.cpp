@@ -6,7 +6,7 @@ void NqFrameBasedEndEffector::filterEndEffectorVelocity(const NqXmlRealVector& d
                                                         const NqXmlRealVector& previousVelocity,
                                                         double timeStep, NqXmlRealVector& filtered) const {
     NqGeneralMotion out;
-    m_MotionFilter.filterVelocity(generalVelocity(desiredVelocity), generalVelocity(previousVelocity),
+    motionFilter().filterVelocity(generalVelocity(desiredVelocity), generalVelocity(previousVelocity),
                                   timeStep, out);
     convertFromGeneralVelocity(out, filtered);
 }
@@ -27,13 +27,12 @@ void NqFrameBasedEndEffector::calculateEndEffectorError(const NqIndividualManipu
                                                         const NqEndEffectorPlacement& desiredPlacement,
                                                         NqManipulatorActiveState& state,
                                                         NqXmlRealVector& error) const {
-    calculatePlacement(manipulator, state, scratchPlacement());
     constexpr bool matchTimes = true;
     constexpr bool zAxisOnly = false;
     constexpr bool applyProfile = false;
     NqGeneralMotion motion;
-    motionFilter().calculateGeneralMotion(scratchPlacement(), desiredPlacement, {}, {}, 1.0, motion,
-                                          matchTimes, zAxisOnly, applyProfile);
+    motionFilter().calculateGeneralMotion(presentPlacement(manipulator, state), desiredPlacement, {}, {}, 1.0,
+                                          motion, matchTimes, zAxisOnly, applyProfile);
     convertFromGeneralVelocity(motion, error);
 }
 
@@ -43,22 +42,17 @@ void NqFrameBasedEndEffector::filterFrameEndEffectorVelocity(const NqIndividualM
                                                              const NqGeneralMotion& previousVelocity,
                                                              double timeStep, NqManipulatorActiveState& state,
                                                              NqGeneralMotion& filtered) const {
-    calculatePlacement(manipulator, state, scratchPlacement());
     constexpr bool matchTimes = true;
     constexpr bool zAxisOnly = false;
     constexpr bool applyProfile = true;
-    motionFilter().calculateGeneralMotion(scratchPlacement(), desiredPlacement, desiredVelocity,
-                                          previousVelocity, timeStep, filtered, matchTimes, zAxisOnly,
-                                          applyProfile);
+    motionFilter().calculateGeneralMotion(presentPlacement(manipulator, state), desiredPlacement,
+                                          desiredVelocity, previousVelocity, timeStep, filtered, matchTimes,
+                                          zAxisOnly, applyProfile);
 }
 
 void NqFrameBasedEndEffector::convertToGeneralVelocity(const NqXmlRealVector& velocity,
                                                        NqGeneralMotion& motion) const {
-    NqVector parts[2];
-    for (unsigned i = 0; i < std::min<std::size_t>(velocity.size(), 6); ++i) {
-        parts[i / 3][i % 3] = velocity[i];
-    }
-    motion = NqGeneralMotion(parts[0], parts[1]);
+    motion = NqGeneralMotion(entries(velocity), entries(velocity, 3));
 }
 
 void NqFrameBasedEndEffector::convertFromGeneralVelocity(const NqGeneralMotion& motion,
@@ -81,7 +75,7 @@ const NqEditableValueTable<NqFrameBasedEndEffector>& NqFrameBasedEndEffector::ed
     using T = NqCoordinateSystemTransformation;
     using Table = NqEditableValueTable<NqFrameBasedEndEffector>;
     constexpr auto filter = [](auto& e) -> auto& {
-        return e.filter();
+        return e.ownFilter();
     };
     constexpr auto frame = [](auto& e) -> auto& {
         return e.m_Frame.value();

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <nqControlCore/endeffector/NqEditableEndEffector.h>
-#include <nqControlCore/filter/NqGeneralMotionFilter.h>
+#include <nqControlCore/endeffector/NqFilteredEndEffector.h>
 #include <nqControlCore/foundation/xml/NqXmlCoordinateSystemTransformation.h>
 
 /// Base of the end-effectors that constrain a frame fixed in a link, or some of its freedoms: the frame, two
@@ -10,7 +10,8 @@
 class NqFrameBasedEndEffector
     : public NqXmlPersistentBase<
           NqFrameBasedEndEffector,
-          NqEditableEndEffector<NqFrameBasedEndEffector, NqEndEffector, NqEditableLength::AtLeast>> {
+          NqEditableEndEffector<NqFrameBasedEndEffector, NqFilteredEndEffector<NqGeneralMotionFilter>,
+                                NqEditableLength::AtLeast>> {
 public:
     void filterEndEffectorVelocity(const NqXmlRealVector& desiredVelocity,
                                    const NqXmlRealVector& previousVelocity, double timeStep,
@@ -20,27 +21,6 @@ public:
                                    const NqXmlRealVector& desiredVelocity,
                                    const NqXmlRealVector& previousVelocity, double timeStep,
                                    NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
-
-    /// Limits of the linear part.
-    double motionThreshold() const override { return m_MotionFilter.linearVelocityThreshold(); }
-    void setMotionThreshold(double threshold) override {
-        m_MotionFilter.setLinearVelocityThreshold(threshold);
-    }
-    double accelerationThreshold() const override { return m_MotionFilter.linearAccelerationThreshold(); }
-
-    /// Sets the limits of acceleration and of deceleration.
-    void setAccelerationThreshold(double threshold) override {
-        m_MotionFilter.setLinearAccelerationThreshold(threshold);
-        m_MotionFilter.setLinearDecelerationThreshold(threshold);
-    }
-
-    double speedFactor() const override { return m_MotionFilter.speedFactor(); }
-    void setSpeedFactor(double factor) override { m_MotionFilter.setSpeedFactor(factor); }
-    bool filteringActive() const override { return m_MotionFilter.filteringActive(); }
-    void setFilteringActive(bool active) override { m_MotionFilter.setFilteringActive(active); }
-
-    virtual const NqGeneralMotionFilter& motionFilter() const { return m_MotionFilter; }
-    virtual void setMotionFilter(const NqGeneralMotionFilter& filter) { m_MotionFilter = filter; }
 
     /// The way from the present to the desired placement: the filter's bare error, with its offset, or for
     /// filtering switched off what it would ask for in unit time.
@@ -81,24 +61,18 @@ protected:
         return externalOffset() ? frame() * *externalOffset() : frame();
     }
 
-    /// The motion filter, for the editable values of the concrete classes.
-    const NqGeneralMotionFilter& filter() const { return m_MotionFilter; }
-    NqGeneralMotionFilter& filter() { return m_MotionFilter; }
-
 private:
     friend struct NqXmlComponentAccess;
     static auto components() {
         using namespace NqControlCore;
         using E = NqFrameBasedEndEffector;
-        return nqComponentList(nqComponent(NqMotionFilterToken, &E::m_MotionFilter),
-                               nqComponent(NqFrameToken, &E::m_Frame),
+        return nqComponentList(nqComponent(NqFrameToken, &E::m_Frame),
                                nqComponent(NqLinearErrorWeightToken, &E::m_LinearErrorWeight),
                                nqComponent(NqAngularErrorWeightToken, &E::m_AngularErrorWeight));
     }
 
     NqGeneralMotion generalVelocity(const NqXmlRealVector& velocity) const;
 
-    NqGeneralMotionFilter m_MotionFilter;
     NqXmlCoordinateSystemTransformation m_Frame;
     NqXmlBasicType<double> m_LinearErrorWeight = 1.0;
     NqXmlBasicType<double> m_AngularErrorWeight = 0.2;

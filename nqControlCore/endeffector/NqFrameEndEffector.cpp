@@ -42,8 +42,7 @@ void NqFrameEndEffector::insertSparsityComponent(const NqIndividualManipulator& 
 }
 
 void NqFrameEndEffector::insertErrorWeightComponent(unsigned row, NqReArray& weights) const {
-    insertErrorWeights(row, weights,
-                       [this](unsigned i) { return i < 3 ? linearErrorWeight() : angularErrorWeight(); });
+    insertErrorWeights(row, weights, linearErrorWeight(), angularErrorWeight());
 }
 
 void NqFrameEndEffector::calculatePlacement(const NqIndividualManipulator& manipulator,
@@ -83,9 +82,9 @@ double NqFrameEndEffector::minimumTime(const NqEndEffectorPlacement& from,
 
 double NqFrameEndEffector::difference(const NqEndEffectorPlacement& a,
                                       const NqEndEffectorPlacement& b) const {
-    const NqCoordinateSystemTransformation way = a.coordSysXForm().inverse() * b.coordSysXForm();
+    const NqCoordinateSystemTransformation relative = a.coordSysXForm().inverse() * b.coordSysXForm();
     double angle = 0.0;
     NqVector axis;
-    way.orientation().getAngleAxis(angle, axis);
-    return way.translation().mag() * linearErrorWeight() + std::fabs(angle) * angularErrorWeight();
+    relative.orientation().getAngleAxis(angle, axis);
+    return relative.translation().mag() * linearErrorWeight() + std::fabs(angle) * angularErrorWeight();
 }

@@ -67,25 +67,23 @@ void NqLinearConstraintEndEffector::insertSparsityComponent(const NqIndividualMa
 }
 
 void NqLinearConstraintEndEffector::insertErrorWeightComponent(unsigned row, NqReArray& weights) const {
-    insertErrorWeights(row, weights, [this](unsigned) { return errorWeight(); });
+    insertErrorWeights(row, weights, errorWeight(), errorWeight());
 }
 
 void NqLinearConstraintEndEffector::calculatePlacement(const NqIndividualManipulator& manipulator,
                                                        NqManipulatorActiveState& state,
                                                        NqEndEffectorPlacement& placement) const {
-    unsigned count = 0;
-    const double s = sum(manipulator, state.positionState().jointPositions(), -m_WeightedSum, count);
+    const Sum s = sum(manipulator, state.positionState().jointPositions(), -m_WeightedSum);
     if (m_IsInteractive) {
-        placement.coordSysXForm().setTranslationZ(s);
+        placement.coordSysXForm().setTranslationZ(s.value);
     }
 }
 
 void NqLinearConstraintEndEffector::calculateVelocity(const NqIndividualManipulator& manipulator,
                                                       NqManipulatorActiveState& state,
                                                       NqXmlRealVector& velocity, unsigned start) const {
-    unsigned count = 0;
     velocity.resize(start + 1);
-    velocity[start] = sum(manipulator, state.velocityState().jointVelocities(), 0.0, count);
+    velocity[start] = sum(manipulator, state.velocityState().jointVelocities(), 0.0).value;
 }
 
 void NqLinearConstraintEndEffector::calculateAcceleration(const NqIndividualManipulator&,
@@ -100,8 +98,8 @@ void NqLinearConstraintEndEffector::filterEndEffectorVelocity(
     const NqIndividualManipulator& manipulator, const NqEndEffectorPlacement& desiredPlacement,
     const NqXmlRealVector& desiredVelocity, const NqXmlRealVector& previousVelocity, double timeStep,
     NqManipulatorActiveState& state, NqXmlRealVector& filtered) const {
-    const Way way = wayTo(desiredPlacement, manipulator, state);
-    filterNumber(way.present, way.desired, desiredVelocity, previousVelocity, timeStep, filtered);
+    const Numbers n = numbers(manipulator, state, desiredPlacement);
+    filterNumber(n.present, n.desired, desiredVelocity, previousVelocity, timeStep, filtered);
 }
 
 double NqLinearConstraintEndEffector::minimumTime(const NqEndEffectorPlacement& from,
@@ -114,8 +112,8 @@ void NqLinearConstraintEndEffector::calculateEndEffectorError(const NqIndividual
                                                               const NqEndEffectorPlacement& desiredPlacement,
                                                               NqManipulatorActiveState& state,
                                                               NqXmlRealVector& error) const {
-    const Way way = wayTo(desiredPlacement, manipulator, state);
-    error.assign(1, way.present - way.desired);
+    const Numbers n = numbers(manipulator, state, desiredPlacement);
+    error.assign(1, n.present - n.desired);
 }
 
 void NqLinearConstraintEndEffector::setLinkLabels(const NqLabelVector& labels) {
@@ -161,27 +159,26 @@ void NqLinearConstraintEndEffector::forEachJoint(const NqIndividualManipulator& 
     }
 }
 
-double NqLinearConstraintEndEffector::sum(const NqIndividualManipulator& manipulator,
-                                          const NqXmlRealVector& jointValues, double start,
-                                          unsigned& count) const {
-    double s = start;
+NqLinearConstraintEndEffector::Sum
+NqLinearConstraintEndEffector::sum(const NqIndividualManipulator& manipulator,
+                                   const NqXmlRealVector& jointValues, double start) const {
+    Sum sum{start};
     const auto add = [&](unsigned column, double weight) {
         if (column < jointValues.size()) {
-            s += jointValues[column] * weight;
-            ++count;
+            sum.value += jointValues[column] * weight;
+            ++sum.count;
         }
     };
     forEachJoint(manipulator, add, jointValues.size());
-    return s;
+    return sum;
 }
 
-NqLinearConstraintEndEffector::Way
-NqLinearConstraintEndEffector::wayTo(const NqEndEffectorPlacement& desiredPlacement,
-                                     const NqIndividualManipulator& manipulator,
-                                     NqManipulatorActiveState& state) const {
-    unsigned count = 0;
-    const double s = sum(manipulator, state.positionState().jointPositions(), -m_WeightedSum, count);
-    return m_IsInteractive && count > 0 ? Way{s, number(desiredPlacement)} : Way{0.0, 0.0};
+NqLinearConstraintEndEffector::Numbers
+NqLinearConstraintEndEffector::numbers(const NqIndividualManipulator& manipulator,
+                                       NqManipulatorActiveState& state,
+                                       const NqEndEffectorPlacement& desiredPlacement) const {
+    const Sum s = sum(manipulator, state.positionState().jointPositions(), -m_WeightedSum);
+    return m_IsInteractive && s.count > 0 ? Numbers{s.value, number(desiredPlacement)} : Numbers{0.0, 0.0};
 }
 
 const NqEditableValueTable<NqLinearConstraintEndEffector>& NqLinearConstraintEndEffector::editableTable() {
@@ -192,7 +189,7 @@ const NqEditableValueTable<NqLinearConstraintEndEffector>& NqLinearConstraintEnd
         return e;
     };
     constexpr auto filter = [](auto& e) -> auto& {
-        return e.filter();
+        return e.ownFilter();
     };
     static const Table table = {
         Table::list("Links", "Comma separated link names.", &E::linkLabels, &E::setLinkLabels),

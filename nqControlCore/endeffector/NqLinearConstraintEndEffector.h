@@ -78,8 +78,8 @@ public:
     virtual void setWeightedSum(double sum) { m_WeightedSum = sum; }
 
     /// Gain of the motion filter.
-    virtual double gain() const { return filter().gain(); }
-    virtual void setGain(double gain) { filter().setGain(gain); }
+    virtual double gain() const { return ownFilter().gain(); }
+    virtual void setGain(double gain) { ownFilter().setGain(gain); }
 
     /// Whether the number follows a target at all, or is held where it is.
     virtual bool isInteractive() const { return m_IsInteractive; }
@@ -119,18 +119,22 @@ private:
     void forEachJoint(const NqIndividualManipulator& manipulator, Visit visit,
                       std::size_t most = std::numeric_limits<std::size_t>::max()) const;
 
-    /// `start` plus the weighted sum of joint values, and the number of joints that counted. No more labels
-    /// count than there are values.
-    double sum(const NqIndividualManipulator& manipulator, const NqXmlRealVector& jointValues, double start,
-               unsigned& count) const;
+    /// A weighted sum of joint values, and how many joints counted. No more labels count than there are
+    /// values.
+    struct Sum {
+        double value;
+        unsigned count = 0;
+    };
+    Sum sum(const NqIndividualManipulator& manipulator, const NqXmlRealVector& jointValues,
+            double start) const;
 
     /// Present and desired number; both 0 where the constraint follows no target.
-    struct Way {
+    struct Numbers {
         double present;
         double desired;
     };
-    Way wayTo(const NqEndEffectorPlacement& desiredPlacement, const NqIndividualManipulator& manipulator,
-              NqManipulatorActiveState& state) const;
+    Numbers numbers(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
+                    const NqEndEffectorPlacement& desiredPlacement) const;
 
     NqLabelVector m_LinkLabels;
     NqXmlRealVector m_LinkWeights;

@@ -1,21 +1,7 @@
 #include <nqControlCore/endeffector/NqOrientationEndEffector.h>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
-
-namespace {
-
-/// The first entries, at most 3; missing ones are zero.
-NqVector firstEntries(const NqXmlRealVector& velocity) {
-    NqVector entries;
-    for (unsigned i = 0; i < std::min<std::size_t>(velocity.size(), 3); ++i) {
-        entries[i] = velocity[i];
-    }
-    return entries;
-}
-
-} // namespace
 
 const NqToken& NqOrientationEndEffector::classToken() {
     return NqControlCore::NqOrientationEndEffectorToken;
@@ -65,7 +51,7 @@ void NqOrientationEndEffector::insertSparsityComponent(const NqIndividualManipul
 }
 
 void NqOrientationEndEffector::insertErrorWeightComponent(unsigned row, NqReArray& weights) const {
-    insertErrorWeights(row, weights, [this](unsigned) { return errorWeight(); });
+    insertErrorWeights(row, weights, errorWeight(), errorWeight());
 }
 
 void NqOrientationEndEffector::calculatePlacement(const NqIndividualManipulator& manipulator,
@@ -99,8 +85,7 @@ void NqOrientationEndEffector::filterEndEffectorVelocity(const NqXmlRealVector& 
                                                          const NqXmlRealVector& previousVelocity,
                                                          double timeStep, NqXmlRealVector& filtered) const {
     NqVector out;
-    motionFilter().filterVelocity(firstEntries(desiredVelocity), firstEntries(previousVelocity), timeStep,
-                                  out);
+    motionFilter().filterVelocity(entries(desiredVelocity), entries(previousVelocity), timeStep, out);
     insertPart(out, filtered, 0);
 }
 
@@ -110,20 +95,19 @@ void NqOrientationEndEffector::filterEndEffectorVelocity(const NqIndividualManip
                                                          const NqXmlRealVector& previousVelocity,
                                                          double timeStep, NqManipulatorActiveState& state,
                                                          NqXmlRealVector& filtered) const {
-    calculatePlacement(manipulator, state, scratchPlacement());
     constexpr bool zAxisOnly = false;
     constexpr bool applyProfile = true;
     NqVector out;
-    motionFilter().calculateRotationMotion(scratchPlacement().coordSysXForm().orientation(),
+    motionFilter().calculateRotationMotion(presentPlacement(manipulator, state).coordSysXForm().orientation(),
                                            desiredPlacement.coordSysXForm().orientation(),
-                                           firstEntries(desiredVelocity), firstEntries(previousVelocity),
-                                           timeStep, out, zAxisOnly, applyProfile);
+                                           entries(desiredVelocity), entries(previousVelocity), timeStep, out,
+                                           zAxisOnly, applyProfile);
     insertPart(out, filtered, 0);
 }
 
 double NqOrientationEndEffector::minimumTime(const NqEndEffectorPlacement& from,
                                              const NqEndEffectorPlacement& to) const {
-    return timeForDistance(difference(from, to), motionThreshold() * speedFactor());
+    return timeAtThreshold(from, to);
 }
 
 double NqOrientationEndEffector::difference(const NqEndEffectorPlacement& a,
@@ -138,11 +122,10 @@ void NqOrientationEndEffector::calculateEndEffectorError(const NqIndividualManip
                                                          const NqEndEffectorPlacement& desiredPlacement,
                                                          NqManipulatorActiveState& state,
                                                          NqXmlRealVector& error) const {
-    calculatePlacement(manipulator, state, scratchPlacement());
     constexpr bool zAxisOnly = false;
     constexpr bool applyProfile = false;
     NqVector out;
-    motionFilter().calculateRotationMotion(scratchPlacement().coordSysXForm().orientation(),
+    motionFilter().calculateRotationMotion(presentPlacement(manipulator, state).coordSysXForm().orientation(),
                                            desiredPlacement.coordSysXForm().orientation(), {}, {}, 1.0, out,
                                            zAxisOnly, applyProfile);
     insertPart(out, error, 0);
@@ -156,7 +139,7 @@ const NqEditableValueTable<NqOrientationEndEffector>& NqOrientationEndEffector::
         return e;
     };
     constexpr auto filter = [](auto& e) -> auto& {
-        return e.filter();
+        return e.ownFilter();
     };
     static const Table table = {
         Table::angle("Angle",

@@ -6,7 +6,7 @@ void NqPointBasedEndEffector::filterEndEffectorVelocity(const NqXmlRealVector& d
                                                         const NqXmlRealVector& previousVelocity,
                                                         double timeStep, NqXmlRealVector& filtered) const {
     NqVector out;
-    m_PointMotionFilter.filter3DVelocity(pointVelocity(desiredVelocity), pointVelocity(previousVelocity),
+    pointMotionFilter().filter3DVelocity(pointVelocity(desiredVelocity), pointVelocity(previousVelocity),
                                          timeStep, out);
     convertFromPointVelocity(out, filtered);
 }
@@ -27,11 +27,9 @@ void NqPointBasedEndEffector::calculateEndEffectorError(const NqIndividualManipu
                                                         const NqEndEffectorPlacement& desiredPlacement,
                                                         NqManipulatorActiveState& state,
                                                         NqXmlRealVector& error) const {
-    calculatePlacement(manipulator, state, scratchPlacement());
+    const NqVector present = presentPlacement(manipulator, state).coordSysXForm().translation();
     error.resize(3);
-    convertFromPointVelocity(desiredPlacement.coordSysXForm().translation() -
-                                 scratchPlacement().coordSysXForm().translation(),
-                             error);
+    convertFromPointVelocity(desiredPlacement.coordSysXForm().translation() - present, error);
 }
 
 void NqPointBasedEndEffector::filterPointEndEffectorVelocity(const NqIndividualManipulator& manipulator,
@@ -40,10 +38,10 @@ void NqPointBasedEndEffector::filterPointEndEffectorVelocity(const NqIndividualM
                                                              const NqVector& previousVelocity,
                                                              double timeStep, NqManipulatorActiveState& state,
                                                              NqVector& filtered) const {
-    calculatePlacement(manipulator, state, scratchPlacement());
-    m_PointMotionFilter.calculate3DVelocity(scratchPlacement().coordSysXForm().translation(),
-                                            desiredPlacement.coordSysXForm().translation(), desiredVelocity,
-                                            previousVelocity, timeStep, filtered);
+    pointMotionFilter().calculate3DVelocity(
+        presentPlacement(manipulator, state).coordSysXForm().translation(),
+        desiredPlacement.coordSysXForm().translation(), desiredVelocity, previousVelocity, timeStep,
+        filtered);
 }
 
 void NqPointBasedEndEffector::convertToPointVelocity(const NqXmlRealVector& velocity, NqVector& point) const {

@@ -18,6 +18,18 @@ bool NqPointDistanceEndEffector::read(NqXmlReader& reader) {
     return NqScalarBasedEndEffector::read(reader);
 }
 
+bool NqPointDistanceEndEffector::changeLinkLabel(const std::string& oldLabel, const std::string& newLabel) {
+    const bool changesOne = labelOne() == oldLabel;
+    const bool changesTwo = labelTwo() == oldLabel;
+    if (changesOne) {
+        setLabelOne(newLabel);
+    }
+    if (changesTwo) {
+        setLabelTwo(newLabel);
+    }
+    return NqScalarBasedEndEffector::changeLinkLabel(oldLabel, newLabel) || changesOne || changesTwo;
+}
+
 void NqPointDistanceEndEffector::insertJacobianComponent(const NqIndividualManipulator& manipulator,
                                                          unsigned row, const NqEndEffectorRelativeLinkData&,
                                                          bool fixedBase, NqManipulatorActiveState& state,
@@ -67,19 +79,19 @@ void NqPointDistanceEndEffector::insertSparsityComponent(const NqIndividualManip
 }
 
 void NqPointDistanceEndEffector::insertErrorWeightComponent(unsigned row, NqReArray& weights) const {
-    insertErrorWeights(row, weights, [this](unsigned) { return errorWeight(); });
+    insertErrorWeights(row, weights, errorWeight(), errorWeight());
 }
 
 void NqPointDistanceEndEffector::calculatePlacement(const NqIndividualManipulator& manipulator,
                                                     NqManipulatorActiveState& state,
                                                     NqEndEffectorPlacement& placement) const {
-    placement.setCoordSysXForm(NqVector(0.0, 0.0, way(manipulator, state).mag()));
+    placement.setCoordSysXForm(NqVector(0.0, 0.0, gap(manipulator, state).mag()));
 }
 
 void NqPointDistanceEndEffector::calculateVelocity(const NqIndividualManipulator& manipulator,
                                                    NqManipulatorActiveState& state, NqXmlRealVector& velocity,
                                                    unsigned start) const {
-    const NqVector u = way(manipulator, state).unitVector();
+    const NqVector u = gap(manipulator, state).unitVector();
     NqVector one;
     NqVector two;
     calculatePointVelocities(manipulator, state, one, two);
@@ -100,14 +112,14 @@ void NqPointDistanceEndEffector::filterEndEffectorVelocity(const NqIndividualMan
                                                            const NqXmlRealVector& previousVelocity,
                                                            double timeStep, NqManipulatorActiveState& state,
                                                            NqXmlRealVector& filtered) const {
-    const double distance = way(manipulator, state).mag();
+    const double distance = gap(manipulator, state).mag();
     const double target = std::max(number(desiredPlacement), m_theMinimumDistance);
     filterNumber(distance, target, desiredVelocity, previousVelocity, timeStep, filtered);
 }
 
 double NqPointDistanceEndEffector::minimumTime(const NqEndEffectorPlacement& from,
                                                const NqEndEffectorPlacement& to) const {
-    return timeForDistance(difference(from, to), motionThreshold() * speedFactor());
+    return timeAtThreshold(from, to);
 }
 
 void NqPointDistanceEndEffector::setLabelOne(const std::string& label) {
@@ -150,7 +162,7 @@ void NqPointDistanceEndEffector::calculatePointVelocities(const NqIndividualMani
     move(labelTwo(), pointTwo(), two);
 }
 
-NqVector NqPointDistanceEndEffector::way(const NqIndividualManipulator& manipulator,
+NqVector NqPointDistanceEndEffector::gap(const NqIndividualManipulator& manipulator,
                                          NqManipulatorActiveState& state) const {
     NqVector one;
     NqVector two;
@@ -186,7 +198,7 @@ const NqEditableValueTable<NqPointDistanceEndEffector>& NqPointDistanceEndEffect
     using F = NqScalarMotionFilter;
     using Table = NqEditableValueTable<E>;
     constexpr auto filter = [](auto& e) -> auto& {
-        return e.filter();
+        return e.ownFilter();
     };
     constexpr auto pointOne = [](auto& e) -> auto& {
         return e.m_PointOne.value();

@@ -24,6 +24,8 @@ public:
 
     bool read(NqXmlReader& reader) override;
 
+    bool changeLinkLabel(const std::string& oldLabel, const std::string& newLabel) override;
+
     unsigned doc() const override { return 1; }
 
     /// Where one link is not found, the other's columns still stand.
@@ -102,7 +104,7 @@ private:
     }
 
     /// The way from the first to the second point.
-    NqVector way(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state) const;
+    NqVector gap(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state) const;
 
     NqXmlVector m_PointOne;
     NqXmlVector m_PointTwo;

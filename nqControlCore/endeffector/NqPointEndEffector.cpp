@@ -39,7 +39,7 @@ void NqPointEndEffector::insertSparsityComponent(const NqIndividualManipulator& 
 }
 
 void NqPointEndEffector::insertErrorWeightComponent(unsigned row, NqReArray& weights) const {
-    insertErrorWeights(row, weights, [this](unsigned) { return errorWeight(); });
+    insertErrorWeights(row, weights, errorWeight(), errorWeight());
 }
 
 void NqPointEndEffector::calculatePlacement(const NqIndividualManipulator& manipulator,
@@ -68,7 +68,7 @@ void NqPointEndEffector::calculateAcceleration(const NqIndividualManipulator& ma
 
 double NqPointEndEffector::minimumTime(const NqEndEffectorPlacement& from,
                                        const NqEndEffectorPlacement& to) const {
-    return timeForDistance(difference(from, to), motionThreshold() * speedFactor());
+    return timeAtThreshold(from, to);
 }
 
 double NqPointEndEffector::difference(const NqEndEffectorPlacement& a,
@@ -98,7 +98,7 @@ const NqEditableValueTable<NqPointEndEffector>& NqPointEndEffector::editableTabl
         return e;
     };
     constexpr auto filter = [](auto& e) -> auto& {
-        return e.filter();
+        return e.ownFilter();
     };
     constexpr auto point = [](auto& e) -> auto& {
         return e.m_Point.value();

@@ -14,7 +14,7 @@ void NqScalarBasedEndEffector::filterEndEffectorVelocity(const NqXmlRealVector& 
                                                          const NqXmlRealVector& previousVelocity,
                                                          double timeStep, NqXmlRealVector& filtered) const {
     double out = 0.0;
-    m_MotionFilter.filterVelocity(firstEntry(desiredVelocity), firstEntry(previousVelocity), timeStep, out);
+    motionFilter().filterVelocity(firstEntry(desiredVelocity), firstEntry(previousVelocity), timeStep, out);
     filtered.assign(1, out);
 }
 
@@ -23,7 +23,7 @@ void NqScalarBasedEndEffector::filterNumber(double present, double desired,
                                             const NqXmlRealVector& previousVelocity, double timeStep,
                                             NqXmlRealVector& filtered) const {
     double out = 0.0;
-    m_MotionFilter.calculateVelocity(present, desired, firstEntry(desiredVelocity),
+    motionFilter().calculateVelocity(present, desired, firstEntry(desiredVelocity),
                                      firstEntry(previousVelocity), timeStep, out);
     filtered.assign(1, out);
 }

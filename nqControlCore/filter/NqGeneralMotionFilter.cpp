@@ -83,14 +83,14 @@ bool NqGeneralMotionFilter::calculateGeneralMotion(const NqCoordinateSystemTrans
         if (matchTimes) {
             matchTimesOf(linearPart, angularPart);
         }
-        const double linearShaping =
+        const double linearDeceleration =
             factor * std::min(m_LinearDecelerationThreshold, m_LinearAccelerationThreshold);
-        const double angularShaping =
+        const double angularDeceleration =
             factor * std::min(m_AngularDecelerationThreshold, m_AngularAccelerationThreshold);
-        const double linearSpeedThreshold =
-            applyFilter(linearError, linearPart.gain, linearPart.speedLimit, linearShaping, h, linear);
-        const double angularSpeedThreshold =
-            applyFilter(angularError, angularPart.gain, angularPart.speedLimit, angularShaping, h, angular);
+        const double linearSlowSquared =
+            applyFilter(linearError, linearPart.gain, linearPart.speedLimit, linearDeceleration, h, linear);
+        const double angularSlowSquared = applyFilter(angularError, angularPart.gain, angularPart.speedLimit,
+                                                      angularDeceleration, h, angular);
 
         // Velocities of the offset point, in the actual frame.
         NqGeneralMotion desired = desiredVelocity;
@@ -102,8 +102,8 @@ bool NqGeneralMotionFilter::calculateGeneralMotion(const NqCoordinateSystemTrans
         angular += desired.angular();
         imposeVelocityThresholds(linearPart.speedLimit, angularPart.speedLimit, linear, angular);
         imposeAccelerationThresholds(previous, factor * m_LinearAccelerationThreshold,
-                                     factor * m_AngularAccelerationThreshold, linearSpeedThreshold,
-                                     angularSpeedThreshold, h, linear, angular);
+                                     factor * m_AngularAccelerationThreshold, linearSlowSquared,
+                                     angularSlowSquared, h, linear, angular);
     }
     filteredVelocity = actualPlacement.orientation() * NqGeneralMotion(linear - angular.cross(o), angular);
     return true;
@@ -143,11 +143,11 @@ void NqGeneralMotionFilter::imposeVelocityThresholds(double linearLimit, double 
 
 void NqGeneralMotionFilter::imposeAccelerationThresholds(const NqGeneralMotion& previousVelocity,
                                                          double linearLimit, double angularLimit,
-                                                         double linearSpeedThreshold,
-                                                         double angularSpeedThreshold, double timeStep,
-                                                         NqVector& linear, NqVector& angular) const {
-    NqMotionProfile::limitChange(*this, previousVelocity.linear(), linearLimit, linearSpeedThreshold,
-                                 timeStep, linear);
-    NqMotionProfile::limitChange(*this, previousVelocity.angular(), angularLimit, angularSpeedThreshold,
+                                                         double linearSlowSquared, double angularSlowSquared,
+                                                         double timeStep, NqVector& linear,
+                                                         NqVector& angular) const {
+    NqMotionProfile::limitChange(*this, previousVelocity.linear(), linearLimit, linearSlowSquared, timeStep,
+                                 linear);
+    NqMotionProfile::limitChange(*this, previousVelocity.angular(), angularLimit, angularSlowSquared,
                                  timeStep, angular);
 }

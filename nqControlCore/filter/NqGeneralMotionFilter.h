@@ -91,8 +91,8 @@ protected:
     void imposeVelocityThresholds(double linearLimit, double angularLimit, NqVector& linear,
                                   NqVector& angular) const;
     void imposeAccelerationThresholds(const NqGeneralMotion& previousVelocity, double linearLimit,
-                                      double angularLimit, double linearSpeedThreshold,
-                                      double angularSpeedThreshold, double timeStep, NqVector& linear,
+                                      double angularLimit, double linearSlowSquared,
+                                      double angularSlowSquared, double timeStep, NqVector& linear,
                                       NqVector& angular) const;
 
 private:

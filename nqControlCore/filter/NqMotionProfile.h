@@ -32,14 +32,18 @@ public:
     /// A gain, brought down to 1 / h where it is above it.
     static double gainWithinStep(double g, double h) { return g * h > 1.0 ? g / (g * h) : g; }
 
-    static double trapezoidalGain(double a, double d) {
-        return NqMath::sqrt(a * 2.0 / NqMath::nonZeroPos(d));
+    static double trapezoidalGain(double a, double d, double h) {
+        return gainOrOneStep(NqMath::sqrt(a * 2.0 / NqMath::nonZeroPos(d)), h);
     }
 
-    /// A gain that overflows, as it can where the limit of speed is 0, is that of one step.
     static double threeHalvesGain(double n, double k, double d, double h) {
         const double c = 1.0 / NqMath::nonZeroPos(n + 1.0);
-        const double g = std::pow(k / NqMath::nonZeroPos(std::pow(d, n)), c);
+        return gainOrOneStep(std::pow(k / NqMath::nonZeroPos(std::pow(d, n)), c), h);
+    }
+
+    /// A gain that overflowed, as one at the target can for an enormous acceleration or for a limit of speed
+    /// of 0, becomes that of one step.
+    static double gainOrOneStep(double g, double h) {
         return std::isinf(g) ? 1.0 / NqMath::nonZeroPos(h) : g;
     }
 
@@ -50,17 +54,17 @@ public:
 
     // Squared speeds below which a mode counts as slow.
 
-    static double trapezoidalSlowness(double a, double h) { return (a * h) * 4.0 * (a * h); }
+    static double trapezoidalSlowSquared(double a, double h) { return (a * h) * 4.0 * (a * h); }
 
-    static double threeHalvesSlowness(double n, double k, double h) {
+    static double threeHalvesSlowSquared(double n, double k, double h) {
         return std::pow(k * h, 1.0 / NqMath::nonZeroPos(n));
     }
 
     /// Where a velocity is slow, shortens it to what reaches the target within one step.
     template <typename Vector>
-    static void holdToOneStep(double slowness, double distance, double h, Vector& velocity) {
+    static void holdToOneStep(double slowSquared, double distance, double h, Vector& velocity) {
         const double squaredSpeed = velocity.magSquared();
-        if (slowness > squaredSpeed) {
+        if (slowSquared > squaredSpeed) {
             const double stepSpeed = distance / NqMath::nonZeroPos(h);
             if (squaredSpeed > stepSpeed * stepSpeed) {
                 velocity = stepSpeed * velocity.unitVector();
@@ -68,33 +72,33 @@ public:
         }
     }
 
-    /// The approach velocity in the filter's mode, without feed-forward or limits; untouched in a mode above
-    /// 2. Returns the squared speed below which it is slow, 0 where no speed is.
+    /// The approach velocity for an error of length d, before anything holds it; untouched in a mode above 2.
+    /// Returns the squared speed below which it is slow, 0 where no speed is.
+    template <typename Vector>
+    static double shape(unsigned mode, double n, const Vector& error, double d, double highestGain,
+                        double vmax, double a, double h, Vector& velocity) {
+        if (mode == NqBaseMotionFilter::Proportional) {
+            velocity = proportionalGain(a, vmax, highestGain, h) * error;
+        } else if (mode == NqBaseMotionFilter::Trapezoidal) {
+            velocity = trapezoidalGain(a, d, h) * error;
+            return trapezoidalSlowSquared(a, h);
+        } else if (mode == NqBaseMotionFilter::ThreeHalves) {
+            const double k = threeHalvesScale(n, a, vmax);
+            velocity = threeHalvesGain(n, k, d, h) * error;
+            return threeHalvesSlowSquared(n, k, h);
+        }
+        return 0.0;
+    }
+
+    /// The approach velocity in the filter's mode, without feed-forward or limits; otherwise as shape().
     template <typename Vector>
     static double approach(const NqBaseMotionFilter& filter, const Vector& error, double highestGain,
                            double vmax, double a, double h, Vector& velocity) {
         const double d = error.mag();
-        double slowness = 0.0;
-        switch (filter.filteringMode()) {
-        case NqBaseMotionFilter::Proportional:
-            velocity = proportionalGain(a, vmax, highestGain, h) * error;
-            return 0.0;
-        case NqBaseMotionFilter::Trapezoidal:
-            velocity = trapezoidalGain(a, d) * error;
-            slowness = trapezoidalSlowness(a, h);
-            break;
-        case NqBaseMotionFilter::ThreeHalves: {
-            const double n = filter.exponent();
-            const double k = threeHalvesScale(n, a, vmax);
-            velocity = threeHalvesGain(n, k, d, h) * error;
-            slowness = threeHalvesSlowness(n, k, h);
-            break;
-        }
-        default:
-            return 0.0;
-        }
-        holdToOneStep(slowness, d, h, velocity);
-        return slowness;
+        const double slowSquared =
+            shape(filter.filteringMode(), filter.exponent(), error, d, highestGain, vmax, a, h, velocity);
+        holdToOneStep(slowSquared, d, h, velocity);
+        return slowSquared;
     }
 
     /// Shortens a velocity to a limit of speed.
@@ -110,10 +114,11 @@ public:
     /// is slow in its mode, or of a mode above 2.
     template <typename Vector>
     static void limitChange(const NqBaseMotionFilter& filter, const Vector& previousVelocity, double limit,
-                            double slowness, double h, Vector& velocity) {
+                            double slowSquared, double h, Vector& velocity) {
         const unsigned mode = filter.filteringMode();
-        const bool isLimited = mode == NqBaseMotionFilter::Proportional ||
-                               (mode <= NqBaseMotionFilter::ThreeHalves && velocity.magSquared() >= slowness);
+        const bool isLimited =
+            mode == NqBaseMotionFilter::Proportional ||
+            (mode <= NqBaseMotionFilter::ThreeHalves && velocity.magSquared() >= slowSquared);
         if (!isLimited) {
             return;
         }

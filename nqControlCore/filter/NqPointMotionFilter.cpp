@@ -52,39 +52,25 @@ bool NqPointMotionFilter::calculateVelocity(const Vector& actualPosition, const 
         return true;
     }
 
-    const double d = e.mag();
-    const double a = speedFactor() * std::min(m_DecelerationThreshold, m_AccelerationThreshold);
-    const double vmax = speedFactor() * m_Threshold;
-    double slowness = 0.0;
-    Vector out;
-
-    switch (filteringMode()) {
-    case Proportional:
-        out = NqMotionProfile::proportionalGain(a, vmax, m_LinearGain, h) * e;
-        break;
-    case Trapezoidal:
-        out = NqMotionProfile::trapezoidalGain(a, d) * e;
-        slowness = NqMotionProfile::trapezoidalSlowness(a, h);
-        break;
-    case ThreeHalves: {
-        const double n = Dimension<Vector>::exponent(*this);
-        const double k = NqMotionProfile::threeHalvesScale(n, a, vmax);
-        out = NqMotionProfile::threeHalvesGain(n, k, d, h) * e;
-        if constexpr (Dimension<Vector>::countsDesiredVelocityTwice) {
-            out += desiredVelocity;
-        }
-        slowness = NqMotionProfile::threeHalvesSlowness(n, k, h);
-        break;
-    }
-    default:
-        Nq::Print::instance().write(Nq::PrintFailure, Dimension<Vector>::badModeMessage, filteringMode());
+    const unsigned mode = filteringMode();
+    if (mode > ThreeHalves) {
+        Nq::Print::instance().write(Nq::PrintFailure, Dimension<Vector>::badModeMessage, mode);
         return false;
     }
 
-    NqMotionProfile::holdToOneStep(slowness, d, h, out);
+    const double d = e.mag();
+    const double a = speedFactor() * std::min(m_DecelerationThreshold, m_AccelerationThreshold);
+    const double vmax = speedFactor() * m_Threshold;
+    Vector out;
+    const double slowSquared =
+        NqMotionProfile::shape(mode, Dimension<Vector>::exponent(*this), e, d, m_LinearGain, vmax, a, h, out);
+    if (mode == ThreeHalves && Dimension<Vector>::countsDesiredVelocityTwice) {
+        out += desiredVelocity;
+    }
+    NqMotionProfile::holdToOneStep(slowSquared, d, h, out);
     out += desiredVelocity;
     limitVelocity(out);
-    if (out.magSquared() >= slowness) {
+    if (out.magSquared() >= slowSquared) {
         limitAcceleration(previousVelocity, h, out);
     }
     filteredVelocity = out;

@@ -41,11 +41,11 @@ bool NqRotationMotionFilter::calculateRotationMotion(const NqOrientation& actual
         const double a =
             speedFactor() * std::min(m_AngularDecelerationThreshold, m_AngularAccelerationThreshold);
         const double vmax = speedFactor() * m_AngularVelocityThreshold;
-        const double speedThreshold = applyFilter(e, m_AngularGain, vmax, a, h, v);
+        const double slowSquared = applyFilter(e, m_AngularGain, vmax, a, h, v);
         v += toActual * desiredVelocity;
         imposeVelocityThresholds(vmax, v);
         imposeAccelerationThresholds(toActual * previousVelocity,
-                                     speedFactor() * m_AngularAccelerationThreshold, speedThreshold, h, v);
+                                     speedFactor() * m_AngularAccelerationThreshold, slowSquared, h, v);
     }
     filteredVelocity = actualOrientation * v;
     return true;
@@ -72,7 +72,7 @@ void NqRotationMotionFilter::imposeVelocityThresholds(double limit, NqVector& ve
 }
 
 void NqRotationMotionFilter::imposeAccelerationThresholds(const NqVector& previousVelocity, double limit,
-                                                          double speedThreshold, double timeStep,
+                                                          double slowSquared, double timeStep,
                                                           NqVector& velocity) const {
-    NqMotionProfile::limitChange(*this, previousVelocity, limit, speedThreshold, timeStep, velocity);
+    NqMotionProfile::limitChange(*this, previousVelocity, limit, slowSquared, timeStep, velocity);
 }

@@ -62,7 +62,7 @@ protected:
                                double accelerationLimit, double timeStep, NqVector& result) const;
 
     void imposeVelocityThresholds(double limit, NqVector& velocity) const;
-    void imposeAccelerationThresholds(const NqVector& previousVelocity, double limit, double speedThreshold,
+    void imposeAccelerationThresholds(const NqVector& previousVelocity, double limit, double slowSquared,
                                       double timeStep, NqVector& velocity) const;
 
 private:

@@ -63,7 +63,7 @@ double NqScalarMotionFilter::applyFilter(double error, double gain, double veloc
         result = NqMotionProfile::proportionalGain(a, velocityLimit, gain, h) * error;
         return 0.0;
     case Trapezoidal:
-        result = NqMotionProfile::trapezoidalGain(a, d) * error;
+        result = NqMotionProfile::trapezoidalGain(a, d, h) * error;
         if (a * h * 2.0 > std::fabs(result) && std::fabs(result) > std::fabs(stepSpeed)) {
             result = stepSpeed;
         }
@@ -72,12 +72,12 @@ double NqScalarMotionFilter::applyFilter(double error, double gain, double veloc
         constexpr double n = 0.5;
         const double k = NqMotionProfile::threeHalvesScale(n, a, velocityLimit);
         result = NqMotionProfile::threeHalvesGain(n, k, d, h) * error;
-        const double slowness = NqMotionProfile::threeHalvesSlowness(n, k, h);
+        const double slowSquared = NqMotionProfile::threeHalvesSlowSquared(n, k, h);
         const double squaredSpeed = result * result;
-        if (slowness > squaredSpeed && squaredSpeed > stepSpeed * stepSpeed) {
+        if (slowSquared > squaredSpeed && squaredSpeed > stepSpeed * stepSpeed) {
             result = stepSpeed;
         }
-        return slowness;
+        return slowSquared;
     }
     default:
         return 0.0;

@@ -279,6 +279,13 @@ TEST_P(EveryEndEffector, RowsLieWhereTheyShouldAndNowhereElse) {
         EXPECT_EQ(column[r][0] != 0.0, r >= 2);
     }
 
+    NqReArray narrow(2 + doc, 2);
+    endEffector->insertErrorWeightComponent(2, narrow);
+    NqReArray blank(2 + doc, 0);
+    endEffector->insertErrorWeightComponent(2, blank);
+    EXPECT_EQ(narrow[1 + doc].back(), column[1 + doc][0]);
+    EXPECT_EQ(blank[1 + doc].back(), column[1 + doc][0]);
+
     NqXmlRealVector v(1, 9.0);
     endEffector->calculateVelocity(manipulator, state, v, 1);
     const NqXmlRealVector alone = velocity(state);
@@ -314,7 +321,11 @@ TEST_P(EveryEndEffector, UnknownLabelsAreReportedAndHarmless) {
     EXPECT_EQ(out.coordSysXForm().translation(), NqVector(1.0, 2.0, 3.0));
 
     capture.clear();
+    NqXmlRealVector error;
+    endEffector->calculateEndEffectorError(manipulator, {}, state, error);
     kind.lose(*endEffector);
+    endEffector->calculateEndEffectorError(manipulator, {}, state, error);
+    EXPECT_EQ(error, NqXmlRealVector(endEffector->doc())) << "the link's last placement is forgotten";
     const NqReArray j = jacobian(state);
     EXPECT_TRUE(capture.contains("lost"));
     EXPECT_EQ(j, NqReArray(endEffector->doc(), manipulator.numberOfJoints() + (fixedBase ? 0 : 6)));

@@ -70,6 +70,10 @@ TEST_F(NqPlanarNumbers, LinearConstraintSumsWeightedJoints) {
 
 TEST_F(NqPlanarNumbers, LinearConstraintLeavesOutWhatHasNoJoint) {
     NqPrintCapture capture;
+    linear.setLinkLabels({std::string(), std::string("lost,base")});
+    linear.setEditableValue(0, linear.editableValues()[0]);
+    linear.setEditableValues();
+    EXPECT_EQ(linear.linkLabels(), NqLabelVector({std::string(), std::string("lost"), std::string("base")}));
     linear.setLinkLabels({std::string("base"), std::string("lost"), std::string("lower")});
     EXPECT_EQ(row(linear), std::vector<double>({0.0, 100.0}));
     EXPECT_EQ(row(linear), std::vector<double>({0.0, 100.0})) << "labels are looked up once";
@@ -135,7 +139,9 @@ TEST_F(NqPlanarNumbers, DistanceIsThatOfTwoPoints) {
 
 TEST_F(NqPlanarNumbers, DistanceKeepsTheChainWhoseLinkIsKnown) {
     distance.setLinkIdentifier("own");
-    distance.setLabelOne("lost");
+    distance.setLabelOne("one");
+    EXPECT_TRUE(distance.changeLinkLabel("one", "lost"));
+    EXPECT_FALSE(distance.changeLinkLabel("one", "lost"));
     distance.setLabelTwo("hand");
     NqPrintCapture capture;
     // From the origin to the hand: only the elbow changes the distance.

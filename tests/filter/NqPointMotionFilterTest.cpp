@@ -91,6 +91,8 @@ TEST(NqPointMotionFilter, ValuesThatStayAndValuesThatPass) {
     EXPECT_FALSE(other == Filter());
 
     const Filter none = Filter::nullObject();
+    EXPECT_EQ(velocityIn3D(none, {}, {}, {}, 0.01), NqVector()) << "an infinite gain asks for one step";
+    EXPECT_NEAR(velocityIn3D(none, {1e-9, 0.0, 0.0}, {}, {}, 0.01).x(), 1e-7, 1e-20);
     EXPECT_EQ(none.filteringMode(), Filter::Trapezoidal);
     EXPECT_EQ(none.threshold(), 1e300);
     EXPECT_EQ(none.linearGain(), 1.0);

@@ -151,7 +151,7 @@ void NqBenchmark::addContest(const Contest& contest) {
 
 std::string NqBenchmark::measureStepTimes() {
     std::string json;
-    std::printf("\n%-56s %7s %7s %7s %9s %8s\n", "single steps of ours, ns of wall clock", "median", "99 %",
+    std::printf("\n%-60s %7s %7s %7s %9s %8s\n", "single steps of ours, ns of wall clock", "median", "99 %",
                 "99.9 %", "longest", "switches");
     for (const auto& makeCase :
          {NqBenchmarkCases::arm, NqBenchmarkCases::armWithPoint, NqBenchmarkCases::humanoid}) {

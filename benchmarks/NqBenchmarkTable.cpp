@@ -34,10 +34,10 @@ std::string NqBenchmarkTable::text() const {
         }
         if (row.task != task) {
             task = row.task;
-            result += formatted("\n%-56s %12s %8s\n", task.c_str(), "ns", "ratio");
+            result += formatted("\n%-60s %11s %11s %7s\n", task.c_str(), "median, ns", "least, ns", "ratio");
         }
-        result +=
-            formatted("  %-54s %12s %8.2f\n", row.subject.c_str(), number(row.median()).c_str(), ratio(row));
+        result += formatted("  %-58s %11s %11s %7.2f\n", row.subject.c_str(), number(row.median()).c_str(),
+                            number(row.least()).c_str(), ratio(row));
     }
     return result;
 }

@@ -23,7 +23,7 @@ public:
 
     const std::vector<Row>& rows() const { return m_Rows; }
 
-    /// As text: nanoseconds, and how many times those of the first of the task.
+    /// As text: nanoseconds, and how many times the median of the first of the task.
     std::string text() const;
     /// The same as an array of JSON.
     std::string json() const;

@@ -44,7 +44,7 @@ double NqStepTimes::quantile(double share) const {
 }
 
 std::string NqStepTimes::text(const std::string& title) const {
-    return NqBenchmarkText::formatted("  %-54s %7.0f %7.0f %7.0f %9.0f %8ld\n", title.c_str(), quantile(0.5),
+    return NqBenchmarkText::formatted("  %-58s %7.0f %7.0f %7.0f %9.0f %8ld\n", title.c_str(), quantile(0.5),
                                       quantile(0.99), quantile(0.999), quantile(1.0), m_Interruptions);
 }
 

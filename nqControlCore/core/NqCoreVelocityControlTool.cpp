@@ -100,61 +100,83 @@ unsigned choosePivot(const std::vector<double>& row, unsigned begin, unsigned en
                     : NqRowOperations::firstLargest(row.data(), begin, end, kept);
 }
 
-/// Solves with L, unit lower triangular, for as many right-hand sides as there are lanes, side by side in x:
-/// entry i of lane l is x[i * Lanes + l]. The sums of a few rows are independent up to these rows themselves,
-/// and are worked through abreast.
-template <unsigned Lanes>
-void substituteForward(const NqReArray& factors, unsigned n, double* x) {
-    const auto subtract = [x](double* sums, unsigned j, double factor) {
-        for (unsigned l = 0; l < Lanes; ++l) {
-            sums[l] -= x[j * Lanes + l] * factor;
+/// Two numbers that go through the same operations side by side.
+typedef double Pair __attribute__((vector_size(2 * sizeof(double)), may_alias));
+
+/// Solves with L, unit lower triangular, for one right-hand side in x or for a pair of them. The sums of a
+/// few rows are independent up to these rows themselves, and go abreast.
+template <typename Number>
+void substituteForward(const NqReArray& factors, unsigned n, Number* x) {
+    unsigned first = 0;
+    for (; first + PanelWidth <= n; first += PanelWidth) {
+        const double* const r0 = factors[first].data();
+        const double* const r1 = factors[first + 1].data();
+        const double* const r2 = factors[first + 2].data();
+        const double* const r3 = factors[first + 3].data();
+        Number s0 = x[first], s1 = x[first + 1], s2 = x[first + 2], s3 = x[first + 3];
+        for (unsigned j = 0; j < first; ++j) {
+            s0 -= x[j] * r0[j];
+            s1 -= x[j] * r1[j];
+            s2 -= x[j] * r2[j];
+            s3 -= x[j] * r3[j];
         }
-    };
-    for (unsigned first = 0; first < n; first += PanelWidth) {
-        const unsigned width = std::min(PanelWidth, n - first);
-        double* const sums = x + first * Lanes;
-        if (width == PanelWidth) {
-            const double* const rows[] = {factors[first].data(), factors[first + 1].data(),
-                                          factors[first + 2].data(), factors[first + 3].data()};
-            double panel[PanelWidth * Lanes];
-            std::copy_n(sums, PanelWidth * Lanes, panel);
-            for (unsigned j = 0; j < first; ++j) {
-                for (unsigned k = 0; k < PanelWidth; ++k) {
-                    subtract(panel + k * Lanes, j, rows[k][j]);
-                }
-            }
-            std::copy_n(panel, PanelWidth * Lanes, sums);
-        } else {
-            for (unsigned k = 0; k < width; ++k) {
-                for (unsigned j = 0; j < first; ++j) {
-                    subtract(sums + k * Lanes, j, factors[first + k][j]);
-                }
-            }
+        s1 -= s0 * r1[first];
+        s2 = (s2 - s0 * r2[first]) - s1 * r2[first + 1];
+        s3 = ((s3 - s0 * r3[first]) - s1 * r3[first + 1]) - s2 * r3[first + 2];
+        x[first] = s0;
+        x[first + 1] = s1;
+        x[first + 2] = s2;
+        x[first + 3] = s3;
+    }
+    for (unsigned i = first; i < n; ++i) {
+        const double* const row = factors[i].data();
+        Number sum = x[i];
+        for (unsigned j = 0; j < i; ++j) {
+            sum -= x[j] * row[j];
         }
-        for (unsigned k = 1; k < width; ++k) {
-            for (unsigned j = first; j < first + k; ++j) {
-                subtract(sums + k * Lanes, j, factors[first + k][j]);
-            }
-        }
+        x[i] = sum;
     }
 }
 
 /// The same with U. Each sum begins with the unknown that was found last, so that the rows wait for each
-/// other, and only the lanes go abreast. An exactly zero pivot leaves its unknown as it came.
-template <unsigned Lanes>
-void substituteBackward(const NqReArray& factors, unsigned n, double* x) {
+/// other, and only a pair goes abreast. An exactly zero pivot leaves its unknown as it came.
+template <typename Number>
+void substituteBackward(const NqReArray& factors, unsigned n, Number* x) {
     for (unsigned i = n; i-- > 0;) {
         const double* const row = factors[i].data();
-        double sums[Lanes];
-        std::copy_n(x + i * Lanes, Lanes, sums);
+        Number sum = x[i];
         for (unsigned j = i + 1; j < n; ++j) {
-            for (unsigned l = 0; l < Lanes; ++l) {
-                sums[l] -= x[j * Lanes + l] * row[j];
-            }
+            sum -= x[j] * row[j];
         }
-        for (unsigned l = 0; l < Lanes && row[i] != 0.0; ++l) {
-            x[i * Lanes + l] = sums[l] / row[i];
+        if (row[i] != 0.0) {
+            x[i] = sum / row[i];
         }
+    }
+}
+
+/// Solves with the factors, undoes the column interchanges and gives the determinant.
+template <typename Number>
+double solveInPlace(const NqReArray& factors, const std::vector<unsigned>& indices, Number* x) {
+    const auto n = static_cast<unsigned>(factors.size());
+    substituteForward(factors, n, x);
+    substituteBackward(factors, n, x);
+    bool isOdd = false;
+    for (unsigned i = n; i-- > 0;) {
+        if (indices[i] != i) {
+            std::swap(x[i], x[indices[i]]);
+            isOdd = !isOdd;
+        }
+    }
+    double determinant = 1.0;
+    for (unsigned i = 0; i < n; ++i) {
+        determinant *= factors[i][i];
+    }
+    return isOdd ? determinant * -1.0 : determinant;
+}
+
+void growTo(std::size_t size, std::vector<double>& solution) {
+    if (solution.size() < size) {
+        solution.assign(size, 0.0);
     }
 }
 
@@ -299,51 +321,20 @@ bool NqCoreVelocityControlTool::solveTwice(const std::vector<double>& velocity,
         calc(m_PrimaryMatrix, m_Indices, stacked, nullSpaceJointRates, determinant);
         return true;
     }
-    m_Lanes->resize(2 * m_N);
-    double* const x = m_Lanes->data();
+    growTo(m_N, jointRates);
+    growTo(m_N, nullSpaceJointRates);
+    m_Pairs->resize(2 * m_N);
+    Pair* const x = reinterpret_cast<Pair*>(m_Pairs->data());
     for (unsigned i = 0; i < m_N; ++i) {
-        x[2 * i] = stacked[i];
-        x[2 * i + 1] = i < m_M ? 0.0 : stacked[i];
+        x[i] = Pair{stacked[i], i < m_M ? 0.0 : stacked[i]};
+    }
+    determinant = solveInPlace(m_PrimaryMatrix, m_Indices, x);
+    for (unsigned i = 0; i < m_N; ++i) {
+        jointRates[i] = x[i][0];
+        nullSpaceJointRates[i] = x[i][1];
     }
     std::fill_n(stacked.begin(), m_M, 0.0);
-    std::vector<double>* const solutions[] = {&jointRates, &nullSpaceJointRates};
-    solveLanes(m_PrimaryMatrix, m_Indices, solutions, determinant);
     return true;
-}
-
-/// Solves for the right-hand sides that stand in m_Lanes, one for each solution.
-template <unsigned Lanes>
-void NqCoreVelocityControlTool::solveLanes(const NqReArray& factors, const std::vector<unsigned int>& indices,
-                                           std::vector<double>* const (&solutions)[Lanes],
-                                           double& determinant) {
-    const auto n = static_cast<unsigned>(factors.size());
-    double* const x = m_Lanes->data();
-    substituteForward<Lanes>(factors, n, x);
-    substituteBackward<Lanes>(factors, n, x);
-
-    bool isOdd = false;
-    for (unsigned i = n; i-- > 0;) {
-        if (indices[i] != i) {
-            std::swap_ranges(x + i * Lanes, x + (i + 1) * Lanes, x + indices[i] * Lanes);
-            isOdd = !isOdd;
-        }
-    }
-    for (unsigned l = 0; l < Lanes; ++l) {
-        std::vector<double>& solution = *solutions[l];
-        if (solution.size() < n) {
-            solution.assign(n, 0.0);
-        }
-        for (unsigned i = 0; i < n; ++i) {
-            solution[i] = x[i * Lanes + l];
-        }
-    }
-    determinant = 1.0;
-    for (unsigned i = 0; i < n; ++i) {
-        determinant *= factors[i][i];
-    }
-    if (isOdd) {
-        determinant *= -1.0;
-    }
 }
 
 void NqCoreVelocityControlTool::resize() {
@@ -525,8 +516,8 @@ bool NqCoreVelocityControlTool::calc(const NqReArray& factoredMatrix,
                                     rightHandSide.size());
         return false;
     }
-    m_Lanes->assign(rightHandSide.begin(), rightHandSide.begin() + n);
-    std::vector<double>* const solutions[] = {&solution};
-    solveLanes(factoredMatrix, indices, solutions, determinant);
+    growTo(n, solution);
+    std::copy_n(rightHandSide.begin(), n, solution.begin());
+    determinant = solveInPlace(factoredMatrix, indices, solution.data());
     return true;
 }

@@ -115,9 +115,6 @@ private:
 
     bool solveTwice(const std::vector<double>& velocity, std::vector<double>& jointRates,
                     std::vector<double>& nullSpaceJointRates, double& determinant);
-    template <unsigned Lanes>
-    void solveLanes(const NqReArray& factors, const std::vector<unsigned int>& indices,
-                    std::vector<double>* const (&solutions)[Lanes], double& determinant);
     template <typename LowerRow>
     void completeFactoring(NqReArray& matrix, std::vector<unsigned int>& indices, unsigned m, unsigned n,
                            Ties ties, const LowerRow& lowerRow);
@@ -134,7 +131,7 @@ private:
     unsigned int m_NullDimension = 0;
 
     NqUncopied<std::vector<double>> m_StackedRightHandSide;
-    NqUncopied<std::vector<double>> m_Lanes; ///< right-hand sides and solutions, side by side
+    NqUncopied<std::vector<double>> m_Pairs; ///< both right-hand sides, then both solutions, side by side
     NqUncopied<std::vector<unsigned int>> m_FirstPivots;
     NqUncopied<std::vector<unsigned int>> m_SecondPivots;
     NqUncopied<std::vector<unsigned int>> m_ColumnOrder;

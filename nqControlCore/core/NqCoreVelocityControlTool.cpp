@@ -93,6 +93,32 @@ void reportZeroColumns(const NqReArray& weightedNullSpace, unsigned n) {
     }
 }
 
+/// matrix[m + i][c] = source[columnOrder[c]][i], a few columns abreast.
+void fillTransposed(const NqReArray& source, const std::vector<unsigned int>& columnOrder, unsigned m,
+                    NqReArray& matrix) {
+    const auto n = static_cast<unsigned>(columnOrder.size());
+    for (unsigned first = 0; first < n; first += PanelWidth) {
+        const double* columns[PanelWidth];
+        const unsigned width = std::min(PanelWidth, n - first);
+        for (unsigned k = 0; k < width; ++k) {
+            columns[k] = source[columnOrder[first + k]].data();
+        }
+        for (unsigned i = 0; m + i < n; ++i) {
+            double* const target = matrix[m + i].data() + first;
+            if (width == PanelWidth) {
+                target[0] = columns[0][i];
+                target[1] = columns[1][i];
+                target[2] = columns[2][i];
+                target[3] = columns[3][i];
+            } else {
+                for (unsigned k = 0; k < width; ++k) {
+                    target[k] = columns[k][i];
+                }
+            }
+        }
+    }
+}
+
 /// The pivot column of a row, of columns `begin` on. `kept` stands where none qualifies.
 unsigned choosePivot(const std::vector<double>& row, unsigned begin, unsigned end, bool lastWins,
                      unsigned kept) {
@@ -357,9 +383,13 @@ bool NqCoreVelocityControlTool::prep(NqReArray& primaryMatrix, std::vector<unsig
     while (indices.size() < n) {
         indices.push_back(static_cast<unsigned>(indices.size()));
     }
-    completeFactoring(primaryMatrix, indices, m, n, Ties::LastWins, [&bRows](unsigned i) {
-        return [row = bRows[i].data()](unsigned column) { return row[column]; };
-    });
+    completeFactoring(
+        primaryMatrix, indices, m, n, Ties::LastWins, [&](const std::vector<unsigned int>& columnOrder) {
+            for (unsigned r = m; r < n; ++r) {
+                std::transform(columnOrder.begin(), columnOrder.end(), primaryMatrix[r].begin(),
+                               [row = bRows[r - m].data()](unsigned column) { return row[column]; });
+            }
+        });
     return true;
 }
 
@@ -387,41 +417,36 @@ bool NqCoreVelocityControlTool::prep(NqJacobianState* jacobianState, NqReArray& 
         weightedNullSpace = nullSpace;
     }
     reportZeroColumns(weightedNullSpace, n);
-    completeFactoring(primaryMatrix, indices, m, n, Ties::FirstWins, [&weightedNullSpace](unsigned i) {
-        return [rows = &weightedNullSpace[0], i](unsigned column) { return rows[column][i]; };
-    });
+    completeFactoring(primaryMatrix, indices, m, n, Ties::FirstWins,
+                      [&](const std::vector<unsigned int>& columnOrder) {
+                          fillTransposed(weightedNullSpace, columnOrder, m, primaryMatrix);
+                      });
     return true;
 }
 
-/// Fills rows m to n - 1 from `lowerRow(i)`, an accessor to the elements of lower row i in the caller's
-/// column order, brings them into the order of `indices`, eliminates them, and merges the interchanges of
-/// both stages in `indices`.
-template <typename LowerRow>
+/// Has rows m to n - 1 filled by `fillLowerRows(columnOrder)`, with column columnOrder[c] of the caller at c,
+/// which is the order of `indices`; eliminates them, and merges the interchanges of both stages in `indices`.
+template <typename FillLowerRows>
 void NqCoreVelocityControlTool::completeFactoring(NqReArray& matrix, std::vector<unsigned int>& indices,
                                                   unsigned m, unsigned n, Ties ties,
-                                                  const LowerRow& lowerRow) {
+                                                  const FillLowerRows& fillLowerRows) {
     std::vector<unsigned int>& columnOrder = *m_ColumnOrder;
     columnOrder.resize(n);
     std::iota(columnOrder.begin(), columnOrder.end(), 0u);
     for (unsigned i = 0; i < n; ++i) {
         std::swap(columnOrder[i], columnOrder[indices[i]]);
     }
-    const auto fillLowerRows = [&] {
-        for (unsigned r = m; r < n; ++r) {
-            std::transform(columnOrder.begin(), columnOrder.end(), matrix[r].begin(), lowerRow(r - m));
-        }
-    };
     *m_FirstPivots = indices;
     m_SecondPivots->resize(indices.size());
     std::iota(m_SecondPivots->begin(), m_SecondPivots->end(), 0u);
-    fillLowerRows();
+    fillLowerRows(columnOrder);
     if (!eliminateInPanels(matrix, m, n, ties)) {
         // A pivot that lies before its own row: take everything back, and go the narrow way.
         for (unsigned c = n; c-- > m;) {
             swapColumns(matrix, c, (*m_SecondPivots)[c], m);
             (*m_SecondPivots)[c] = c;
         }
-        fillLowerRows();
+        fillLowerRows(columnOrder);
         eliminateInOrder(matrix, m, n, ties);
     }
     matrix.combineIndices(*m_FirstPivots, *m_SecondPivots, indices);
@@ -430,7 +455,8 @@ void NqCoreVelocityControlTool::completeFactoring(NqReArray& matrix, std::vector
 /// Eliminates the lower rows a few pivots at a time, each along whole rows. To the last bit the same as
 /// eliminateInOrder(), as every element gets the same terms in the same order, as long as no column changes
 /// places with one that is done with. Where that would happen this stops and returns false.
-bool NqCoreVelocityControlTool::eliminateInPanels(NqReArray& matrix, unsigned m, unsigned n, Ties ties) {
+NQ_WIDE_ROWS bool NqCoreVelocityControlTool::eliminateInPanels(NqReArray& matrix, unsigned m, unsigned n,
+                                                               Ties ties) {
     for (unsigned first = 0; first < m; first += PanelWidth) {
         Panel panel(first);
         for (unsigned c = first; c < std::min(first + PanelWidth, m); ++c) {

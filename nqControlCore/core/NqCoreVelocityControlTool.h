@@ -115,9 +115,9 @@ private:
 
     bool solveTwice(const std::vector<double>& velocity, std::vector<double>& jointRates,
                     std::vector<double>& nullSpaceJointRates, double& determinant);
-    template <typename LowerRow>
+    template <typename FillLowerRows>
     void completeFactoring(NqReArray& matrix, std::vector<unsigned int>& indices, unsigned m, unsigned n,
-                           Ties ties, const LowerRow& lowerRow);
+                           Ties ties, const FillLowerRows& fillLowerRows);
     bool eliminateInPanels(NqReArray& matrix, unsigned m, unsigned n, Ties ties);
     void eliminateInOrder(NqReArray& matrix, unsigned m, unsigned n, Ties ties);
 

@@ -157,11 +157,15 @@ void NqEndEffector::clearBits(const NqIndividualManipulator& manipulator, unsign
 
 void NqEndEffector::insertChainBits(const NqManipulatorLink* link, unsigned row,
                                     SparsityDescription& sparsity) const {
-    const unsigned end = row + doc();
-    for (unsigned i = row; link && i < end; ++i) {
-        std::vector<bool>& bits = sparsity[i];
-        link->forEachCarryingJoint([&bits](unsigned column) { bits[column] = true; });
+    if (!link) {
+        return;
     }
+    const unsigned end = row + doc();
+    link->forEachCarryingJoint([&](unsigned column) {
+        for (unsigned i = row; i < end; ++i) {
+            sparsity[i][column] = true;
+        }
+    });
 }
 
 void NqEndEffector::insertMotionBits(const NqIndividualManipulator& manipulator, unsigned row,

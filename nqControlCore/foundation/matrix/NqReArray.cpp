@@ -662,9 +662,9 @@ bool NqReArray::fitsNullSpace(const char* operation, const NqReArray& basis, uns
 
 /// Factors the first m rows. False when a pivot has no finite reciprocal.
 template <bool SkipZeros>
-bool NqReArray::factorRows(unsigned m, std::vector<unsigned int>& indices,
-                           const std::vector<unsigned int>* zeroStart,
-                           const std::vector<unsigned int>* zeroEnd) {
+NQ_WIDE_ROWS bool NqReArray::factorRows(unsigned m, std::vector<unsigned int>& indices,
+                                        const std::vector<unsigned int>* zeroStart,
+                                        const std::vector<unsigned int>* zeroEnd) {
     const unsigned n = columns();
     bool regular = true;
     Gap gap{SkipZeros ? 0 : n, n};
@@ -718,12 +718,16 @@ bool NqReArray::factorRows(unsigned m, std::vector<unsigned int>& indices,
 }
 
 /// The basis of the null space, from the factors that the first m rows hold.
-void NqReArray::findBasis(NqReArray& basis, unsigned m, const std::vector<unsigned int>& indices,
-                          bool skipZeros) const {
+NQ_WIDE_ROWS void NqReArray::findBasis(NqReArray& basis, unsigned m, const std::vector<unsigned int>& indices,
+                                       bool skipZeros) const {
     const unsigned n = columns();
     const unsigned dimension = n - m;
-    basis.setToZeros(n, dimension);
+    basis.m_Rows.resize(n);
+    for (unsigned i = 0; i < m; ++i) {
+        basis[i].resize(dimension);
+    }
     for (unsigned i = 0; i < dimension; ++i) {
+        basis[m + i].assign(dimension, 0.0);
         basis[m + i][i] = 1.0;
     }
     for (unsigned i = m; i-- > 0;) {

@@ -5,6 +5,16 @@
 #include <cstddef>
 #include <utility>
 
+/// Marks a function whose row operations are worth the widest vectors that the machine has: it is compiled
+/// for these too, where the compiler can, and the one that fits is chosen when the program starts. Its
+/// results are the same to the last bit, since products are never contracted.
+#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__linux__) &&                 \
+    defined(__OPTIMIZE__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#define NQ_WIDE_ROWS __attribute__((target_clones("avx2", "default")))
+#else
+#define NQ_WIDE_ROWS
+#endif
+
 /// The inner loops of the factorings, along contiguous rows so that they vectorise. Each element receives its
 /// terms one by one in rising order of the rows they come from, whatever the grouping of the loops.
 ///

@@ -367,7 +367,7 @@ std::string NqDriveReport::html() const {
                       "<meta charset=\"utf-8\"/>\n"
                       "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\"/>\n"
                       "<meta name=\"color-scheme\" content=\"light dark\"/>\n<title>" +
-                      title + " – drive report</title>\n<style>\n" + std::string(NqSvg::styleSheet()) +
+                      title + " – drive report</title>\n<style>\n" + NqSvg::styleSheet() +
                       std::string(kPageStyle) + "</style>\n</head>\n<body>\n<main>\n<h1>" + title +
                       " <span>drive report</span></h1>\n<p class=\"verdict" +
                       (m_Record.isReached() ? "" : " bad") + "\"><b>" +

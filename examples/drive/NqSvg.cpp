@@ -10,6 +10,79 @@ namespace NqSvg {
 
 namespace {
 
+/// A colour by daylight and in the dark.
+struct Colour {
+    const char* name;
+    const char* light;
+    const char* dark;
+};
+
+constexpr Colour kColours[] = {
+    {"paper", "#ffffff", "#14181f"}, {"ink", "#1c2430", "#e6eaf0"},   {"muted", "#5b6675", "#9aa5b4"},
+    {"faint", "#dfe3e9", "#2b323d"}, {"shade", "#eceff3", "#1f252e"}, {"mark", "#8a94a3", "#6d7787"},
+    {"c0", "#1c5c9c", "#6cb0f5"},    {"c1", "#c2571a", "#f2a15f"},    {"c2", "#1d7a6a", "#5fc9b5"},
+    {"c3", "#7b3fa0", "#c79be6"},    {"c4", "#a8324a", "#f08ba0"},    {"c5", "#6b6f1d", "#c9cd6b"},
+    {"tube", "#8793a3", "#7b8797"}};
+
+constexpr const char* kRules =
+    R"(svg{font-family:system-ui,-apple-system,"Segoe UI",Roboto,"Liberation Sans",Arial,sans-serif;font-size:11px;
+font-variant-numeric:tabular-nums}
+.paper{fill:var(--paper)}
+.frame{fill:none;stroke:var(--mark);stroke-width:.8}
+.grid{stroke:var(--faint);stroke-width:.8;fill:none}
+.zero{stroke:var(--mark);stroke-width:.8}
+.beyond{fill:var(--shade)}
+.limit{stroke:var(--ink);stroke-width:1.1;stroke-dasharray:5 3;fill:none}
+.mark{stroke:var(--mark);stroke-width:.9;stroke-dasharray:1.5 2.5}
+.title{fill:var(--ink);font-size:13px;font-weight:600}
+.heading{fill:var(--ink);font-size:17px;font-weight:600}
+.sub{fill:var(--muted);font-size:12px}
+.tick{fill:var(--muted)}
+.note{fill:var(--ink);font-size:10.5px;stroke:var(--paper);stroke-width:3;paint-order:stroke;stroke-linejoin:round}
+.halo{fill:var(--ink);font-size:12px;font-weight:600;stroke:var(--paper);stroke-width:3.5;paint-order:stroke;
+stroke-linejoin:round}
+.curve{fill:none;stroke-width:1.8;stroke-linejoin:round;stroke-linecap:round}
+.c0{stroke:var(--c0)}.c1{stroke:var(--c1);stroke-dasharray:8 4}.c2{stroke:var(--c2);stroke-dasharray:2 4}
+.c3{stroke:var(--c3);stroke-dasharray:9 4 2 4}.c4{stroke:var(--c4);stroke-dasharray:14 4}
+.c5{stroke:var(--c5);stroke-dasharray:4 4}
+.target{fill:none;stroke:var(--c4);stroke-width:1.6}
+.x{stroke:#d0342c;stroke-width:2.4}.y{stroke:#2a9d3a;stroke-width:2.4}.z{stroke:#2f6fe0;stroke-width:2.4}
+.span{stroke:var(--c4);stroke-width:1.4;stroke-dasharray:5 3}
+.axis{stroke:var(--ink);stroke-width:1.4}
+.shadow{stroke:var(--shade);stroke-width:7;stroke-linecap:round;stroke-linejoin:round;fill:none}
+.ghost{stroke:var(--faint);stroke-width:1.6;stroke-linecap:round;fill:none}
+.outer{stroke:var(--tube);stroke-linecap:round;fill:none;stroke-width:6}
+.inner{stroke:var(--paper);stroke-linecap:round;fill:none;stroke-width:3.4}
+.between{stroke:var(--tube);stroke-linecap:round;fill:none;stroke-width:4}
+.final{stroke:var(--ink);stroke-linecap:round;fill:none;stroke-width:6}
+.hinge{fill:var(--paper);stroke:var(--tube);stroke-width:1.6}
+.finalHinge{fill:var(--paper);stroke:var(--ink);stroke-width:2}
+.base{fill:var(--mark);stroke:none}
+)";
+
+std::string palette(const char* Colour::*shade) {
+    std::string text = ":root{";
+    for (const Colour& colour : kColours) {
+        text += std::string("--") + colour.name + ":" + colour.*shade + ";";
+    }
+    return text + "}\n";
+}
+
+/// The rules with each colour given plainly before it is given by name, for viewers that don't know names.
+std::string withPlainColours(std::string rules) {
+    for (const Colour& colour : kColours) {
+        const std::string byName = std::string("var(--") + colour.name + ")";
+        for (std::size_t at = 0; (at = rules.find(byName, at)) != std::string::npos;) {
+            const std::size_t begin = rules.find_last_of("{;", at) + 1;
+            const std::string property = rules.substr(begin, at - begin);
+            const std::string plain = property + colour.light + ";";
+            rules.insert(begin, plain);
+            at += plain.size() + byName.size();
+        }
+    }
+    return rules;
+}
+
 constexpr std::size_t kCurveClasses = 6;
 
 std::string attribute(std::string_view name, std::string_view value) {
@@ -110,48 +183,13 @@ std::string curveClass(std::size_t index) {
     return "curve c" + std::to_string(index % kCurveClasses);
 }
 
-std::string_view styleSheet() {
-    return R"(:root{--paper:#ffffff;--ink:#1c2430;--muted:#5b6675;--faint:#dfe3e9;--shade:#eceff3;--mark:#8a94a3;
---c0:#1c5c9c;--c1:#c2571a;--c2:#1d7a6a;--c3:#7b3fa0;--c4:#a8324a;--c5:#6b6f1d;--tube:#8793a3}
-@media (prefers-color-scheme:dark){:root{--paper:#14181f;--ink:#e6eaf0;--muted:#9aa5b4;--faint:#2b323d;
---shade:#1f252e;--mark:#6d7787;--c0:#6cb0f5;--c1:#f2a15f;--c2:#5fc9b5;--c3:#c79be6;--c4:#f08ba0;--c5:#c9cd6b;
---tube:#7b8797}}
-@media print{:root{--paper:#ffffff;--ink:#1c2430;--muted:#5b6675;--faint:#dfe3e9;--shade:#eceff3;--mark:#8a94a3;
---c0:#1c5c9c;--c1:#c2571a;--c2:#1d7a6a;--c3:#7b3fa0;--c4:#a8324a;--c5:#6b6f1d;--tube:#8793a3}}
-svg{font-family:system-ui,-apple-system,"Segoe UI",Roboto,"Liberation Sans",Arial,sans-serif;font-size:11px;
-font-variant-numeric:tabular-nums}
-.paper{fill:var(--paper)}
-.frame{fill:none;stroke:var(--mark);stroke-width:.8}
-.grid{stroke:var(--faint);stroke-width:.8;fill:none}
-.zero{stroke:var(--mark);stroke-width:.8}
-.beyond{fill:var(--shade)}
-.limit{stroke:var(--ink);stroke-width:1.1;stroke-dasharray:5 3;fill:none}
-.mark{stroke:var(--mark);stroke-width:.9;stroke-dasharray:1.5 2.5}
-.title{fill:var(--ink);font-size:13px;font-weight:600}
-.heading{fill:var(--ink);font-size:17px;font-weight:600}
-.sub{fill:var(--muted);font-size:12px}
-.tick{fill:var(--muted)}
-.note{fill:var(--ink);font-size:10.5px;stroke:var(--paper);stroke-width:3;paint-order:stroke;stroke-linejoin:round}
-.halo{fill:var(--ink);font-size:12px;font-weight:600;stroke:var(--paper);stroke-width:3.5;paint-order:stroke;
-stroke-linejoin:round}
-.curve{fill:none;stroke-width:1.8;stroke-linejoin:round;stroke-linecap:round}
-.c0{stroke:var(--c0)}.c1{stroke:var(--c1);stroke-dasharray:8 4}.c2{stroke:var(--c2);stroke-dasharray:2 4}
-.c3{stroke:var(--c3);stroke-dasharray:9 4 2 4}.c4{stroke:var(--c4);stroke-dasharray:14 4}
-.c5{stroke:var(--c5);stroke-dasharray:4 4}
-.target{fill:none;stroke:var(--c4);stroke-width:1.6}
-.x{stroke:#d0342c;stroke-width:2.4}.y{stroke:#2a9d3a;stroke-width:2.4}.z{stroke:#2f6fe0;stroke-width:2.4}
-.span{stroke:var(--c4);stroke-width:1.4;stroke-dasharray:5 3}
-.axis{stroke:var(--ink);stroke-width:1.4}
-.shadow{stroke:var(--shade);stroke-width:7;stroke-linecap:round;stroke-linejoin:round;fill:none}
-.ghost{stroke:var(--faint);stroke-width:1.6;stroke-linecap:round;fill:none}
-.outer{stroke:var(--tube);stroke-linecap:round;fill:none;stroke-width:6}
-.inner{stroke:var(--paper);stroke-linecap:round;fill:none;stroke-width:3.4}
-.between{stroke:var(--tube);stroke-linecap:round;fill:none;stroke-width:4}
-.final{stroke:var(--ink);stroke-linecap:round;fill:none;stroke-width:6}
-.hinge{fill:var(--paper);stroke:var(--tube);stroke-width:1.6}
-.finalHinge{fill:var(--paper);stroke:var(--ink);stroke-width:2}
-.base{fill:var(--mark);stroke:none}
-)";
+const std::string& styleSheet() {
+    static const std::string theSheet = [] {
+        const std::string light = palette(&Colour::light);
+        return light + "@media (prefers-color-scheme:dark){" + palette(&Colour::dark) + "}\n@media print{" +
+               light + "}\n" + withPlainColours(kRules);
+    }();
+    return theSheet;
 }
 
 std::string document(double width, double height, std::string_view title, std::string_view elements) {
@@ -159,8 +197,8 @@ std::string document(double width, double height, std::string_view title, std::s
     return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\"" +
            attribute("width", number(width)) + attribute("height", number(height)) +
            attribute("viewBox", "0 0 " + size) + " role=\"img\">\n<title>" + NqDriveText::escaped(title) +
-           "</title>\n<style>" + std::string(styleSheet()) + "</style>\n" +
-           rectangle({}, width, height, "paper") + std::string(elements) + "</svg>\n";
+           "</title>\n<style>" + styleSheet() + "</style>\n" + rectangle({}, width, height, "paper") +
+           std::string(elements) + "</svg>\n";
 }
 
 } // namespace NqSvg

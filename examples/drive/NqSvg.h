@@ -32,7 +32,7 @@ std::vector<Point> simplified(const std::vector<Point>& points, double tolerance
 std::string curveClass(std::size_t index);
 
 /// Colours, lines and type of all drawings, on white and on dark ground, and always on white in print.
-std::string_view styleSheet();
+const std::string& styleSheet();
 
 /// A whole file around the elements of a drawing.
 std::string document(double width, double height, std::string_view title, std::string_view elements);

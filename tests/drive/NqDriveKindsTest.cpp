@@ -26,17 +26,12 @@ double angleBetween(const NqOrientation& a, const NqOrientation& b) {
 TEST_F(NqDriveKinds, FrameAndCoupledJointsReachTheirTargetsWithinTheirLimits) {
     loadModel("arm7.urdf", "arm7.frame.endeffectors.xml",
               {"--start", kBent, "--relative", "0.05,0.2,-0.1@0,0,45/hold", "--relative", "@20,0,0/0.3"});
-    ASSERT_TRUE(isLoaded) << task.complaint();
-    NqDriveRun run(task);
+    NqDriveRun run = loadedRun();
     const NqCoordinateSystemTransformation start = run.loop().placements()[0];
     const double sum = run.loop().placements()[1].translation().z();
-    run.execute(watcher);
-    ASSERT_EQ(run.record().outcome, Outcome::Reached) << run.record().verdict;
+    reachAll(run);
 
-    std::size_t first = 0;
-    while (run.recorder().wayPoint(first) == 1.0) {
-        ++first;
-    }
+    const std::size_t first = rowsOfFirstWay(run);
     const NqCoordinateSystemTransformation turned = run.recorder().placement(first, 0);
     const NqOrientation aboutZ(0.25 * std::acos(-1.0), NqVector::zVector(1.0));
     EXPECT_LT((turned.translation() - start.translation() - NqVector(0.05, 0.2, -0.1)).mag(), 1.0e-4);
@@ -86,10 +81,8 @@ TEST_F(NqDriveKinds, ProfilesApproachInTheirOwnWays) {
         for (const Case& each : cases) {
             loadModel("arm7.urdf", each.effectors,
                       {"--start", kBent, "--relative", each.target, "--profile", profile});
-            ASSERT_TRUE(isLoaded) << task.complaint();
-            NqDriveRun run(task);
-            run.execute(watcher);
-            ASSERT_EQ(run.record().outcome, Outcome::Reached) << run.record().verdict;
+            NqDriveRun run = loadedRun();
+            reachAll(run);
             // The speed of a row belongs to what was left in the row before.
             const auto rowAt = [&](double left) {
                 std::size_t row = 1;
@@ -114,11 +107,9 @@ TEST_F(NqDriveKinds, ProfilesApproachInTheirOwnWays) {
 TEST_F(NqDriveKinds, SoftEndEffectorComesAsNearAsTheHardOnesAllow) {
     loadModel("arm7.urdf", "arm7.elbow.endeffectors.xml",
               {"--start", kBent, "--relative", "0.05,0.2,-0.1@0,0,45/0,-0.3,-0.1", "--posture", "none"});
-    ASSERT_TRUE(isLoaded) << task.complaint();
-    NqDriveRun run(task);
+    NqDriveRun run = loadedRun();
     const double far = run.loop().errors()[2];
-    run.execute(watcher);
-    ASSERT_EQ(run.record().outcome, Outcome::Reached) << run.record().verdict;
+    reachAll(run);
     EXPECT_NE(run.record().verdict.find("'link4' (soft) within 0."), std::string::npos);
     EXPECT_LE(std::max(run.loop().errors()[0], run.loop().errors()[1]), 1.0e-4);
     EXPECT_LT(run.loop().errors()[2], far);
@@ -149,10 +140,8 @@ TEST_F(NqDriveKinds, SoftEndEffectorComesAsNearAsTheHardOnesAllow) {
 /// The straight way drives the fourth joint into the end of its range; the metric leads around it.
 TEST_F(NqDriveKinds, JointsNearTheirLimitsLeaveSoftEndEffectorsToTheOthers) {
     load("arm7.urdf", softPoint("hand", "0 0 0", 1.0), {"--target", "-0.3,0,0.3", "--posture", "none"});
-    ASSERT_TRUE(isLoaded) << task.complaint();
-    NqDriveRun run(task);
-    run.execute(watcher);
-    ASSERT_EQ(run.record().outcome, Outcome::Reached) << run.record().verdict;
+    NqDriveRun run = loadedRun();
+    reachAll(run);
     EXPECT_LE(run.loop().errors()[0], 1.0e-4);
     EXPECT_LT(run.record().joints[3].least, -3.0) << "which is near its limit of -3.07";
 }
@@ -161,16 +150,11 @@ TEST_F(NqDriveKinds, SoftEndEffectorsAloneMeetTheirTargetsAndShareByTheirWeights
     load("lift4.urdf", softPoint("tip", "0 0 0", 1.0) + softPoint("tip", "0 0 0", 3.0),
          {"--start", "0.1,0.3,0.5,0.5", "--relative", "-0.05,0.1,0.1/-0.05,0.1,0.1", "--relative",
           "-0.05,0.1,0.14/-0.05,0.1,0.1", "--profile", "proportional", "--posture", "none"});
-    ASSERT_TRUE(isLoaded) << task.complaint();
-    NqDriveRun run(task);
+    NqDriveRun run = loadedRun();
     EXPECT_EQ(run.loop().rows(), 0u);
     EXPECT_EQ(run.loop().joints(), 4u);
-    run.execute(watcher);
-    ASSERT_EQ(run.record().outcome, Outcome::Reached) << run.record().verdict;
-    std::size_t first = 0;
-    while (run.recorder().wayPoint(first) == 1.0) {
-        ++first;
-    }
+    reachAll(run);
+    const std::size_t first = rowsOfFirstWay(run);
     EXPECT_LE(run.recorder().error(first - 1, 0), 1.0e-4);
     EXPECT_NEAR(run.loop().errors()[0], 0.03, 1.0e-3) << "weighs 1: three quarters of the 0.04 m";
     EXPECT_NEAR(run.loop().errors()[1], 0.01, 1.0e-3) << "weighs 3";
@@ -185,7 +169,6 @@ TEST_F(NqDriveKinds, TargetsAreInTheFrameOfTheRelativeLink) {
                          "</relativeLinkData>");
         load("twin9.urdf", pointXml("left_tip", "0 0 0", 0.4, 2.0) + right,
              {"--relative", "0.05,-0.1,0.1/hold", "--relative", "0.05,-0.1,0.1/0,0.05,0.02"});
-        ASSERT_TRUE(isLoaded) << task.complaint();
         const auto inLeftHand = [&](const std::vector<double>& positions) {
             NqManipulatorActivePositionState state(task.manipulator());
             state.setPositionState(NqPositionState(positions));
@@ -194,10 +177,9 @@ TEST_F(NqDriveKinds, TargetsAreInTheFrameOfTheRelativeLink) {
             };
             return tip("left_tip").inverse() * tip("right_tip").translation();
         };
-        NqDriveRun run(task);
+        NqDriveRun run = loadedRun();
         const NqVector wanted = inLeftHand(task.start()) + NqVector(0.0, 0.05, 0.02);
-        run.execute(watcher);
-        ASSERT_EQ(run.record().outcome, Outcome::Reached) << run.record().verdict;
+        reachAll(run);
         EXPECT_LT((inLeftHand(run.loop().positions()) - wanted).mag(), 1.0e-4) << mode;
         EXPECT_LE(run.record().parts[1].peakSpeed, 0.4 * (1.0 + 1.0e-6)) << "relative in internal mode";
     }
@@ -205,19 +187,15 @@ TEST_F(NqDriveKinds, TargetsAreInTheFrameOfTheRelativeLink) {
 
 TEST_F(NqDriveKinds, OrientationAndDistanceLeaveTheRestFree) {
     loadModel("arm7.urdf", "arm7.orientation.endeffectors.xml", {"--target", "@0,120,0"});
-    ASSERT_TRUE(isLoaded) << task.complaint();
-    NqDriveRun turn(task);
-    turn.execute(watcher);
-    ASSERT_EQ(turn.record().outcome, Outcome::Reached) << turn.record().verdict;
+    NqDriveRun turn = loadedRun();
+    reachAll(turn);
     const NqVector z = turn.loop().placements()[0].orientation().zAxis();
     EXPECT_LT((z - NqVector(std::sqrt(0.75), 0.0, -0.5)).mag(), 1.0e-4);
 
     loadModel("twin9.urdf", "twin9.grip.endeffectors.xml",
               {"--relative", "0,0,0.1/-0.1", "--target", "hold/0.3"});
-    ASSERT_TRUE(isLoaded) << task.complaint();
-    NqDriveRun grip(task);
-    grip.execute(watcher);
-    ASSERT_EQ(grip.record().outcome, Outcome::Reached) << grip.record().verdict;
+    NqDriveRun grip = loadedRun();
+    reachAll(grip);
     const auto& hands = grip.record().sketch.last.endEffectors;
     ASSERT_EQ(hands.size(), 3u) << "the left point, and the two ends of the distance";
     EXPECT_NEAR((hands[2] - hands[1]).mag(), 0.3, 1.0e-4);

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 #include <fstream>
+#include <iterator>
+#include <sstream>
 
 namespace {
 
@@ -18,29 +20,15 @@ Request parse(std::vector<const char*> arguments, NqDriveOptions& options, std::
 TEST(NqDriveOptions, ReadsTheWholeCommandLine) {
     NqDriveOptions options;
     std::string complaint;
-    const auto request = parse({"--target",
-                                "-1,2e-1,3/hold",
-                                "--relative=0,0,-.5@0,0,-90/0.5",
-                                "--target",
-                                "@0,120,0/1,1,1",
-                                "--metric",
-                                "5,6",
-                                "--metric",
-                                "a=b=2,c=3",
-                                "--posture",
-                                "0.5,1",
-                                "--gain=2",
-                                "--rate",
-                                "500",
-                                "--quiet",
-                                "--svg",
-                                "x.svg",
-                                "--soft-gain",
-                                "20",
-                                "--profile",
-                                "threehalves"},
-                               options, complaint);
-    ASSERT_EQ(request, Request::Run) << complaint;
+    std::istringstream line("--target -1,2e-1,3/hold --relative=0,0,-.5@0,0,-90/0.5 --target @0,120,0/1,1,1 "
+                            "--metric 5,6 --metric a=b=2,c=3 --posture 0.5,1 --gain=2 --rate 500 --quiet "
+                            "--svg x.svg --soft-gain 20 --profile threehalves");
+    const std::vector<std::string> words(std::istream_iterator<std::string>(line), {});
+    std::vector<const char*> arguments;
+    for (const std::string& word : words) {
+        arguments.push_back(word.c_str());
+    }
+    ASSERT_EQ(parse(arguments, options, complaint), Request::Run) << complaint;
     ASSERT_EQ(options.wayPoints.size(), 3u);
     EXPECT_EQ(options.wayPoints[0].targets[0].place, (std::vector<double>{-1.0, 0.2, 3.0}));
     EXPECT_FALSE(options.wayPoints[0].targets[0].orientation.has_value());

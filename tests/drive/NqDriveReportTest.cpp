@@ -1,23 +1,16 @@
+#include "NqDriveTesting.h"
+
 #include <NqDriveCsv.h>
 #include <NqDriveReport.h>
-#include <NqDriveRun.h>
 #include <NqDriveText.h>
 #include <NqSvg.h>
 
-#include <gtest/gtest.h>
 #include <libxml/parser.h>
 
 #include <algorithm>
-#include <cmath>
-#include <fstream>
 #include <memory>
 
 namespace {
-
-struct Silent : NqDriveRun::Watcher {
-    void stepDone(const NqDriveRun&) override {}
-    void wayPointReached(const NqDriveRun&) override {}
-};
 
 bool isWellFormed(const std::string& text) {
     const std::unique_ptr<xmlDoc, void (*)(xmlDocPtr)> document(
@@ -49,7 +42,7 @@ TEST(NqDriveReport, SurvivesHostileNamesAndEndlessJoints) {
     NqDriveTask task;
     ASSERT_TRUE(task.load(options)) << task.complaint();
     NqDriveRun run(task);
-    Silent watcher;
+    Watcher watcher;
     run.execute(watcher);
     ASSERT_TRUE(run.record().isReached()) << run.record().verdict;
 

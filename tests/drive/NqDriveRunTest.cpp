@@ -8,12 +8,10 @@ class NqDrive : public NqDriveFixture {};
 
 TEST_F(NqDrive, SlowsAtRateLimitsAndStaysOnTheStraightWay) {
     load("arm7.urdf", pointXml("hand", "0 0 0", 3.0, 15.0), {"--relative", "0.1,0.5,-0.3"});
-    ASSERT_TRUE(isLoaded) << task.complaint();
-    NqDriveRun run(task);
+    NqDriveRun run = loadedRun();
     const NqVector start = run.loop().placements()[0].translation();
     const NqVector way = NqVector(0.1, 0.5, -0.3).unitVector();
-    run.execute(watcher);
-    ASSERT_EQ(run.record().outcome, Outcome::Reached);
+    reachAll(run);
     EXPECT_GT(watcher.slowed, 100u);
     for (std::size_t row = 0; row < run.recorder().rows(); ++row) {
         ASSERT_LT((run.recorder().point(row, 0) - start).cross(way).mag(), 2.0e-3)
@@ -26,11 +24,9 @@ TEST_F(NqDrive, SlowsAtRateLimitsAndStaysOnTheStraightWay) {
 TEST_F(NqDrive, HoldsOneEndEffectorWhileAnotherMoves) {
     load("twin9.urdf", pointXml("left_tip", "0 0 0", 0.4, 2.0) + pointXml("right_tip", "0 0 0", 0.4, 2.0),
          {"--relative", "0.05,-0.1,0.15/hold", "--relative", "0,0,0/0,0.02,0"});
-    ASSERT_TRUE(isLoaded) << task.complaint();
-    NqDriveRun run(task);
+    NqDriveRun run = loadedRun();
     const NqVector held = run.loop().placements()[1].translation();
-    run.execute(watcher);
-    ASSERT_EQ(run.record().outcome, Outcome::Reached) << run.record().verdict;
+    reachAll(run);
     EXPECT_EQ(watcher.reached, 2u);
     for (std::size_t row = 0; run.recorder().wayPoint(row) == 1.0; ++row) {
         ASSERT_LT((run.recorder().point(row, 1) - held).mag(), 1.0e-4);
@@ -44,9 +40,8 @@ TEST_F(NqDrive, PostureAndMetricRuleTheFreeJoints) {
         load("arm7.urdf", pointXml("hand", "0 0 0", 0.2, 2.0),
              {"--relative", "0,0.2,0", "--start", "0.2,0.3,0.4,-1.8,0.5,1.7,0", "--posture", posture,
               "--metric", metric, "--gain", "3"});
-        NqDriveRun run(task);
-        run.execute(watcher);
-        EXPECT_EQ(run.record().outcome, Outcome::Reached);
+        NqDriveRun run = loadedRun();
+        reachAll(run);
         return run.loop().positions();
     };
     const auto lazy = endOf("none", "1,1,1,1,1,1,1");

@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <fstream>
+#include <stdexcept>
 
 inline std::string writeTemporary(const std::string& name, const std::string& text) {
     const std::string file = testing::TempDir() + name;
@@ -70,6 +71,28 @@ protected:
             << complaint;
         task = NqDriveTask();
         isLoaded = task.load(options);
+    }
+
+    /// Of what was loaded. Throws, and so ends the test, where that was refused.
+    NqDriveRun loadedRun() {
+        return isLoaded ? NqDriveRun(task) : throw std::runtime_error(task.complaint());
+    }
+
+    /// Throws, and so ends the test, unless all way points are reached.
+    void reachAll(NqDriveRun& run) {
+        run.execute(watcher);
+        if (run.record().outcome != NqDriveRecord::Outcome::Reached) {
+            throw std::runtime_error(run.record().verdict);
+        }
+    }
+
+    /// How many rows were recorded on the way to the first way point.
+    static std::size_t rowsOfFirstWay(const NqDriveRun& run) {
+        std::size_t row = 0;
+        while (run.recorder().wayPoint(row) == 1.0) {
+            ++row;
+        }
+        return row;
     }
 
     NqDriveTask task;

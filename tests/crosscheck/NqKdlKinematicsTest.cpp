@@ -1,16 +1,122 @@
-#include <crosscheck/NqKdlModel.h>
-
 #include <nqControlCore/endeffector/NqFrameEndEffector.h>
 #include <nqControlCore/endeffector/NqOrientationEndEffector.h>
 #include <nqControlCore/endeffector/NqPointEndEffector.h>
+#include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
 
 #include <gtest/gtest.h>
+#include <kdl/treefksolverpos_recursive.hpp>
+#include <kdl/treejnttojacsolver.hpp>
+#include <kdl_parser/kdl_parser.hpp>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <numbers>
+#include <random>
 
 namespace {
+
+NqVector vector(const KDL::Vector& v) {
+    return {v.x(), v.y(), v.z()};
+}
+
+double deviation(const NqVector& reference, const NqVector& actual) {
+    return (actual - reference).mag() / std::max(1.0, reference.mag());
+}
+
+/// The largest of the distances between two frames' origins and axes, relative to the size of the first (at
+/// least 1).
+double deviation(const KDL::Frame& reference, const NqCoordinateSystemTransformation& actual) {
+    NqVector x, y, z;
+    actual.orientation().getDcmColumns(x, y, z);
+    return std::max({deviation(vector(reference.p), actual.translation()),
+                     deviation(vector(reference.M.UnitX()), x), deviation(vector(reference.M.UnitY()), y),
+                     deviation(vector(reference.M.UnitZ()), z)});
+}
+
+/// One robot description read twice, by this library and by Orocos KDL, at one pose in both.
+class NqKdlModel {
+public:
+    /// Descriptions to compare on: the models of the project, those of its tests, and the files in the folder
+    /// that the environment variable NQ_CROSSCHECK_MODELS names.
+    static std::vector<std::string> files() {
+        std::vector<std::string> result;
+        const char* further = std::getenv("NQ_CROSSCHECK_MODELS");
+        for (const char* folder : {NQ_MODELS, NQ_TEST_MODELS, further}) {
+            if (folder) {
+                for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+                    if (entry.path().extension() == ".urdf") {
+                        result.push_back(entry.path().string());
+                    }
+                }
+            }
+        }
+        std::ranges::sort(result);
+        return result;
+    }
+
+    /// False where one of the two can't read the file.
+    bool read(const std::string& fileName) {
+        if (!NqUrdfReader::readFile(fileName, m_Manipulator) || !kdl_parser::treeFromFile(fileName, m_Tree)) {
+            return false;
+        }
+        m_State = NqManipulatorActiveState(m_Manipulator);
+        m_Positions.resize(m_Tree.getNrOfJoints());
+        m_KdlIndices.assign(m_Manipulator.numberOfJoints(), ~0u);
+        for (const auto& [label, element] : m_Tree.getSegments()) {
+            const NqManipulatorLink* link = m_Manipulator.linkByLabel(label);
+            if (link && element.segment.getJoint().getType() != KDL::Joint::None) {
+                m_KdlIndices[link->jointIndex()] = element.q_nr;
+            }
+        }
+        return m_Positions.rows() == m_KdlIndices.size();
+    }
+
+    /// Gives all joints random positions in [-pi, pi], metres or radians.
+    void setRandomPose(std::mt19937_64& generator) {
+        std::uniform_real_distribution<double> position(-std::numbers::pi, std::numbers::pi);
+        NqPositionState positions(m_KdlIndices.size());
+        for (unsigned i = 0; i < m_KdlIndices.size(); ++i) {
+            positions.setJointPosition(i, m_Positions(m_KdlIndices[i]) = position(generator));
+        }
+        m_State.setPositionState(positions);
+    }
+
+    const NqIndividualManipulator& manipulator() const { return m_Manipulator; }
+    NqManipulatorActiveState& state() { return m_State; }
+
+    const KDL::Tree& tree() const { return m_Tree; }
+
+    /// Frame of a link in the base frame, as KDL has it.
+    KDL::Frame frame(const std::string& label) const {
+        KDL::Frame result;
+        KDL::TreeFkSolverPos_recursive(m_Tree).JntToCart(m_Positions, result, label);
+        return result;
+    }
+
+    /// Columns, by our joint index, of the Jacobian of a point given in a link's frame, in the base frame, as
+    /// KDL has them.
+    std::vector<NqGeneralMotion> jacobian(const std::string& label, const NqVector& point) const {
+        KDL::Jacobian columns(m_Tree.getNrOfJoints());
+        KDL::TreeJntToJacSolver(m_Tree).JntToJac(m_Positions, columns, label);
+        columns.changeRefPoint(frame(label).M * KDL::Vector(point[0], point[1], point[2]));
+        std::vector<NqGeneralMotion> result;
+        for (const unsigned index : m_KdlIndices) {
+            const KDL::Twist column = columns.getColumn(index);
+            result.emplace_back(vector(column.vel), vector(column.rot));
+        }
+        return result;
+    }
+
+private:
+    NqIndividualManipulator m_Manipulator;
+    NqManipulatorActiveState m_State;
+    KDL::Tree m_Tree;
+    KDL::JntArray m_Positions;
+    std::vector<unsigned> m_KdlIndices; ///< by our joint index
+};
 
 constexpr double kTolerance = 1.0e-12;
 constexpr unsigned kSeed = 20240;
@@ -48,8 +154,8 @@ protected:
 
 TEST_P(KdlKinematics, FramesOfAllLinks) {
     expectAgreement("frames", [&](const std::string& label) {
-        return nqDeviation(m_Model.frame(label),
-                           link(label).primaryFrameInSystem(m_Model.state().activePositionState()));
+        return deviation(m_Model.frame(label),
+                         link(label).primaryFrameInSystem(m_Model.state().activePositionState()));
     });
 }
 

@@ -1,4 +1,5 @@
 #include "support/NqTestModels.h"
+#include "support/NqXmlRoundTrip.h"
 
 #include <nqControlCore/core/NqControlParameters.h>
 #include <nqControlCore/core/NqCoreResult.h>
@@ -6,21 +7,12 @@
 #include <nqControlCore/core/NqManipulatorEndEffectorForce.h>
 #include <nqControlCore/core/NqSupplementalControlState.h>
 #include <nqControlCore/core/NqVelocityControlData.h>
-#include <nqControlCore/foundation/xml/NqXmlDocument.h>
 
 #include <gtest/gtest.h>
 
 namespace {
 
 using Reals = std::vector<double>;
-
-template <typename Record>
-Record throughXml(const Record& record) {
-    std::string document;
-    Record read;
-    EXPECT_TRUE(NqXmlDocument::writeString(document, record) && NqXmlDocument::readString(document, read));
-    return read;
-}
 
 TEST(NqCoreResult, SplitsRatesAndFindsTheirCoordinates) {
     NqCoreResult result;
@@ -44,7 +36,7 @@ TEST(NqCoreResult, SplitsRatesAndFindsTheirCoordinates) {
     NqCoreResult other = result;
     other.setCoreIsAB(true);
     other.setMatrix(rates);
-    EXPECT_TRUE(other == result && throughXml(other).coreIsAB() && throughXml(other) == result);
+    EXPECT_TRUE(other == result && nqThroughXml(other).coreIsAB() && nqThroughXml(other) == result);
 }
 
 TEST(NqVelocityControlData, KnowsWhetherItsDeterminantWasSet) {
@@ -62,9 +54,9 @@ TEST(NqControlParameters, FillTheTailAndKeepTheThresholdOutOfFiles) {
     parameters.createDefaultFromManipulator(*nqTestModels()[0].manipulator);
     EXPECT_EQ(parameters.velocityLimits(), (Reals{3.0, 1.0}));
     EXPECT_EQ(parameters.accelerationLimits(), (Reals{1e300, 1e300}));
-    EXPECT_TRUE(parameters.decelerationLimits().empty() && throughXml(parameters) == parameters);
+    EXPECT_TRUE(parameters.decelerationLimits().empty() && nqThroughXml(parameters) == parameters);
     parameters.setSingularityProximityThreshold(0.1);
-    EXPECT_FALSE(throughXml(parameters) == parameters);
+    EXPECT_FALSE(nqThroughXml(parameters) == parameters);
 }
 
 TEST(NqMotionSets, StackTheirVectors) {
@@ -76,15 +68,15 @@ TEST(NqMotionSets, StackTheirVectors) {
     EXPECT_EQ(stacked, (Reals{3.0, 1.0, 2.0, 3.0}));
     EXPECT_TRUE(velocity.doc() == 3 && velocity.doc({1, 1}) == 2);
     EXPECT_FALSE(velocity.setGeneralEndEffectorVelocity(2, {}));
-    EXPECT_TRUE(velocity.setGeneralEndEffectorVelocity(1, {}) && throughXml(velocity) == velocity);
+    EXPECT_TRUE(velocity.setGeneralEndEffectorVelocity(1, {}) && nqThroughXml(velocity) == velocity);
 
     NqManipulatorEndEffectorAcceleration acceleration;
     acceleration.setGeneralEndEffectorAccelerations(velocity.generalEndEffectorVelocities());
     EXPECT_TRUE(acceleration.offsetTransformations().size() == 2 && acceleration.doc() == 2);
-    EXPECT_EQ(throughXml(acceleration), acceleration);
+    EXPECT_EQ(nqThroughXml(acceleration), acceleration);
     NqManipulatorEndEffectorForce force;
     force.setGeneralEndEffectorForces(velocity.generalEndEffectorVelocities());
-    EXPECT_EQ(throughXml(force), force);
+    EXPECT_EQ(nqThroughXml(force), force);
     NqSupplementalControlState state;
     state.setPreviousEndEffectorVelocities({velocity});
     EXPECT_FALSE(state == NqSupplementalControlState());

@@ -193,17 +193,8 @@ TEST(CoreVelocityControlTool, MeetsTheVelocityAndDescendsTheGradientInTheRest) {
         EXPECT_TRUE(m == n ? outcome.nullRates == Numbers(n, 0.0) : climb < 0.0) << "n " << n << " m " << m;
 
         const Stacked stacked(problem, tool.nullSpace(), true);
-        NqReArray bRows(n - m, n);
-        Numbers nullGradient;
-        for (unsigned i = m; i < n; ++i) {
-            bRows[i - m] = stacked.rows[i];
-            nullGradient.push_back(-stacked.rightHandSide[i] / problem.alpha);
-        }
-        state.setJacobian(problem.jacobian);
-        for (const Outcome& each : {outcome, problem.solveAB(tool, &state, bRows, nullGradient)}) {
-            EXPECT_LT(residual(stacked.rows, each.rates, stacked.rightHandSide), 1e-11);
-            EXPECT_NEAR(each.determinant / stacked.rows.determinant(), 1.0, 1e-9);
-        }
+        EXPECT_LT(residual(stacked.rows, outcome.rates, stacked.rightHandSide), 1e-11);
+        EXPECT_NEAR(outcome.determinant / stacked.rows.determinant(), 1.0, 1e-9);
     }
 }
 
@@ -213,7 +204,7 @@ TEST(CoreVelocityControlTool, IsTheTextbookToTheLastBit) {
     NqCoreVelocityControlTool tool;
     for (unsigned round = 0; round < 2000; ++round) {
         SCOPED_TRACE(round);
-        const unsigned n = 1 + static_cast<unsigned>(random() % 14),
+        const unsigned n = 1 + static_cast<unsigned>(random() % (round % 10 ? 14 : 40)),
                        m = static_cast<unsigned>(random() % (n + 1));
         Problem problem(random, n, m, round % 3 == 0);
         NqReArray& metric = problem.metric;

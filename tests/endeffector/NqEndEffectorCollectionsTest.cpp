@@ -1,9 +1,9 @@
 #include "support/NqPrintCapture.h"
+#include "support/NqXmlRoundTrip.h"
 
 #include <nqControlCore/endeffector/NqEndEffectorMap.h>
 #include <nqControlCore/endeffector/NqEndEffectorTypes.h>
 #include <nqControlCore/endeffector/NqEndEffectorVector.h>
-#include <nqControlCore/foundation/xml/NqXmlDocument.h>
 
 #include <gtest/gtest.h>
 
@@ -13,10 +13,7 @@ namespace {
 
 using RelativeData = NqEndEffectorRelativeLinkData;
 
-struct RelativeCase {
-    const char* text;
-    RelativeData::RelativeMode mode;
-};
+using RelativeCase = std::pair<const char*, RelativeData::RelativeMode>;
 
 class NqRelativeLinkReading : public testing::TestWithParam<RelativeCase> {};
 
@@ -32,18 +29,17 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_P(NqRelativeLinkReading, GivesTheModeAndForgetsTheFlag) {
     RelativeData data;
-    const std::string text = std::string("<relativeLinkData>") + GetParam().text +
+    const auto& [fields, mode] = GetParam();
+    const std::string text = std::string("<relativeLinkData>") + fields +
                              "<relativeLinkId>wrist</relativeLinkId></relativeLinkData>";
     ASSERT_TRUE(NqXmlDocument::readString(text, data));
-    EXPECT_EQ(data.relativeMode(), GetParam().mode);
+    EXPECT_EQ(data.relativeMode(), mode);
 
     RelativeData same;
-    same.setRelativeMode(GetParam().mode);
+    same.setRelativeMode(mode);
     same.setRelativeLinkID("wrist");
     EXPECT_TRUE(data == same);
-    std::string written;
-    ASSERT_TRUE(NqXmlDocument::writeString(written, data));
-    EXPECT_EQ(written.find("isRelativeLink"), std::string::npos);
+    EXPECT_EQ(nqWritten(data).find("isRelativeLink"), std::string::npos);
     same.setRelativeManipulatorIndex(1);
     EXPECT_FALSE(data == same);
 }
@@ -63,15 +59,8 @@ TEST(NqEndEffectorCollections, HoldReadAndWriteEveryType) {
     EXPECT_EQ(vector.endEffectorFromToken("pointMotionFilter"), nullptr);
     EXPECT_EQ(map.endEffectorFromToken("nothing"), nullptr);
 
-    const auto expectRoundTrip = [](const auto& written) {
-        std::string text;
-        ASSERT_TRUE(NqXmlDocument::writeString(text, written));
-        std::remove_cvref_t<decltype(written)> read;
-        ASSERT_TRUE(NqXmlDocument::readString(text, read));
-        EXPECT_TRUE(read == written);
-    };
-    expectRoundTrip(vector);
-    expectRoundTrip(map);
+    EXPECT_TRUE(nqThroughXml(vector) == vector);
+    EXPECT_TRUE(nqThroughXml(map) == map);
 }
 
 TEST(NqEndEffectorCollections, SetRelativeLinkDataWhereThereIsAnElement) {

@@ -1,19 +1,16 @@
 #pragma once
 
 #include <nqControlCore/endeffector/NqEndEffectorTypes.h>
+#include <nqControlCore/foundation/xml/NqXmlDocument.h>
 
 #include "support/NqTestModels.h"
+
+#include <gtest/gtest.h>
 
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
-
-/// A sample of an end-effector type for the suite EveryEndEffector: how one is set up on a model, with no
-/// persisted field at its default, and what doesn't hold for the type. Each type in NqEndEffectorTypes needs
-/// one.
-template <typename EndEffector>
-struct NqEndEffectorSample;
 
 /// What sets a type apart from the ordinary. A property that doesn't hold is named with its reason.
 struct NqEndEffectorTraits {
@@ -29,155 +26,70 @@ struct NqEndEffectorTraits {
     std::string whyNoRelativeMotion{}; ///< why relative modes play no part, if they don't
 };
 
-template <typename Filter>
-Filter nqScalarFilterSample() {
-    Filter filter;
-    filter.setFilteringMode(NqBaseMotionFilter::Proportional);
-    filter.setExponent(0.5);
-    filter.setThreshold(0.6);
-    filter.setAccelerationThreshold(2.5);
-    filter.setDecelerationThreshold(1.5);
-    return filter;
+inline NqEndEffectorTraits nqTraitsOf(const NqPointEndEffector&) {
+    return {};
+}
+inline NqEndEffectorTraits nqTraitsOf(const NqFrameEndEffector&) {
+    return {.hasAngularRows = true};
+}
+inline NqEndEffectorTraits nqTraitsOf(const NqOrientationEndEffector&) {
+    return {.usesExternalOffset = false,
+            .hasLinearRows = false,
+            .hasAngularRows = true,
+            .whyNoBaseMotion = "the ones stand in the columns of the base's translation"};
+}
+/// What the types that drive a number have in common.
+inline NqEndEffectorTraits nqTraitsOf(const NqEndEffector&) {
+    return {.errorSign = 1.0,
+            .usesExternalOffset = false,
+            .hasLinearRows = false,
+            .whyNoAcceleration = "the acceleration of a number is zero by definition",
+            .whyNoRelativeMotion = "only links that the type names itself count"};
+}
+inline NqEndEffectorTraits nqTraitsOf(const NqPointDistanceEndEffector& distance) {
+    NqEndEffectorTraits traits = nqTraitsOf(static_cast<const NqEndEffector&>(distance));
+    traits.whyNoError = "the error is zero by definition";
+    return traits;
+}
+inline NqEndEffectorTraits nqTraitsOf(const NqAxisRotateEndEffector& axis) {
+    NqEndEffectorTraits traits = nqTraitsOf(static_cast<const NqEndEffector&>(axis));
+    traits.whyNoVelocity = "the velocity takes the z axis of the system for that of the frame";
+    traits.whyNoBaseMotion = "the columns of the base are zero";
+    return traits;
 }
 
-template <>
-struct NqEndEffectorSample<NqPointEndEffector> {
-    static constexpr const char* name = "point";
-    static NqEndEffectorTraits traits() { return {}; }
-    static void setUp(NqPointEndEffector& endEffector, const NqTestModel& model) {
-        endEffector.setLinkIdentifier(model.link);
-        endEffector.setPoint({0.11, -0.07, 0.23});
-        endEffector.setErrorWeight(0.75);
-        auto filter = nqScalarFilterSample<NqPointMotionFilter>();
-        filter.setLinearGain(40.0);
-        endEffector.setPointMotionFilter(filter);
-    }
-};
+/// Puts an end-effector on one link, or on two where it is between them.
+inline void nqAttach(NqEndEffector& endEffector, const std::string& link, const std::string&) {
+    endEffector.setLinkIdentifier(link);
+}
+inline void nqAttach(NqLinearConstraintEndEffector& sum, const std::string& link, const std::string& second) {
+    sum.setLinkLabels({link, second});
+    sum.setIsInteractive(true);
+}
+inline void nqAttach(NqPointDistanceEndEffector& distance, const std::string& link,
+                     const std::string& second) {
+    distance.setLabelOne(second);
+    distance.setLabelTwo(link);
+}
 
-template <>
-struct NqEndEffectorSample<NqFrameEndEffector> {
-    static constexpr const char* name = "frame";
-    static NqEndEffectorTraits traits() { return {.hasAngularRows = true}; }
-    static void setUp(NqFrameEndEffector& endEffector, const NqTestModel& model) {
-        endEffector.setLinkIdentifier(model.link);
-        endEffector.setFrame({NqVector(0.11, -0.07, 0.23), NqOrientation(0.8, {0.3, -0.5, 0.4})});
-        endEffector.setLinearErrorWeight(0.75);
-        endEffector.setAngularErrorWeight(0.3);
-        NqGeneralMotionFilter filter;
-        filter.setFilteringMode(NqBaseMotionFilter::Proportional);
-        filter.setExponent(0.5);
-        filter.setOffset({0.05, -0.1, 0.2});
-        filter.setLinearVelocityThreshold(0.6);
-        filter.setAngularVelocityThreshold(0.7);
-        filter.setLinearAccelerationThreshold(2.5);
-        filter.setAngularAccelerationThreshold(3.5);
-        filter.setLinearDecelerationThreshold(1.5);
-        filter.setAngularDecelerationThreshold(1.75);
-        filter.setLinearGain(40.0);
-        filter.setAngularGain(30.0);
-        endEffector.setMotionFilter(filter);
-    }
-};
-
-template <>
-struct NqEndEffectorSample<NqOrientationEndEffector> {
-    static constexpr const char* name = "orientation";
-    static NqEndEffectorTraits traits() {
-        return {.usesExternalOffset = false,
-                .hasLinearRows = false,
-                .hasAngularRows = true,
-                .whyNoBaseMotion = "the ones stand in the columns of the base's translation"};
-    }
-    static void setUp(NqOrientationEndEffector& endEffector, const NqTestModel& model) {
-        endEffector.setLinkIdentifier(model.link);
-        endEffector.setOrientation({0.8, {0.3, -0.5, 0.4}});
-        endEffector.setErrorWeight(0.75);
-        NqRotationMotionFilter filter;
-        filter.setFilteringMode(NqBaseMotionFilter::Proportional);
-        filter.setExponent(0.5);
-        filter.setAngularVelocityThreshold(0.7);
-        filter.setAngularAccelerationThreshold(3.5);
-        filter.setAngularDecelerationThreshold(1.75);
-        filter.setAngularGain(30.0);
-        endEffector.setMotionFilter(filter);
-    }
-};
-
-/// What the types that drive a number have in common.
-struct NqScalarEndEffectorSample {
-    static NqEndEffectorTraits traits() {
-        return {.errorSign = 1.0,
-                .usesExternalOffset = false,
-                .hasLinearRows = false,
-                .whyNoAcceleration = "the acceleration of a number is zero by definition",
-                .whyNoRelativeMotion = "only links that the type names itself count"};
-    }
-};
-
-template <>
-struct NqEndEffectorSample<NqLinearConstraintEndEffector> : NqScalarEndEffectorSample {
-    static constexpr const char* name = "linearConstraint";
-    static void setUp(NqLinearConstraintEndEffector& endEffector, const NqTestModel& model) {
-        endEffector.setLinkLabels({model.link, model.secondLink});
-        endEffector.setLinkWeights({0.75, -1.25});
-        endEffector.setWeightedSum(0.5);
-        endEffector.setErrorWeight(0.75);
-        auto filter = nqScalarFilterSample<NqScalarMotionFilter>();
-        filter.setGain(40.0);
-        endEffector.setMotionFilter(filter);
-    }
-    static void lose(NqLinearConstraintEndEffector& endEffector) {
-        endEffector.setLinkLabels({std::string("lost"), std::string("also")});
-    }
-};
-
-template <>
-struct NqEndEffectorSample<NqPointDistanceEndEffector> : NqScalarEndEffectorSample {
-    static constexpr const char* name = "pointDistance";
-    static NqEndEffectorTraits traits() {
-        NqEndEffectorTraits traits = NqScalarEndEffectorSample::traits();
-        traits.whyNoError = "the error is zero by definition";
-        return traits;
-    }
-    static void setUp(NqPointDistanceEndEffector& endEffector, const NqTestModel& model) {
-        endEffector.setLabelOne(model.secondLink);
-        endEffector.setLabelTwo(model.link);
-        endEffector.setPointOne({-0.2, 0.15, 0.05});
-        endEffector.setPointTwo({0.11, -0.07, 0.23});
-        endEffector.setErrorWeight(0.75);
-        endEffector.setMotionFilter(nqScalarFilterSample<NqScalarMotionFilter>());
-    }
-    static void lose(NqPointDistanceEndEffector& endEffector) {
-        endEffector.setLabelOne("lost");
-        endEffector.setLabelTwo("lost");
-    }
-};
-
-template <>
-struct NqEndEffectorSample<NqAxisRotateEndEffector> : NqScalarEndEffectorSample {
-    static constexpr const char* name = "axisRotate";
-    static NqEndEffectorTraits traits() {
-        NqEndEffectorTraits traits = NqScalarEndEffectorSample::traits();
-        traits.whyNoVelocity = "the velocity takes the z axis of the system for that of the frame";
-        traits.whyNoBaseMotion = "the columns of the base are zero";
-        return traits;
-    }
-    static void setUp(NqAxisRotateEndEffector& endEffector, const NqTestModel& model) {
-        endEffector.setLinkIdentifier(model.link);
-        endEffector.setOrientation({0.8, {0.3, -0.5, 0.4}});
-        endEffector.setReferenceAxis({0.48, -0.6, 0.64});
-        endEffector.setErrorWeight(0.75);
-        endEffector.setMotionFilter(nqScalarFilterSample<NqScalarMotionFilter>());
-    }
-};
-
-/// A type of end-effector, told apart from the others at run time.
+/// A type of end-effector, told apart from the others at run time. A sample of it has the values of its file
+/// in the folder of golden files, none of which is a default, and sits on the links of a model.
 struct NqEndEffectorKind {
     std::string name;
     NqEndEffectorTraits traits;
-    std::function<std::unique_ptr<NqEndEffector>(const NqTestModel&)> make;
     std::function<std::unique_ptr<NqEndEffector>()> makeDefault;
-    std::function<void(NqEndEffector&)> lose; ///< gives it labels that no model has
+    std::function<void(NqEndEffector&, const std::string& link, const std::string& second)> attach;
+
+    std::string goldenFile() const { return NQ_GOLDEN "/" + name + "EndEffector.xml"; }
+
+    std::unique_ptr<NqEndEffector> make(const NqTestModel& model) const {
+        std::unique_ptr<NqEndEffector> endEffector = makeDefault();
+        EXPECT_TRUE(NqXmlDocument::readFile(goldenFile(), *endEffector));
+        endEffector->setRelativeLinkData({});
+        endEffector->setUseExternalOffset(false);
+        attach(*endEffector, model.link, model.secondLink);
+        return endEffector;
+    }
 };
 
 /// All types that can be made from a file.
@@ -185,25 +97,12 @@ inline const std::vector<NqEndEffectorKind>& nqEndEffectorKinds() {
     static const std::vector<NqEndEffectorKind> theKinds = [] {
         std::vector<NqEndEffectorKind> kinds;
         NqEndEffectorTypes::forEach([&]<typename EndEffector>() {
-            using Sample = NqEndEffectorSample<EndEffector>;
-            const auto make = [](const NqTestModel& model) -> std::unique_ptr<NqEndEffector> {
-                auto endEffector = std::make_unique<EndEffector>();
-                Sample::setUp(*endEffector, model);
-                endEffector->setIsHardConstraint(false);
-                endEffector->setIsEditable(false);
-                endEffector->setExternalOffsetIndex(3);
-                endEffector->setCanBecomeSoft(true);
-                return endEffector;
-            };
-            const auto lose = [](NqEndEffector& endEffector) {
-                if constexpr (requires(EndEffector & own) { Sample::lose(own); }) {
-                    Sample::lose(dynamic_cast<EndEffector&>(endEffector));
-                } else {
-                    endEffector.changeLinkLabel(endEffector.linkIdentifier(), "lost");
-                }
-            };
-            kinds.push_back(
-                {Sample::name, Sample::traits(), make, [] { return std::make_unique<EndEffector>(); }, lose});
+            const std::string token(EndEffector::classToken().localName());
+            kinds.push_back({token.substr(0, token.find("EndEffector")), nqTraitsOf(EndEffector()),
+                             [] { return std::make_unique<EndEffector>(); },
+                             [](NqEndEffector& any, const std::string& link, const std::string& second) {
+                                 nqAttach(dynamic_cast<EndEffector&>(any), link, second);
+                             }});
         });
         return kinds;
     }();

@@ -42,26 +42,27 @@ struct Filters {
     std::array<NqBaseMotionFilter*, 4> all() { return {&point, &scalar, &rotation, &general}; }
 
     void setLimits(const Limits& linear, const Limits& angular) {
-        point.setThreshold(linear.speed);
-        point.setAccelerationThreshold(linear.acceleration);
-        point.setDecelerationThreshold(linear.deceleration);
+        const auto setNumber = [&](auto& filter) {
+            filter.setThreshold(linear.speed);
+            filter.setAccelerationThreshold(linear.acceleration);
+            filter.setDecelerationThreshold(linear.deceleration);
+        };
+        const auto setTurn = [&](auto& filter) {
+            filter.setAngularVelocityThreshold(angular.speed);
+            filter.setAngularAccelerationThreshold(angular.acceleration);
+            filter.setAngularDecelerationThreshold(angular.deceleration);
+            filter.setAngularGain(angular.gain);
+        };
+        setNumber(point);
         point.setLinearGain(linear.gain);
-        scalar.setThreshold(linear.speed);
-        scalar.setAccelerationThreshold(linear.acceleration);
-        scalar.setDecelerationThreshold(linear.deceleration);
+        setNumber(scalar);
         scalar.setGain(linear.gain);
-        rotation.setAngularVelocityThreshold(angular.speed);
-        rotation.setAngularAccelerationThreshold(angular.acceleration);
-        rotation.setAngularDecelerationThreshold(angular.deceleration);
-        rotation.setAngularGain(angular.gain);
+        setTurn(rotation);
+        setTurn(general);
         general.setLinearVelocityThreshold(linear.speed);
         general.setLinearAccelerationThreshold(linear.acceleration);
         general.setLinearDecelerationThreshold(linear.deceleration);
         general.setLinearGain(linear.gain);
-        general.setAngularVelocityThreshold(angular.speed);
-        general.setAngularAccelerationThreshold(angular.acceleration);
-        general.setAngularDecelerationThreshold(angular.deceleration);
-        general.setAngularGain(angular.gain);
     }
 };
 

@@ -1,6 +1,6 @@
-#include <nqControlCore/filter/NqGeneralMotionAccFilter.h>
+#include "filter/NqFilterTesting.h"
 
-#include <gtest/gtest.h>
+#include <nqControlCore/filter/NqGeneralMotionAccFilter.h>
 
 #include <cmath>
 #include <numbers>
@@ -9,13 +9,6 @@ namespace {
 
 using Filter = NqGeneralMotionAccFilter;
 using Pose = NqCoordinateSystemTransformation;
-
-const Pose kActual({0.3, -0.2, 0.5}, NqOrientation(0.7, {0.2, -0.5, 0.4}));
-
-void expectNear(const NqVector& actual, const NqVector& expected) {
-    EXPECT_NEAR((actual - expected).mag(), 0.0, 1e-12)
-        << actual.x() << ' ' << actual.y() << ' ' << actual.z();
-}
 
 /// The acceleration for a relative placement, in the actual frame.
 NqGeneralMotion accelerationFor(const Filter& filter, const Pose& relative, double step = 1e-3,

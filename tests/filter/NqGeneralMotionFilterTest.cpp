@@ -1,7 +1,7 @@
-#include <nqControlCore/filter/NqGeneralMotionFilter.h>
-#include <nqControlCore/foundation/xml/NqXmlDocument.h>
+#include "filter/NqFilterTesting.h"
+#include "support/NqXmlRoundTrip.h"
 
-#include <gtest/gtest.h>
+#include <nqControlCore/filter/NqGeneralMotionFilter.h>
 
 #include <cmath>
 
@@ -10,13 +10,7 @@ namespace {
 using Filter = NqGeneralMotionFilter;
 using Pose = NqCoordinateSystemTransformation;
 
-const Pose kActual({0.3, -0.2, 0.5}, NqOrientation(0.7, {0.2, -0.5, 0.4}));
 const NqVector kOffset(0.4, -0.3, 0.2);
-
-void expectNear(const NqVector& actual, const NqVector& expected, double tolerance = 1e-12) {
-    EXPECT_NEAR((actual - expected).mag(), 0.0, tolerance)
-        << actual.x() << ' ' << actual.y() << ' ' << actual.z();
-}
 
 NqGeneralMotion motionFor(const Filter& filter, const Pose& actual, const Pose& desired, double step,
                           const NqGeneralMotion& desiredVelocity = {}, const NqGeneralMotion& previous = {},
@@ -141,8 +135,7 @@ TEST(NqGeneralMotionFilter, KeepsOldFieldsWithoutWritingThem) {
         "<angularWeight>0.25</angularWeight><threshold>7</threshold></generalMotionFilter>",
         filter));
     EXPECT_TRUE(filter.angularWeight() == 0.25 && filter.threshold() == 7.0 && filter.linearGain() == 30.0);
-    std::string document;
-    ASSERT_TRUE(NqXmlDocument::writeString(document, filter));
+    const std::string document = nqWritten(filter);
     EXPECT_EQ(document.find("angularWeight"), std::string::npos);
     EXPECT_EQ(document.find("<threshold>"), std::string::npos);
     Filter other = filter;

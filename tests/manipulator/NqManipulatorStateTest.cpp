@@ -1,8 +1,6 @@
-#include <manipulator/NqTestManipulators.h>
 #include <support/NqPrintCapture.h>
 #include <support/NqTestModels.h>
-
-#include <nqControlCore/foundation/xml/NqXmlDocument.h>
+#include <support/NqXmlRoundTrip.h>
 
 namespace {
 
@@ -125,10 +123,7 @@ TEST_F(ManipulatorState, MissingJointsCountAsZero) {
 }
 
 TEST_F(ManipulatorState, XmlKeepsStates) {
-    std::string document;
-    NqVelocityState velocity;
-    ASSERT_TRUE(NqXmlDocument::writeString(document, m_Velocity));
-    EXPECT_TRUE(NqXmlDocument::readString(document, velocity));
+    NqVelocityState velocity = nqThroughXml(m_Velocity);
     EXPECT_EQ(velocity, m_Velocity);
     velocity.setBaseMotion(NqGeneralMotion());
     EXPECT_NE(velocity, m_Velocity);

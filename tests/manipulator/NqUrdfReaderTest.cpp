@@ -1,5 +1,9 @@
-#include <manipulator/NqTestManipulators.h>
 #include <support/NqPrintCapture.h>
+
+#include <nqControlCore/foundation/manipulator/NqIndividualManipulator.h>
+#include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
+
+#include <gtest/gtest.h>
 
 #include <cstdio>
 #include <fstream>
@@ -69,10 +73,6 @@ struct BadDescription {
     const char* name;
     std::string text;
     std::string complaint;
-
-    friend void PrintTo(const BadDescription& description, std::ostream* stream) {
-        *stream << description.name;
-    }
 };
 
 class UrdfReaderRefuses : public testing::TestWithParam<BadDescription> {};

@@ -176,16 +176,18 @@ private:
 
 TEST(NqAllocationTest, EveryWayToMemoryIsSeen) {
     void* volatile block = nullptr; // what is volatile is not optimised away
-    EXPECT_EQ(allocationsOf([&] { block = std::malloc(8); }), 1u);
-    EXPECT_EQ(allocationsOf([&] { block = std::realloc(block, 4096); }), 1u);
-    std::free(block);
-    EXPECT_EQ(allocationsOf([&] { block = std::calloc(2, 8); }), 1u);
-    std::free(block);
-    EXPECT_EQ(allocationsOf([&] { block = std::aligned_alloc(64, 64); }), 1u);
-    std::free(block);
-    void* aligned = nullptr;
-    EXPECT_EQ(allocationsOf([&] { EXPECT_EQ(posix_memalign(&aligned, 64, 64), 0); }), 1u);
-    std::free(aligned);
+    const auto expectSeen = [&](auto allocate) {
+        EXPECT_EQ(allocationsOf([&] { block = allocate(); }), 1u);
+        std::free(block);
+    };
+    expectSeen([] { return std::malloc(8); });
+    expectSeen([] { return std::realloc(nullptr, 4096); });
+    expectSeen([] { return std::calloc(2, 8); });
+    expectSeen([] { return std::aligned_alloc(64, 64); });
+    expectSeen([] {
+        void* aligned = nullptr;
+        return posix_memalign(&aligned, 64, 64) == 0 ? aligned : nullptr;
+    });
     EXPECT_EQ(allocationsOf([&] { block = ::operator new(8); }), 1u);
     ::operator delete(block);
 }

@@ -2,66 +2,35 @@
 
 #include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
 
+#include <gtest/gtest.h>
+
 namespace {
 
-using Joint = NqJointDescription;
-
-NqCoordinateSystemTransformation frame(const NqVector& translation, double angle = 0.0,
-                                       const NqVector& axis = NqVector::xVector(1.0)) {
-    return {translation, NqOrientation(angle, axis)};
-}
-
-std::shared_ptr<NqIndividualManipulator> fromFile(const std::string& fileName) {
-    auto manipulator = std::make_shared<NqIndividualManipulator>();
-    if (!NqUrdfReader::readFile(NQ_MODELS "/" + fileName, *manipulator)) {
-        std::abort();
-    }
-    return manipulator;
-}
-
 std::shared_ptr<NqIndividualManipulator> planarArm() {
+    const NqJointDescription revolute(NqJointDescription::Revolute);
     auto arm = std::make_shared<NqIndividualManipulator>("planar", "base");
-    arm->addLink("base", "upper", Joint(Joint::Revolute), frame({0.0, 0.0, 0.1}));
-    arm->addLink("upper", "lower", Joint(Joint::Revolute), frame({0.5, 0.0, 0.0}));
-    arm->addLink("lower", "hand", Joint(Joint::Fixed), frame({0.4, 0.0, 0.0}, 0.3));
+    arm->addLink("base", "upper", revolute, NqVector(0.0, 0.0, 0.1));
+    arm->addLink("upper", "lower", revolute, NqVector(0.5, 0.0, 0.0));
+    arm->addLink("lower", "hand", NqJointDescription(),
+                 {NqVector(0.4, 0.0, 0.0), NqOrientation(0.3, NqVector::xVector(1.0))});
     return arm;
-}
-
-std::shared_ptr<NqIndividualManipulator> gantry() {
-    auto gantry = std::make_shared<NqIndividualManipulator>("gantry", "floor");
-    gantry->addLink("floor", "bridge", Joint(Joint::Prismatic), frame({0.0, 0.2, 1.0}, 0.4), {1.0, 0.0, 0.0});
-    gantry->addLink("bridge", "trolley", Joint(Joint::Prismatic),
-                    frame({0.1, 0.0, 0.0}, -0.7, {0.0, 1.0, 1.0}), {0.0, 1.0, 0.2});
-    gantry->addLink("trolley", "mast", Joint(Joint::Prismatic), frame({0.0, 0.0, -0.3}), {0.0, 0.0, -1.0});
-    gantry->addLink("mast", "wrist", Joint(Joint::Revolute), frame({0.0, 0.05, -0.2}, 1.1), {0.3, -0.5, 0.8});
-    gantry->addLink("wrist", "tool", Joint(Joint::Revolute), frame({0.05, 0.0, -0.1}), {1.0, 0.0, 0.0});
-    return gantry;
-}
-
-std::shared_ptr<NqIndividualManipulator> tree() {
-    auto body = std::make_shared<NqIndividualManipulator>("tree", "pelvis");
-    body->addLink("pelvis", "torso", Joint(Joint::Revolute), frame({0.0, 0.0, 0.3}, 0.2));
-    body->addLink("torso", "chest", Joint(Joint::Revolute), frame({0.0, 0.0, 0.2}), {0.0, 1.0, 0.0});
-    for (const auto& [side, y] : {std::pair("left", 0.2), std::pair("right", -0.2)}) {
-        const std::string name = side;
-        body->addLink("chest", name + "Shoulder", Joint(Joint::Revolute), frame({0.0, y, 0.2}, y),
-                      {1.0, 0.2, 0.0});
-        body->addLink(name + "Shoulder", name + "Upper", Joint(Joint::Revolute), frame({0.0, y, 0.0}, 0.3),
-                      {0.0, 0.0, 1.0});
-        body->addLink(name + "Upper", name + "Lower", Joint(Joint::Revolute), frame({0.3, 0.0, 0.05}),
-                      {0.0, 1.0, 0.1});
-        body->addLink(name + "Lower", name + "Hand", Joint(Joint::Fixed), frame({0.25, 0.0, 0.0}, 0.6));
-    }
-    return body;
 }
 
 } // namespace
 
+NqIndividualManipulator nqTestManipulator(const std::string& name) {
+    NqIndividualManipulator manipulator;
+    const std::string folder = name == "branched" ? NQ_TEST_MODELS : NQ_MODELS;
+    EXPECT_TRUE(NqUrdfReader::readFile(folder + "/" + name + ".urdf", manipulator));
+    return manipulator;
+}
+
 const std::vector<NqTestModel>& nqTestModels() {
     static const std::vector<NqTestModel> theModels = [] {
-        const auto body = tree();
-        const auto arm6 = fromFile("arm6.urdf");
-        const auto arm7 = fromFile("arm7.urdf");
+        const auto shared = [](const char* name) {
+            return std::make_shared<NqIndividualManipulator>(nqTestManipulator(name));
+        };
+        const auto arm6 = shared("arm6"), arm7 = shared("arm7"), tree = shared("branched");
         const auto labelOf = [](const NqIndividualManipulator& arm, unsigned joint) {
             return arm.linkByIndex(joint)->linkLabel();
         };
@@ -69,9 +38,8 @@ const std::vector<NqTestModel>& nqTestModels() {
             {"planar", planarArm(), "hand", "upper", "upper"},
             {"arm6", arm6, labelOf(*arm6, 5), labelOf(*arm6, 2), labelOf(*arm6, 1)},
             {"arm7", arm7, labelOf(*arm7, 6), labelOf(*arm7, 3), labelOf(*arm7, 2)},
-            {"gantry", gantry(), "tool", "trolley", "mast"},
-            {"tree", body, "leftHand", "rightUpper", "rightHand"},
-            {"freeTree", body, "leftHand", "rightUpper", "rightHand", true},
+            {"tree", tree, "left_slide", "right_tip", "right"},
+            {"freeTree", tree, "left_slide", "right_tip", "right", true},
         };
     }();
     return theModels;

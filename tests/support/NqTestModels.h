@@ -18,8 +18,11 @@ struct NqTestModel {
     bool movesBase = false;   ///< whether the base has a pose and moves
 };
 
-/// A planar arm of 2 joints, arms of 6 and of 7 joints, a gantry of prismatic joints with a wrist, a branched
-/// tree, and the same tree with a free base.
+/// The manipulator of a description: the tests' own "branched", or one of the project's models.
+NqIndividualManipulator nqTestManipulator(const std::string& name);
+
+/// A planar arm of 2 joints, arms of 6 and of 7 joints, the tree "branched" with its oblique and prismatic
+/// axes, and the same tree with a free base.
 const std::vector<NqTestModel>& nqTestModels();
 
 /// A state with everything drawn at random: joints, rates, accelerations and, for a model that moves its

@@ -17,15 +17,6 @@ struct ReadingCase {
     const char* message;
 };
 
-void PrintTo(const ReadingCase& readingCase, std::ostream* stream) {
-    *stream << readingCase.name;
-}
-
-template <typename Object>
-std::shared_ptr<NqXmlObject> made(const Object& object) {
-    return std::make_shared<Object>(object);
-}
-
 std::shared_ptr<NqXmlObject> shapes(std::initializer_list<double> sides) {
     const auto vector = std::make_shared<NqTestShapeVector>();
     for (const double side : sides) {

@@ -1,7 +1,6 @@
 #include "NqXmlTestClasses.h"
 #include "support/NqPrintCapture.h"
-
-#include <nqControlCore/foundation/xml/NqXmlDocument.h>
+#include "support/NqXmlRoundTrip.h"
 
 #include <gtest/gtest.h>
 
@@ -23,8 +22,7 @@ TEST(NqXmlCompoundType, ReadsInAnyOrderAndPassesByStrangers) {
     EXPECT_EQ(print.text(),
               "NqXmlReader: element \"unheard\" is not known here and is skipped -- file: in.xml, line: 3\n");
 
-    std::string document;
-    ASSERT_TRUE(NqXmlDocument::writeString(document, square));
+    const std::string document = nqWritten(square);
     EXPECT_EQ(document.find("position"), std::string::npos); // read-only
     EXPECT_EQ(document.find("offset"), std::string::npos);   // legacy
     NqTestSquare read;

@@ -1,13 +1,13 @@
 #include "NqXmlTestClasses.h"
 #include "support/NqPrintCapture.h"
 #include "support/NqSchemaValidator.h"
+#include "support/NqXmlRoundTrip.h"
 
 #include <nqControlCore/filter/NqGeneralMotionAccFilter.h>
 #include <nqControlCore/filter/NqGeneralMotionFilter.h>
 #include <nqControlCore/filter/NqPointMotionFilter.h>
 #include <nqControlCore/filter/NqRotationMotionFilter.h>
 #include <nqControlCore/filter/NqScalarMotionFilter.h>
-#include <nqControlCore/foundation/xml/NqXmlDocument.h>
 
 #include <gtest/gtest.h>
 
@@ -29,10 +29,6 @@ struct ObjectCase {
     std::shared_ptr<NqXmlObject> object;
     std::string text; ///< of the document, without declaration and line breaks
 };
-
-void PrintTo(const ObjectCase& objectCase, std::ostream* stream) {
-    *stream << objectCase.name;
-}
 
 NqTestMap sampleMap() {
     NqTestMap map;
@@ -69,11 +65,6 @@ NqCoordinateSystemTransformation samplePose() {
     NqOrientation orientation;
     orientation.setFromQuaternion(0.5, -0.5, 0.1, 0.7);
     return {NqVector(0.1, 1e-300, -3.0), orientation};
-}
-
-template <typename Object>
-std::shared_ptr<NqXmlObject> made(const Object& object) {
-    return std::make_shared<Object>(object);
 }
 
 #define NQ_CT "xmlns=\"http://nq.example/namespace/ct#\""
@@ -166,15 +157,9 @@ INSTANTIATE_TEST_SUITE_P(
                                   {"angularGain", &Acceleration::setAngularGain}})),
     [](const auto& which) { return which.param.name; });
 
-std::string written(const NqXmlObject& object) {
-    std::string document;
-    EXPECT_TRUE(NqXmlDocument::writeString(document, object));
-    return document;
-}
-
 TEST_P(NqXmlEveryObject, HasItsFormAndReadsBack) {
     NqPrintCapture print;
-    const std::string document = written(*GetParam().object);
+    const std::string document = nqWritten(*GetParam().object);
     std::string lines = document.substr(document.find('\n'));
     for (std::size_t at = 0; (at = lines.find('\n', at)) != std::string::npos;) {
         lines.erase(at, lines.find_first_not_of(" \n", at) - at);
@@ -184,20 +169,20 @@ TEST_P(NqXmlEveryObject, HasItsFormAndReadsBack) {
     const std::unique_ptr<NqXmlObject> read(GetParam().object->newObject());
     ASSERT_TRUE(NqXmlDocument::readString(document, *read));
     EXPECT_TRUE(read->equality(GetParam().object.get()));
-    EXPECT_EQ(written(*read), document);
+    EXPECT_EQ(nqWritten(*read), document);
     ASSERT_TRUE(NqXmlDocument::readString(document, *read)); // what was there goes
     EXPECT_TRUE(read->equality(GetParam().object.get()));
 
     const std::unique_ptr<NqXmlObject> copy(GetParam().object->clone());
     EXPECT_TRUE(copy->equality(GetParam().object.get()));
-    EXPECT_EQ(written(*copy), document);
+    EXPECT_EQ(nqWritten(*copy), document);
     const std::string name = GetParam().name;
     EXPECT_EQ(copy->equalsDefault(), name == "EmptyTexts" || name == "Holder");
 }
 
 TEST_P(NqXmlEveryObject, ReadsAsFarAsADocumentGoes) {
     NqPrintCapture print;
-    const std::string document = written(*GetParam().object);
+    const std::string document = nqWritten(*GetParam().object);
     const std::size_t end = document.find_last_of('>') + 1;
     for (std::size_t length = 0; length < end; ++length) {
         print.clear();
@@ -210,7 +195,7 @@ TEST_P(NqXmlEveryObject, ReadsAsFarAsADocumentGoes) {
 TEST_P(NqXmlEveryObject, MatchesItsSchema) {
     const NqSchemaValidator schema(*GetParam().object, GetParam().name);
     ASSERT_TRUE(schema.isGood());
-    const std::string document = written(*GetParam().object);
+    const std::string document = nqWritten(*GetParam().object);
     EXPECT_TRUE(schema.accepts(document));
     std::string other = document;
     other.insert(other.rfind("</") == std::string::npos ? other.rfind("/>") : other.rfind("</"),

@@ -61,10 +61,6 @@ struct HostileCase {
     unsigned line;
 };
 
-void PrintTo(const HostileCase& hostileCase, std::ostream* stream) {
-    *stream << hostileCase.name;
-}
-
 class NqXmlHostileDocument : public testing::TestWithParam<HostileCase> {};
 
 std::string manyAttributes() {

@@ -8,11 +8,18 @@
 #include <nqControlCore/xml/NqXmlVariableMapType.h>
 #include <nqControlCore/xml/NqXmlVariableVectorType.h>
 
+#include <memory>
+
 using NqTestText = NqXmlBasicType<std::string>;
 using NqTestTexts = NqXmlVectorType<NqTestText>;
 using NqTestReals = NqXmlVectorType<NqXmlBasicType<double>>;
 using NqTestMap = NqXmlMapType<NqXmlBasicType<unsigned short>, NqXmlBasicType<double>>;
 using NqTestSet = NqXmlSetType<NqTestText>;
+
+template <typename Object>
+std::shared_ptr<NqXmlObject> made(const Object& object) {
+    return std::make_shared<Object>(object);
+}
 
 /// Persistent classes to try the framework with: an abstract one, two below it, and what holds them.
 class NqTestShape : public NqXmlPersistentBase<NqTestShape, NqXmlCompoundType> {

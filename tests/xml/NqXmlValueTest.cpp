@@ -1,8 +1,9 @@
 #include "NqXmlTestClasses.h"
+#include "matrix/NqArrayTesting.h"
 #include "support/NqPrintCapture.h"
+#include "support/NqXmlRoundTrip.h"
 
 #include <nqControlCore/foundation/text/NqTextConversion.h>
-#include <nqControlCore/foundation/xml/NqXmlDocument.h>
 
 #include <gtest/gtest.h>
 
@@ -12,16 +13,6 @@
 #include <sstream>
 
 namespace {
-
-/// `object` with what is written of another, to which it needn't be equal.
-template <typename Object>
-Object passedThroughXml(const Object& object) {
-    std::string document;
-    EXPECT_TRUE(NqXmlDocument::writeString(document, object));
-    Object read;
-    EXPECT_TRUE(NqXmlDocument::readString(document, read)) << document;
-    return read;
-}
 
 TEST(NqXmlValue, RealsKeepTheirBits) {
     using Limits = std::numeric_limits<double>;
@@ -42,31 +33,28 @@ TEST(NqXmlValue, RealsKeepTheirBits) {
     for (const double real : reals) {
         single.pushBack(real);
     }
-    const NqXmlRealVector list = passedThroughXml(reals);
-    const NqTestReals entries = passedThroughXml(single);
-    ASSERT_EQ(list.size(), reals.size());
+    const NqXmlRealVector list = nqThroughXml(reals);
+    const NqTestReals entries = nqThroughXml(single);
     ASSERT_EQ(entries.size(), reals.size());
-    for (std::size_t i = 0; i < reals.size(); ++i) {
-        EXPECT_EQ(std::bit_cast<std::uint64_t>(list[i]), std::bit_cast<std::uint64_t>(reals[i]));
-        EXPECT_EQ(std::bit_cast<std::uint64_t>(entries[i].value()), std::bit_cast<std::uint64_t>(reals[i]));
-    }
+    EXPECT_TRUE(nqSameBits(list.values(), reals.values()));
+    EXPECT_TRUE(nqSameBits({entries.begin(), entries.end()}, reals.values()));
     const std::string zeros(400, '0');
     EXPECT_EQ(NqSTRING2DOUBLE("-0.0001e400"), -Limits::infinity());
     EXPECT_EQ(NqSTRING2DOUBLE("1" + zeros + "e-10"), Limits::infinity());
     EXPECT_EQ(NqSTRING2DOUBLE("0." + zeros + "1e10"), 0.0);
-    EXPECT_TRUE(std::isnan(passedThroughXml(NqXmlBasicType<double>(Limits::quiet_NaN())).value()));
+    EXPECT_TRUE(std::isnan(nqThroughXml(NqXmlBasicType<double>(Limits::quiet_NaN())).value()));
 }
 
 TEST(NqXmlValue, TextsComeBackFromElementsAttributesAndKeys) {
     for (const char* text :
          {"", " ", "  two  blanks  ", "<a href=\"x\">&amp;</a>", "it's", "line\nbreak", "\r\n\t", "]]>",
           "gr\xC3\xBC\xC3\x9F \xE2\x9C\x93 \xF0\x9F\xA6\xBE", "<!DOCTYPE x [", "&#65;"}) {
-        EXPECT_EQ(passedThroughXml(NqTestTexts{text})[0], text);
+        EXPECT_EQ(nqThroughXml(NqTestTexts{text})[0], text);
         NqTestShapeMap map;
         NqTestSquare square;
         square.m_Name = text;
         map.add(text, square);
-        EXPECT_EQ(passedThroughXml(map), map) << text;
+        EXPECT_EQ(nqThroughXml(map), map) << text;
     }
 }
 

@@ -216,4 +216,20 @@ TEST_F(NqPlanarHand, EditableWordsAndFlagsAreReadLeniently) {
     EXPECT_EQ(fresh.point(), NqVector(0.5, 0.0, 0.0));
 }
 
+TEST_F(NqPlanarHand, SettersReachTheirValues) {
+    frame.setLinearErrorWeight(0.75);
+    frame.setAngularErrorWeight(0.25);
+    point.setErrorWeight(0.5);
+    NqReArray weights;
+    frame.insertErrorWeightComponent(0, weights);
+    point.insertErrorWeightComponent(6, weights);
+    EXPECT_TRUE(weights[2][0] == 0.75 && weights[3][0] == 0.25 && weights[6][0] == 0.5);
+    point.setIsHardConstraint(false);
+    point.setIsEditable(false);
+    point.setExternalOffsetIndex(3);
+    point.setCanBecomeSoft(true);
+    EXPECT_TRUE(!point.isHardConstraint() && !point.isEditable() && point.canBecomeSoft());
+    EXPECT_EQ(point.externalOffsetIndex(), 3u);
+}
+
 } // namespace

@@ -39,7 +39,7 @@ inline NqEndEffectorTraits nqTraitsOf(const NqOrientationEndEffector&) {
             .whyNoBaseMotion = "the ones stand in the columns of the base's translation"};
 }
 /// What the types that drive a number have in common.
-inline NqEndEffectorTraits nqTraitsOf(const NqEndEffector&) {
+inline NqEndEffectorTraits nqTraitsOf(const NqScalarBasedEndEffector&) {
     return {.errorSign = 1.0,
             .usesExternalOffset = false,
             .hasLinearRows = false,
@@ -47,12 +47,12 @@ inline NqEndEffectorTraits nqTraitsOf(const NqEndEffector&) {
             .whyNoRelativeMotion = "only links that the type names itself count"};
 }
 inline NqEndEffectorTraits nqTraitsOf(const NqPointDistanceEndEffector& distance) {
-    NqEndEffectorTraits traits = nqTraitsOf(static_cast<const NqEndEffector&>(distance));
+    NqEndEffectorTraits traits = nqTraitsOf(static_cast<const NqScalarBasedEndEffector&>(distance));
     traits.whyNoError = "the error is zero by definition";
     return traits;
 }
 inline NqEndEffectorTraits nqTraitsOf(const NqAxisRotateEndEffector& axis) {
-    NqEndEffectorTraits traits = nqTraitsOf(static_cast<const NqEndEffector&>(axis));
+    NqEndEffectorTraits traits = nqTraitsOf(static_cast<const NqScalarBasedEndEffector&>(axis));
     traits.whyNoVelocity = "the velocity takes the z axis of the system for that of the frame";
     traits.whyNoBaseMotion = "the columns of the base are zero";
     return traits;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <nqControlCore/endeffector/NqEditableEndEffector.h>
-#include <nqControlCore/endeffector/NqScalarBasedEndEffector.h>
+#include <nqControlCore/endeffector/NqNumberEndEffector.h>
 #include <nqControlCore/foundation/xml/NqXmlOrientation.h>
 #include <nqControlCore/foundation/xml/NqXmlVector.h>
 
@@ -16,37 +16,19 @@
 /// relative link, which carries r. It is not finite where r and z are parallel. An external offset plays no
 /// part, and the columns of a free base stay zero.
 class NqAxisRotateEndEffector
-    : public NqConcreteEndEffector<NqAxisRotateEndEffector, NqScalarBasedEndEffector,
+    : public NqConcreteEndEffector<NqAxisRotateEndEffector, NqNumberEndEffector<NqAxisRotateEndEffector>,
                                    NqEditableLength::AtLeast> {
 public:
-    static const NqToken& classToken();
-
-    NqAxisRotateEndEffector();
-
+    static const NqToken& classToken() { return NqControlCore::NqAxisRotateEndEffectorToken; }
+    static constexpr const char* theTooltip = "The endeffector with respect to an axis.";
     static const NqEditableValueTable<NqAxisRotateEndEffector>& editableTable();
 
-    unsigned doc() const override { return 1; }
-
-    void insertJacobianComponent(const NqIndividualManipulator& manipulator, unsigned row,
-                                 const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
-                                 NqManipulatorActiveState& state, NqReArray& jacobian) const override;
-    void insertSparsityComponent(const NqIndividualManipulator& manipulator, unsigned row,
-                                 const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
-                                 SparsityDescription& sparsity) const override;
-    void insertErrorWeightComponent(unsigned row, NqReArray& weights) const override;
+    void insertRows(const NqRowRequest& request, NqManipulatorActiveState& state, NqReArray& jacobian) const;
+    void insertBits(const NqRowRequest& request, SparsityDescription& sparsity) const;
 
     /// A link that is not found leaves the placement.
     void calculatePlacement(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
                             NqEndEffectorPlacement& placement) const override;
-
-    /// By the formula of the class, but with the z axis of the system for z: a NaN where the reference axis
-    /// is that axis, as it is by default outside internal relative mode.
-    void calculateVelocity(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
-                           NqXmlRealVector& velocity, unsigned start) const override;
-
-    /// Zero.
-    void calculateAcceleration(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
-                               NqXmlRealVector& acceleration, unsigned start) const override;
 
     /// Velocities of fewer than doc() entries are refused with a message, `filtered` as it was.
     void filterEndEffectorVelocity(const NqXmlRealVector& desiredVelocity,
@@ -57,7 +39,6 @@ public:
                                    const NqXmlRealVector& desiredVelocity,
                                    const NqXmlRealVector& previousVelocity, double timeStep,
                                    NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
-    double minimumTime(const NqEndEffectorPlacement& from, const NqEndEffectorPlacement& to) const override;
 
     /// Present minus desired number.
     void calculateEndEffectorError(const NqIndividualManipulator& manipulator,
@@ -75,6 +56,13 @@ public:
 
     virtual double errorWeight() const { return m_ErrorWeight; }
     virtual void setErrorWeight(double weight) { m_ErrorWeight = weight; }
+
+    NqDrivenNumber drivenNumber(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
+                                const NqEndEffectorPlacement& desiredPlacement) const;
+
+    /// By the formula of the class, but with the z axis of the system for z: a NaN where the reference axis
+    /// is that axis, as it is by default outside internal relative mode.
+    double rate(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state) const;
 
 private:
     friend struct NqXmlComponentAccess;
@@ -96,7 +84,7 @@ private:
                         NqManipulatorActiveState& state) const;
 
     /// Rate of the number for an angular velocity w of the frame.
-    static double rate(const Reference& reference, const NqVector& z, const NqVector& w);
+    static double numberRate(const Reference& reference, const NqVector& z, const NqVector& w);
 
     bool hasEntries(const NqXmlRealVector& desiredVelocity, const NqXmlRealVector& previousVelocity) const;
 

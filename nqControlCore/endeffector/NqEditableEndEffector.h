@@ -1,5 +1,6 @@
 #pragma once
 
+#include <nqControlCore/endeffector/NqEditableValueTable.h>
 #include <nqControlCore/endeffector/NqEndEffector.h>
 
 /// How long a list of editable values must be to be applied.
@@ -11,20 +12,17 @@ template <typename Derived, typename Base, NqEditableLength Length = NqEditableL
 class NqEditableEndEffector : public Base {
 public:
     const NqLabelVector& editableValues() const override {
-        return this->printedValues(Derived::editableTable(), self());
+        Derived::editableTable().print(static_cast<const Derived&>(*this), this->editableValueCache());
+        return this->editableValueCache();
     }
 
     using Base::setEditableValues;
     void setEditableValues(const NqLabelVector& values) override {
-        const unsigned expected = this->numEditableValues();
+        const unsigned expected = Derived::editableTable().size();
         if (values.size() == expected || (Length == NqEditableLength::AtLeast && values.size() > expected)) {
-            this->parseValues(Derived::editableTable(), values, self());
+            Derived::editableTable().parse(values, static_cast<Derived&>(*this));
         }
     }
-
-private:
-    Derived& self() { return static_cast<Derived&>(*this); }
-    const Derived& self() const { return static_cast<const Derived&>(*this); }
 };
 
 /// The base of a concrete end-effector class: the frame of a persistent class, and its editable values.

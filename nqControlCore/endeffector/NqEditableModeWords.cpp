@@ -12,23 +12,24 @@ bool isOneOf(const std::string& word, Spellings... spellings) {
 
 } // namespace
 
-std::string NqEditableModeWords::print(const NqBaseMotionFilter& filter) {
+std::string NqEditableModeWords::print(const NqBaseMotionFilter& filter, Set words) {
     switch (filter.filteringMode()) {
     case NqBaseMotionFilter::Proportional:
         return "proportional";
     case NqBaseMotionFilter::Trapezoidal:
         return "trapezoidal";
     default:
-        return "threeHalves";
+        return words == Set::Three ? "threeHalves" : "trapezoidal";
     }
 }
 
-void NqEditableModeWords::apply(const std::string& word, NqBaseMotionFilter& filter) {
+void NqEditableModeWords::apply(const std::string& word, NqBaseMotionFilter& filter, Set words) {
     if (isOneOf(word, "proportional", "Proportional", "PROPORTIONAL")) {
         filter.setFilteringMode(NqBaseMotionFilter::Proportional);
     } else if (isOneOf(word, "trapezoidal", "Trapezoidal", "TRAPEZOIDAL")) {
         filter.setFilteringMode(NqBaseMotionFilter::Trapezoidal);
-    } else if (isOneOf(word, "threeHalves", "threehalves", "ThreeHalves", "THREEHALVES")) {
+    } else if (words == Set::Three &&
+               isOneOf(word, "threeHalves", "threehalves", "ThreeHalves", "THREEHALVES")) {
         filter.setFilteringMode(NqBaseMotionFilter::ThreeHalves);
     }
 }

@@ -1,7 +1,9 @@
 #include <nqControlCore/endeffector/NqEndEffector.h>
 
-#include <nqControlCore/foundation/math/NqMath.h>
-#include <nqControlCore/foundation/text/NqPrint.h>
+#include <nqControlCore/endeffector/NqLinkMotion.h>
+#include <nqControlCore/endeffector/NqRowRequest.h>
+#include <nqControlCore/endeffector/NqSparsityBits.h>
+#include <nqControlCore/foundation/matrix/NqReArray.h>
 
 #include <algorithm>
 
@@ -76,7 +78,7 @@ bool NqEndEffector::convertPlacement(const NqIndividualManipulator& manipulator,
         out = in;
         return true;
     }
-    const NqManipulatorLink* link = linkOrMessage(manipulator, relative.relativeLinkID(), message);
+    const auto* link = NqLinkLookup::linkOrMessage(manipulator, relative.relativeLinkID(), message);
     if (!link) {
         return false;
     }
@@ -132,115 +134,10 @@ void NqEndEffector::getFrameMotion(const NqManipulatorLink& jointLink, const NqM
 
 NqVector NqEndEffector::pointPosition(const NqManipulatorLink& link, const NqVector& point,
                                       NqManipulatorActivePositionState& state) const {
-    return link.primaryFrameInSystem(state) * point;
+    return NqLinkMotion::position(link, point, state);
 }
 
-const NqManipulatorLink* NqEndEffector::linkOrMessage(const NqIndividualManipulator& manipulator,
-                                                      const std::string& label, const char* message) {
-    const NqManipulatorLink* link = manipulator.linkByLabel(label);
-    if (!link) {
-        Nq::Print::instance().write(Nq::PrintFailure, message, label);
-    }
-    return link;
-}
-
-void NqEndEffector::clearBits(const NqIndividualManipulator& manipulator, unsigned row, bool fixedBase,
-                              SparsityDescription& sparsity) const {
-    const std::size_t width = jacobianWidth(manipulator, fixedBase);
-    rightSizeSparsityDescriptionMatrix(row, static_cast<unsigned>(width), sparsity);
-    const unsigned end = row + doc();
-    for (unsigned i = row; i < end; ++i) {
-        // Rows that right-sizing left as they were may be narrower.
-        sparsity[i].resize(std::max(sparsity[i].size(), width));
-    }
-}
-
-void NqEndEffector::insertChainBits(const NqManipulatorLink* link, unsigned row,
-                                    SparsityDescription& sparsity) const {
-    if (!link) {
-        return;
-    }
-    const unsigned end = row + doc();
-    link->forEachCarryingJoint([&](unsigned column) {
-        for (unsigned i = row; i < end; ++i) {
-            sparsity[i][column] = true;
-        }
-    });
-}
-
-void NqEndEffector::insertMotionBits(const NqIndividualManipulator& manipulator, unsigned row,
-                                     const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
-                                     const LabelMessages& messages, const unsigned* baseBits,
-                                     SparsityDescription& sparsity) const {
-    clearBits(manipulator, row, fixedBase, sparsity);
-    insertChainBits(linkOrMessage(manipulator, linkIdentifier(), messages.badLabel), row, sparsity);
-    insertChainBits(internalRelativeLink(manipulator, relativeLink, messages.badRelativeLabel), row,
-                    sparsity);
-    if (!hasBaseColumns(relativeLink, fixedBase)) {
-        return;
-    }
-    for (unsigned i = 0; i < doc(); ++i) {
-        for (unsigned c = 0; c < m_theBaseDof; ++c) {
-            if ((baseBits[i] >> c & 1U) != 0) {
-                sparsity[row + i][manipulator.numberOfJoints() + c] = true;
-            }
-        }
-    }
-}
-
-NqGeneralMotion NqEndEffector::offsetVelocity(const NqManipulatorLink& link, const NqVector& offset,
-                                              NqManipulatorActiveState& state) {
-    const NqVector r = link.primaryFrameInSystem(state.activePositionState()).orientation() * offset;
-    NqGeneralMotion motion = link.primaryFrameVelocity(state);
-    return motion.transformBy(r);
-}
-
-NqGeneralMotion NqEndEffector::offsetAcceleration(const NqManipulatorLink& link,
-                                                  const NqCoordinateSystemTransformation& offset,
-                                                  NqManipulatorActiveState& state) {
-    const NqCoordinateSystemTransformation inLink = link.primaryFrameOffset() * offset;
-    const NqCoordinateSystemTransformation inSystem =
-        link.linkFrameInSystem(state.activePositionState()) * inLink;
-    const NqVector w = link.localVelocity(state).angular();
-    const NqVector centripetal = w.cross(w.cross(inLink.translation()));
-
-    NqGeneralMotion acceleration = inLink.inverse() * link.localAcceleration(state);
-    acceleration.setLinear(acceleration.linear() + inLink.orientation().inverse() * centripetal);
-    return inSystem.orientation() * acceleration;
-}
-
-double NqEndEffector::timeForDistance(double distance, double speedLimit) {
-    return distance / NqMath::nonZeroPos(speedLimit);
-}
-
-void NqEndEffector::insertErrorWeights(unsigned row, NqReArray& weights, double firstWeight,
-                                       double otherWeight) const {
-    const bool isSquare = weights.size() != 0 && weights[0].size() > 1;
-    const unsigned end = row + doc();
-    if (weights.size() < end) {
-        weights.resizeArray(end, isSquare ? end : 1);
-    }
-    for (unsigned i = row; i < end; ++i) {
-        const std::size_t column = isSquare ? i : 0;
-        if (weights[i].size() <= column) {
-            weights[i].resize(column + 1);
-        }
-        weights[i][column] = i - row < 3 ? firstWeight : otherWeight;
-    }
-}
-
-NqVector NqEndEffector::entries(const NqXmlRealVector& values, unsigned start) {
-    NqVector result;
-    for (unsigned i = 0; i < 3 && start + i < values.size(); ++i) {
-        result[i] = values[start + i];
-    }
-    return result;
-}
-
-void NqEndEffector::insertPart(const NqVector& part, NqXmlRealVector& values, unsigned start, Tail tail) {
-    const std::size_t end = start + 3;
-    values.resize(tail == Tail::Kept ? std::max(end, values.size()) : end);
-    for (unsigned i = 0; i < 3; ++i) {
-        values[start + i] = part[i];
-    }
+void NqEndEffector::rightSizeSparsity(const NqRowRequest& request, SparsityDescription& sparsity) const {
+    rightSizeSparsityDescriptionMatrix(request.row, request.width(), sparsity);
+    NqSparsityBits::widen(request.row, doc(), request.width(), sparsity);
 }

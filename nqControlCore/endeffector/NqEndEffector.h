@@ -1,13 +1,9 @@
 #pragma once
 
-#include <nqControlCore/endeffector/NqEditableValueTable.h>
+#include <nqControlCore/endeffector/NqEndEffectorDescription.h>
 #include <nqControlCore/endeffector/NqEndEffectorRelativeLinkData.h>
-#include <nqControlCore/foundation/manipulator/NqIndividualManipulator.h>
-#include <nqControlCore/foundation/manipulator/NqManipulatorActiveState.h>
 #include <nqControlCore/foundation/math/NqEndEffectorPlacement.h>
-#include <nqControlCore/foundation/math/NqGeneralMotion.h>
 #include <nqControlCore/foundation/math/NqUncopied.h>
-#include <nqControlCore/foundation/matrix/NqReArray.h>
 #include <nqControlCore/foundation/xml/NqXmlBasicType.h>
 #include <nqControlCore/foundation/xml/NqXmlPersistent.h>
 #include <nqControlCore/foundation/xml/NqXmlVectorBasicType.h>
@@ -15,6 +11,14 @@
 
 #include <string>
 #include <vector>
+
+class NqGeneralMotion;
+class NqIndividualManipulator;
+class NqManipulatorActivePositionState;
+class NqManipulatorActiveState;
+class NqManipulatorLink;
+class NqReArray;
+struct NqRowRequest;
 
 /// One constraint on the motion of a manipulator: a point, a frame, an orientation, a number that is to
 /// follow a target.
@@ -124,8 +128,8 @@ public:
     virtual double difference(const NqEndEffectorPlacement& a, const NqEndEffectorPlacement& b) const = 0;
 
     /// The editable values: a fixed list of labels, tooltips and texts for an editing interface.
-    virtual const NqLabelVector& editingLabels() const { return m_EditingLabels; }
-    virtual const NqLabelVector& tooltipLabels() const { return m_TooltipLabels; }
+    virtual const NqLabelVector& editingLabels() const { return m_Description->labels; }
+    virtual const NqLabelVector& tooltipLabels() const { return m_Description->tooltips; }
 
     /// Prints the fields into the cache of values, and returns it.
     virtual const NqLabelVector& editableValues() const = 0;
@@ -179,7 +183,7 @@ public:
     virtual void setFilteringActive(bool active);
 
     /// One line that says what this class of end-effector is.
-    virtual const NqXmlBasicType<std::string>& endEffectorTooltip() const { return m_EndEffectorTooltip; }
+    virtual const NqXmlBasicType<std::string>& endEffectorTooltip() const { return m_Description->tooltip; }
 
     /// The external offset: a transformation that the owner lends, added to the end-effector's own offset
     /// from its link while useExternalOffset() is true. The owner keeps it alive; the index only tells the
@@ -215,127 +219,22 @@ protected:
     virtual NqVector pointPosition(const NqManipulatorLink& link, const NqVector& point,
                                    NqManipulatorActivePositionState& state) const;
 
-    // What the concrete classes are built from.
+    // What the layers between this class and the concrete ones are built from.
 
-    /// Texts of the messages about labels that a class prints from a row operation.
-    struct LabelMessages {
-        const char* badLabel;
-        const char* badRelativeLabel;
-    };
+    /// Takes over what a class tells about itself; to be called by its constructors with one object for all.
+    void describe(const NqEndEffectorDescription& description) { m_Description = &description; }
+
+    /// Where the printed editable values are kept.
+    NqLabelVector& editableValueCache() const { return *m_EditableValues; }
+
+    /// Right-sizes the rows of the bits. They are clear, except where rows were missing: those that were
+    /// there keep theirs, and are widened.
+    void rightSizeSparsity(const NqRowRequest& request, SparsityDescription& sparsity) const;
 
     /// The external offset that is to be applied, or null.
     const NqCoordinateSystemTransformation* externalOffset() const {
         return m_UseExternalOffset ? m_ExternalOffsetPointer : nullptr;
     }
-
-    /// The link of that label. Null, after printing the message with the label in it, where there is none.
-    static const NqManipulatorLink* linkOrMessage(const NqIndividualManipulator& manipulator,
-                                                  const std::string& label, const char* message);
-
-    /// The link that the end-effector sits on; null without a message.
-    const NqManipulatorLink* ownLink(const NqIndividualManipulator& manipulator) const {
-        return manipulator.linkByLabel(linkIdentifier());
-    }
-
-    /// Columns of the Jacobian.
-    static unsigned jacobianWidth(const NqIndividualManipulator& manipulator, bool fixedBase) {
-        return manipulator.numberOfJoints() + (fixedBase ? 0 : m_theBaseDof);
-    }
-
-    /// Whether the base columns are to be filled: the base moves, and the rows are not relative to another
-    /// link of the same manipulator.
-    static bool hasBaseColumns(const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase) {
-        return !fixedBase &&
-               relativeLink.relativeMode() != NqEndEffectorRelativeLinkData::relativeModeInternal;
-    }
-
-    /// The link that rows are relative to in internal mode; null in the others, and, with the message, for an
-    /// unknown label.
-    static const NqManipulatorLink* internalRelativeLink(const NqIndividualManipulator& manipulator,
-                                                         const NqEndEffectorRelativeLinkData& relativeLink,
-                                                         const char* badRelativeLabel) {
-        return relativeLink.relativeMode() == NqEndEffectorRelativeLinkData::relativeModeInternal
-                   ? linkOrMessage(manipulator, relativeLink.relativeLinkID(), badRelativeLabel)
-                   : nullptr;
-    }
-
-    /// Writes the columns of all joints, for rows that are a linear function of the motion of a frame with
-    /// its origin at `origin` (system frame), carried by `link`, less that of the relative link. `rowsOf`
-    /// maps such a motion to an array of row entries. The rows must be right-sized.
-    template <typename RowsOf>
-    static void insertJointColumns(const NqIndividualManipulator& manipulator, unsigned row,
-                                   const NqEndEffectorRelativeLinkData& relativeLink,
-                                   const NqManipulatorLink& link, const NqVector& origin,
-                                   const char* badRelativeLabel, NqManipulatorActivePositionState& state,
-                                   NqReArray& jacobian, RowsOf rowsOf);
-
-    /// The same, and the columns of a free base.
-    template <typename RowsOf>
-    static void insertMotionRows(const NqIndividualManipulator& manipulator, unsigned row,
-                                 const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
-                                 const NqManipulatorLink& link, const NqVector& origin,
-                                 const char* badRelativeLabel, NqManipulatorActivePositionState& state,
-                                 NqReArray& jacobian, RowsOf rowsOf);
-
-    /// Bits of the base columns for rows that are components of a linear (0 to 2) or angular (3 to 5)
-    /// velocity: bit c of entry r is base column c.
-    static constexpr unsigned m_theBaseBits[6] = {0b110001, 0b101010, 0b011100, 0b001000, 0b010000, 0b100000};
-
-    /// Right-sizes the rows. Their bits are clear, except where rows were missing: those that were there keep
-    /// theirs, and are widened.
-    void clearBits(const NqIndividualManipulator& manipulator, unsigned row, bool fixedBase,
-                   SparsityDescription& sparsity) const;
-
-    /// Sets the bits of the joints that move a link, in all rows; none for a null link.
-    void insertChainBits(const NqManipulatorLink* link, unsigned row, SparsityDescription& sparsity) const;
-
-    /// Right-sizes the rows and sets the bits of the joints that move the link or the relative link, and
-    /// those of a free base, row by row from `baseBits`: the bits that belong to insertMotionRows().
-    void insertMotionBits(const NqIndividualManipulator& manipulator, unsigned row,
-                          const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
-                          const LabelMessages& messages, const unsigned* baseBits,
-                          SparsityDescription& sparsity) const;
-
-    /// Writes error weights in the shape that the array has: one for the first three rows, and one for the
-    /// others. Rows that are too short are lengthened.
-    void insertErrorWeights(unsigned row, NqReArray& weights, double firstWeight, double otherWeight) const;
-
-    /// Velocity in the system frame of a point fixed in a link, given in its primary frame: m.linear +
-    /// m.angular x r.
-    static NqGeneralMotion offsetVelocity(const NqManipulatorLink& link, const NqVector& offset,
-                                          NqManipulatorActiveState& state);
-
-    /// Classical acceleration in the system frame of a frame fixed in a link, given in its primary frame.
-    static NqGeneralMotion offsetAcceleration(const NqManipulatorLink& link,
-                                              const NqCoordinateSystemTransformation& offset,
-                                              NqManipulatorActiveState& state);
-
-    /// Least time for a distance at a limit of speed.
-    static double timeForDistance(double distance, double speedLimit);
-
-    /// Takes count, labels and tooltips of the editable values from their table, and the class's own tooltip.
-    /// To be called by concrete constructors.
-    template <typename Class>
-    void describe(const NqEditableValueTable<Class>& table, const char* endEffectorTooltip);
-
-    /// Prints the values of `self`, which is this object, into the cache, and returns it.
-    template <typename Class>
-    const NqLabelVector& printedValues(const NqEditableValueTable<Class>& table, const Class& self) const;
-
-    /// Parses the values into `self`, which is this object. The list must be as long as the table, or longer.
-    template <typename Class>
-    static void parseValues(const NqEditableValueTable<Class>& table, const NqLabelVector& values,
-                            Class& self);
-
-    unsigned numEditableValues() const { return m_NumEditableValues; }
-
-    /// What insertPart() does with entries behind those that it writes.
-    enum class Tail { Cut, Kept };
-
-    /// Writes a vector from `start` on into `values`, which is resized to end there or, with Tail::Kept, only
-    /// lengthened.
-    static void insertPart(const NqVector& part, NqXmlRealVector& values, unsigned start,
-                           Tail tail = Tail::Cut);
 
     /// The present placement; the identity where the type leaves it. It holds until the next such call.
     const NqEndEffectorPlacement& presentPlacement(const NqIndividualManipulator& manipulator,
@@ -344,9 +243,6 @@ protected:
         calculatePlacement(manipulator, state, *m_ScratchPlacement);
         return *m_ScratchPlacement;
     }
-
-    /// The first entries of a list, at most 3 of them from `start` on; missing ones are zero.
-    static NqVector entries(const NqXmlRealVector& values, unsigned start = 0);
 
 private:
     friend struct NqXmlComponentAccess;
@@ -375,92 +271,11 @@ private:
     NqXmlBasicType<bool> m_CanBecomeSoft = false;
 
     // Of the class or the run time: copied along only.
-    NqLabelVector m_EditingLabels;
-    NqLabelVector m_TooltipLabels;
-    NqXmlBasicType<unsigned int> m_NumEditableValues = 0u;
+    const NqEndEffectorDescription* m_Description = &NqEndEffectorDescription::none();
     mutable double m_SoftConstraintMultiplier = 1.0;
-    NqXmlBasicType<std::string> m_EndEffectorTooltip;
     const NqCoordinateSystemTransformation* m_ExternalOffsetPointer = nullptr;
 
     // Workspace: never copied.
     mutable NqUncopied<NqLabelVector> m_EditableValues;
     mutable NqUncopied<NqEndEffectorPlacement> m_ScratchPlacement;
 };
-
-template <typename RowsOf>
-void NqEndEffector::insertJointColumns(const NqIndividualManipulator& manipulator, unsigned row,
-                                       const NqEndEffectorRelativeLinkData& relativeLink,
-                                       const NqManipulatorLink& link, const NqVector& origin,
-                                       const char* badRelativeLabel, NqManipulatorActivePositionState& state,
-                                       NqReArray& jacobian, RowsOf rowsOf) {
-    link.forEachUnitRateMotion(origin, state, [&](unsigned column, const NqGeneralMotion& motion) {
-        const auto entries = rowsOf(motion);
-        for (unsigned i = 0; i < entries.size(); ++i) {
-            jacobian[row + i][column] = entries[i];
-        }
-    });
-    // Both motions are taken at the same point, so that a joint which carries both links cancels exactly.
-    if (const auto* reference = internalRelativeLink(manipulator, relativeLink, badRelativeLabel)) {
-        reference->forEachUnitRateMotion(origin, state, [&](unsigned column, const NqGeneralMotion& motion) {
-            const auto entries = rowsOf(motion);
-            for (unsigned i = 0; i < entries.size(); ++i) {
-                jacobian[row + i][column] -= entries[i];
-            }
-        });
-    }
-}
-
-template <typename RowsOf>
-void NqEndEffector::insertMotionRows(const NqIndividualManipulator& manipulator, unsigned row,
-                                     const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
-                                     const NqManipulatorLink& link, const NqVector& origin,
-                                     const char* badRelativeLabel, NqManipulatorActivePositionState& state,
-                                     NqReArray& jacobian, RowsOf rowsOf) {
-    insertJointColumns(manipulator, row, relativeLink, link, origin, badRelativeLabel, state, jacobian,
-                       rowsOf);
-    if (!hasBaseColumns(relativeLink, fixedBase)) {
-        return;
-    }
-    const NqVector arm = origin - manipulator.baseFrameInSystem(state).translation();
-    for (unsigned axis = 0; axis < 3; ++axis) {
-        NqVector unit;
-        unit[axis] = 1.0;
-        const auto translation = rowsOf(NqGeneralMotion(unit, NqVector()));
-        const auto rotation = rowsOf(NqGeneralMotion(unit.cross(arm), unit));
-        const unsigned column = manipulator.numberOfJoints() + axis;
-        for (unsigned i = 0; i < translation.size(); ++i) {
-            jacobian[row + i][column] = translation[i];
-            jacobian[row + i][column + 3] = rotation[i];
-        }
-    }
-}
-
-template <typename Class>
-void NqEndEffector::describe(const NqEditableValueTable<Class>& table, const char* endEffectorTooltip) {
-    m_NumEditableValues = table.size();
-    m_EditingLabels.resize(table.size());
-    m_TooltipLabels.resize(table.size());
-    for (unsigned i = 0; i < table.size(); ++i) {
-        m_EditingLabels[i] = table[i].label;
-        m_TooltipLabels[i] = table[i].tooltip;
-    }
-    m_EndEffectorTooltip = endEffectorTooltip;
-}
-
-template <typename Class>
-const NqLabelVector& NqEndEffector::printedValues(const NqEditableValueTable<Class>& table,
-                                                  const Class& self) const {
-    m_EditableValues->resize(table.size());
-    for (unsigned i = 0; i < table.size(); ++i) {
-        (*m_EditableValues)[i] = table[i].print(self);
-    }
-    return *m_EditableValues;
-}
-
-template <typename Class>
-void NqEndEffector::parseValues(const NqEditableValueTable<Class>& table, const NqLabelVector& values,
-                                Class& self) {
-    for (unsigned i = 0; i < table.size(); ++i) {
-        table[i].parse(self, values, i);
-    }
-}

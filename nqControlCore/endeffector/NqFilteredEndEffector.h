@@ -1,10 +1,12 @@
 #pragma once
 
+#include <nqControlCore/endeffector/NqEditableValueTable.h>
 #include <nqControlCore/endeffector/NqEndEffector.h>
 #include <nqControlCore/filter/NqGeneralMotionFilter.h>
 #include <nqControlCore/filter/NqPointMotionFilter.h>
 #include <nqControlCore/filter/NqRotationMotionFilter.h>
 #include <nqControlCore/filter/NqScalarMotionFilter.h>
+#include <nqControlCore/foundation/math/NqMath.h>
 
 #include <functional>
 
@@ -18,21 +20,25 @@ struct NqFilterLimits<NqPointMotionFilter> {
     using F = NqPointMotionFilter;
     static const NqToken& token() { return NqControlCore::NqPointMotionFilterToken; }
     static constexpr auto speed = &F::threshold;
+    static constexpr auto travelSpeed = speed;
     static constexpr auto setSpeed = &F::setThreshold;
     static constexpr auto acceleration = &F::accelerationThreshold;
     static constexpr auto setAcceleration = &F::setAccelerationThreshold;
+    static constexpr auto deceleration = &F::decelerationThreshold;
     static constexpr auto setDeceleration = &F::setDecelerationThreshold;
 };
 
-/// The limits of the linear part.
+/// The limits of the linear part. Least times count with another one, which no file written here sets.
 template <>
 struct NqFilterLimits<NqGeneralMotionFilter> {
     using F = NqGeneralMotionFilter;
     static const NqToken& token() { return NqControlCore::NqMotionFilterToken; }
     static constexpr auto speed = &F::linearVelocityThreshold;
+    static constexpr auto travelSpeed = &F::threshold;
     static constexpr auto setSpeed = &F::setLinearVelocityThreshold;
     static constexpr auto acceleration = &F::linearAccelerationThreshold;
     static constexpr auto setAcceleration = &F::setLinearAccelerationThreshold;
+    static constexpr auto deceleration = &F::linearDecelerationThreshold;
     static constexpr auto setDeceleration = &F::setLinearDecelerationThreshold;
 };
 
@@ -41,9 +47,11 @@ struct NqFilterLimits<NqRotationMotionFilter> {
     using F = NqRotationMotionFilter;
     static const NqToken& token() { return NqControlCore::NqMotionFilterToken; }
     static constexpr auto speed = &F::angularVelocityThreshold;
+    static constexpr auto travelSpeed = speed;
     static constexpr auto setSpeed = &F::setAngularVelocityThreshold;
     static constexpr auto acceleration = &F::angularAccelerationThreshold;
     static constexpr auto setAcceleration = &F::setAngularAccelerationThreshold;
+    static constexpr auto deceleration = &F::angularDecelerationThreshold;
     static constexpr auto setDeceleration = &F::setAngularDecelerationThreshold;
 };
 
@@ -52,9 +60,11 @@ struct NqFilterLimits<NqScalarMotionFilter> {
     using F = NqScalarMotionFilter;
     static const NqToken& token() { return NqControlCore::NqMotionFilterToken; }
     static constexpr auto speed = &F::threshold;
+    static constexpr auto travelSpeed = speed;
     static constexpr auto setSpeed = &F::setThreshold;
     static constexpr auto acceleration = &F::accelerationThreshold;
     static constexpr auto setAcceleration = &F::setAccelerationThreshold;
+    static constexpr auto deceleration = &F::decelerationThreshold;
     static constexpr auto setDeceleration = &F::setDecelerationThreshold;
 };
 
@@ -83,18 +93,38 @@ public:
     bool filteringActive() const override { return m_MotionFilter.filteringActive(); }
     void setFilteringActive(bool active) override { m_MotionFilter.setFilteringActive(active); }
 
+    /// The difference over the filter's limit of speed.
+    double minimumTime(const NqEndEffectorPlacement& from, const NqEndEffectorPlacement& to) const override {
+        const double speed = std::invoke(Limits::travelSpeed, m_MotionFilter) * speedFactor();
+        return this->difference(from, to) / NqMath::nonZeroPos(speed);
+    }
+
     virtual const Filter& motionFilter() const { return m_MotionFilter; }
     virtual void setMotionFilter(const Filter& filter) { m_MotionFilter = filter; }
 
 protected:
-    /// The filter itself, for the editable values of the concrete classes.
+    /// The filter as the part of an object that editable values belong to.
+    static constexpr auto theFilterPart = [](auto& object) -> auto& { return object.ownFilter(); };
+
+    /// The editable values of the filter's limits of speed, acceleration and deceleration, which are called
+    /// "Max. <kind> Velocity" and so on.
+    template <typename Class>
+    static typename NqEditableValueTable<Class>::Rows limitRows(const std::string& kind,
+                                                                const char* const (&tooltips)[3]) {
+        using Table = NqEditableValueTable<Class>;
+        return Table::together({Table::number("Max. " + kind + " Velocity", tooltips[0], theFilterPart,
+                                              Limits::speed, Limits::setSpeed),
+                                Table::number("Max. " + kind + " Acceleration", tooltips[1], theFilterPart,
+                                              Limits::acceleration, Limits::setAcceleration),
+                                Table::number("Max. " + kind + " Deceleration", tooltips[2], theFilterPart,
+                                              Limits::deceleration, Limits::setDeceleration)});
+    }
+
     const Filter& ownFilter() const { return m_MotionFilter; }
     Filter& ownFilter() { return m_MotionFilter; }
 
-    /// The least time, in s, at the filter's limit of speed.
-    double timeAtThreshold(const NqEndEffectorPlacement& from, const NqEndEffectorPlacement& to) const {
-        return this->timeForDistance(this->difference(from, to), motionThreshold() * speedFactor());
-    }
+    /// The filter, for classes whose limits hang on the way that they are to go.
+    Filter& adjustableFilter() const { return m_MotionFilter; }
 
 private:
     friend struct NqXmlComponentAccess;
@@ -102,5 +132,5 @@ private:
         return nqComponentList(nqComponent(Limits::token(), &NqFilteredEndEffector::m_MotionFilter));
     }
 
-    Filter m_MotionFilter;
+    mutable Filter m_MotionFilter;
 };

@@ -1,5 +1,7 @@
 #include <nqControlCore/endeffector/NqFrameBasedEndEffector.h>
 
+#include <nqControlCore/endeffector/NqVelocityEntries.h>
+
 #include <algorithm>
 
 void NqFrameBasedEndEffector::filterEndEffectorVelocity(const NqXmlRealVector& desiredVelocity,
@@ -52,7 +54,7 @@ void NqFrameBasedEndEffector::filterFrameEndEffectorVelocity(const NqIndividualM
 
 void NqFrameBasedEndEffector::convertToGeneralVelocity(const NqXmlRealVector& velocity,
                                                        NqGeneralMotion& motion) const {
-    motion = NqGeneralMotion(entries(velocity), entries(velocity, 3));
+    motion = NqGeneralMotion(NqVelocityEntries::vectorAt(velocity), NqVelocityEntries::vectorAt(velocity, 3));
 }
 
 void NqFrameBasedEndEffector::convertFromGeneralVelocity(const NqGeneralMotion& motion,
@@ -74,9 +76,6 @@ const NqEditableValueTable<NqFrameBasedEndEffector>& NqFrameBasedEndEffector::ed
     using F = NqGeneralMotionFilter;
     using T = NqCoordinateSystemTransformation;
     using Table = NqEditableValueTable<NqFrameBasedEndEffector>;
-    constexpr auto filter = [](auto& e) -> auto& {
-        return e.ownFilter();
-    };
     constexpr auto frame = [](auto& e) -> auto& {
         return e.m_Frame.value();
     };
@@ -96,45 +95,42 @@ const NqEditableValueTable<NqFrameBasedEndEffector>& NqFrameBasedEndEffector::ed
             "The Z offset of the end effector frame (meters).  This is measured from the DH-Frame of the "
             "link",
             frame, [](const auto& f) { return f.translation().z(); }, &T::setTranslationZ),
-        Table::angle("Frame Angle",
-                     "Angle (radians).  Used for angle-axis orientation offset of the end effector frame. "
-                     "This is measured from the DH-Frame of the link",
-                     frame, &T::orientation, &T::setOrientation),
-        Table::axis("Frame Axis: X",
-                    "X component of the angle axis vector (meters).  Used for angle-axis orientation offset "
-                    "of the end effector frame. This is measured from the DH-Frame of the link",
-                    frame, &T::orientation, 0),
-        Table::axis("Frame Axis: Y",
-                    "Y component of the angle axis vector (meters).  Used for angle-axis orientation offset "
-                    "of the end effector frame. This is measured from the DH-Frame of the link",
-                    frame, &T::orientation, 1),
-        Table::axis("Frame Axis: Z",
-                    "Z component of the angle axis vector (meters).  Used for angle-axis orientation offset "
-                    "of the end effector frame. This is measured from the DH-Frame of the link",
-                    frame, &T::orientation, 2),
+        Table::orientation(
+            {"Frame Angle",
+             "Angle (radians).  Used for angle-axis orientation offset of the end effector frame. "
+             "This is measured from the DH-Frame of the link"},
+            {{"Frame Axis: X",
+              "X component of the angle axis vector (meters).  Used for angle-axis orientation offset "
+              "of the end effector frame. This is measured from the DH-Frame of the link"},
+             {"Frame Axis: Y",
+              "Y component of the angle axis vector (meters).  Used for angle-axis orientation offset "
+              "of the end effector frame. This is measured from the DH-Frame of the link"},
+             {"Frame Axis: Z",
+              "Z component of the angle axis vector (meters).  Used for angle-axis orientation offset "
+              "of the end effector frame. This is measured from the DH-Frame of the link"}},
+            frame, &T::orientation, &T::setOrientation),
         Table::number("Max. Linear Velocity",
-                      "The maximum linear velocity the end effector can achieve (m/s)", filter,
+                      "The maximum linear velocity the end effector can achieve (m/s)", theFilterPart,
                       &F::linearVelocityThreshold, &F::setLinearVelocityThreshold),
         Table::number("Max. Angular Velocity",
-                      "The maximum angular velocity the end effector can achieve (rad/s)", filter,
+                      "The maximum angular velocity the end effector can achieve (rad/s)", theFilterPart,
                       &F::angularVelocityThreshold, &F::setAngularVelocityThreshold),
         Table::number("Max. Linear Acceleration",
-                      "The maximum linear acceleration the end effector can achieve (m/s^2)", filter,
+                      "The maximum linear acceleration the end effector can achieve (m/s^2)", theFilterPart,
                       &F::linearAccelerationThreshold, &F::setLinearAccelerationThreshold),
         Table::number("Max. Angular Acceleration",
-                      "The maximum angular acceleration the end effector can achieve (rad/s^2)", filter,
-                      &F::angularAccelerationThreshold, &F::setAngularAccelerationThreshold),
+                      "The maximum angular acceleration the end effector can achieve (rad/s^2)",
+                      theFilterPart, &F::angularAccelerationThreshold, &F::setAngularAccelerationThreshold),
         Table::number("Max. Linear Deceleration",
-                      "The maximum linear deceleration the end effector can achieve (m/s^2)", filter,
+                      "The maximum linear deceleration the end effector can achieve (m/s^2)", theFilterPart,
                       &F::linearDecelerationThreshold, &F::setLinearDecelerationThreshold),
         Table::number("Max. Angular Deceleration",
-                      "The maximum angular deceleration the end effector can achieve (rad/s^2)", filter,
-                      &F::angularDecelerationThreshold, &F::setAngularDecelerationThreshold),
-        Table::modeWord("Velocity Profile Type",
-                        "The velocity profile type.  Current suppoted values are: trapezoidal, proportional "
+                      "The maximum angular deceleration the end effector can achieve (rad/s^2)",
+                      theFilterPart, &F::angularDecelerationThreshold, &F::setAngularDecelerationThreshold),
+        Table::modeWord("The velocity profile type.  Current suppoted values are: trapezoidal, proportional "
                         "and threehalves.",
-                        filter),
-        Table::number("Exponent", "Unused", filter, &F::exponent, &F::setExponent),
+                        theFilterPart),
+        Table::number("Exponent", "Unused", theFilterPart, &F::exponent, &F::setExponent),
         Table::hardConstraint(),
     };
     return table;

@@ -47,6 +47,9 @@ public:
                                                 NqManipulatorActiveState& state,
                                                 NqGeneralMotion& filtered) const;
 
+    /// The frame whose motion the rows are.
+    NqCoordinateSystemTransformation motionFrame() const { return frameOffset(); }
+
     static const NqEditableValueTable<NqFrameBasedEndEffector>& editableTable();
 
 protected:

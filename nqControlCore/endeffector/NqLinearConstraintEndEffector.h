@@ -1,11 +1,11 @@
 #pragma once
 
 #include <nqControlCore/endeffector/NqEditableEndEffector.h>
-#include <nqControlCore/endeffector/NqScalarBasedEndEffector.h>
+#include <nqControlCore/endeffector/NqJointList.h>
+#include <nqControlCore/endeffector/NqNumberEndEffector.h>
 #include <nqControlCore/foundation/math/NqDroppedOnCopy.h>
 
 #include <limits>
-#include <vector>
 
 /// Constrains a weighted sum of joint values: one row, the weights in the columns of the joints.
 ///
@@ -17,12 +17,12 @@
 /// Joints are looked up once and remembered, also for another manipulator, until the labels are set, read or
 /// assigned. A label that is unknown, or of a link without a joint, is left out with a message.
 class NqLinearConstraintEndEffector
-    : public NqConcreteEndEffector<NqLinearConstraintEndEffector, NqScalarBasedEndEffector> {
+    : public NqConcreteEndEffector<NqLinearConstraintEndEffector,
+                                   NqNumberEndEffector<NqLinearConstraintEndEffector>> {
 public:
-    static const NqToken& classToken();
-
-    NqLinearConstraintEndEffector();
-
+    static const NqToken& classToken() { return NqControlCore::NqLinearConstraintEndEffectorToken; }
+    static constexpr const char* theTooltip =
+        "This end effector constrains a linear combination of joint values.";
     static const NqEditableValueTable<NqLinearConstraintEndEffector>& editableTable();
 
     /// Forgets the joints.
@@ -31,32 +31,12 @@ public:
     /// Renames among linkLabels(); joints that are remembered stay.
     bool changeLinkLabel(const std::string& oldLabel, const std::string& newLabel) override;
 
-    unsigned doc() const override { return 1; }
-
-    void insertJacobianComponent(const NqIndividualManipulator& manipulator, unsigned row,
-                                 const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
-                                 NqManipulatorActiveState& state, NqReArray& jacobian) const override;
-    void insertSparsityComponent(const NqIndividualManipulator& manipulator, unsigned row,
-                                 const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
-                                 SparsityDescription& sparsity) const override;
-    void insertErrorWeightComponent(unsigned row, NqReArray& weights) const override;
+    void insertRows(const NqRowRequest& request, NqManipulatorActiveState& state, NqReArray& jacobian) const;
+    void insertBits(const NqRowRequest& request, SparsityDescription& sparsity) const;
 
     /// Left alone where the constraint is not interactive.
     void calculatePlacement(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
                             NqEndEffectorPlacement& placement) const override;
-    void calculateVelocity(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
-                           NqXmlRealVector& velocity, unsigned start) const override;
-
-    /// Zero.
-    void calculateAcceleration(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
-                               NqXmlRealVector& acceleration, unsigned start) const override;
-
-    using NqScalarBasedEndEffector::filterEndEffectorVelocity;
-    void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                   const NqEndEffectorPlacement& desiredPlacement,
-                                   const NqXmlRealVector& desiredVelocity,
-                                   const NqXmlRealVector& previousVelocity, double timeStep,
-                                   NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
 
     /// 0 where the filter's threshold is not above 0. The speed factor plays no part.
     double minimumTime(const NqEndEffectorPlacement& from, const NqEndEffectorPlacement& to) const override;
@@ -88,6 +68,14 @@ public:
     virtual const double& errorWeight() const { return m_ErrorWeight.value(); }
     virtual void setErrorWeight(const double& weight) { m_ErrorWeight = weight; }
 
+    /// The weighted sum of joint positions less weightedSum(), and the placement's number; both 0 where the
+    /// constraint is not interactive or no joint was found.
+    NqDrivenNumber drivenNumber(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
+                                const NqEndEffectorPlacement& desiredPlacement) const;
+
+    /// The weighted sum of joint rates.
+    double rate(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state) const;
+
 protected:
     /// Looks the joints up, unless they are remembered.
     virtual void setLinkIndices(const NqIndividualManipulator& manipulator) const;
@@ -108,12 +96,6 @@ private:
                                nqComponent(NqThresholdToken, &E::m_OldThreshold, legacy));
     }
 
-    /// Joints by label; `isValid` tells which of them stand for one.
-    struct Joints {
-        std::vector<unsigned> linkIndices;
-        std::vector<bool> linkIndexValid;
-    };
-
     /// Calls `visit(column, weight)` for each joint that was found for the first labels, `most` of them.
     template <typename Visit>
     void forEachJoint(const NqIndividualManipulator& manipulator, Visit visit,
@@ -128,14 +110,6 @@ private:
     Sum sum(const NqIndividualManipulator& manipulator, const NqXmlRealVector& jointValues,
             double start) const;
 
-    /// Present and desired number; both 0 where the constraint follows no target.
-    struct Numbers {
-        double present;
-        double desired;
-    };
-    Numbers numbers(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
-                    const NqEndEffectorPlacement& desiredPlacement) const;
-
     NqLabelVector m_LinkLabels;
     NqXmlRealVector m_LinkWeights;
     NqXmlBasicType<double> m_WeightedSum = 0.0;
@@ -144,5 +118,5 @@ private:
     NqXmlBasicType<double> m_OldGain = 50.0;     ///< of old files, without effect
     NqXmlBasicType<double> m_OldThreshold = 1.0; ///< the same
 
-    mutable NqDroppedOnCopy<Joints> m_Joints;
+    mutable NqDroppedOnCopy<NqJointList> m_Joints;
 };

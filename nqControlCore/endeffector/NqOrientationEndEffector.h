@@ -1,57 +1,50 @@
 #pragma once
 
 #include <nqControlCore/endeffector/NqEditableEndEffector.h>
+#include <nqControlCore/endeffector/NqMotionEndEffector.h>
 #include <nqControlCore/endeffector/NqRotationBasedEndEffector.h>
 #include <nqControlCore/foundation/xml/NqXmlOrientation.h>
 
 /// Constrains the orientation of a frame fixed in a link: three rows, its angular velocity in the system
 /// frame.
 ///
-/// The column of a joint is the angular velocity of its link for unit rate. The placement has the orientation
-/// and no translation. An external offset plays no part.
+/// The placement has the orientation and no translation. An external offset plays no part. For a free base
+/// the ones stand in the first three base columns, those of its translation. A vector of accelerations that
+/// is longer than the rows need keeps its length; one of velocities is cut.
 class NqOrientationEndEffector
-    : public NqConcreteEndEffector<NqOrientationEndEffector, NqRotationBasedEndEffector> {
+    : public NqConcreteEndEffector<
+          NqOrientationEndEffector,
+          NqMotionEndEffector<NqOrientationEndEffector, NqRotationBasedEndEffector>> {
 public:
-    static const NqToken& classToken();
-
-    NqOrientationEndEffector();
-
+    static const NqToken& classToken() { return NqControlCore::NqOrientationEndEffectorToken; }
+    static constexpr const char* theTooltip =
+        "This end-effector constrains a full frame rigidly attached to a link: x, y, z, roll, pitch and yaw.";
     static const NqEditableValueTable<NqOrientationEndEffector>& editableTable();
 
-    unsigned doc() const override { return 3; }
+    static constexpr NqMotionPlan theMotionPlan = {
+        .rows = {NqMotionComponent::AngularX, NqMotionComponent::AngularY, NqMotionComponent::AngularZ},
+        .placement = NqMotionPlan::Placement::Orientation,
+        .base = NqMotionPlan::BaseColumns::RotationInTranslation,
+        .accelerationTail = NqMotionPlan::Tail::Kept,
+        .badLabel =
+            "NqOrientationEndEffector::insertJacobianComponent(): bad label on frame end effector: %s.\n",
+        .badRelativeLabel =
+            "NqOrientationEndEffector::insertJacobianComponent(): bad index on relative link: %d.\n",
+        .badSparsityLabel =
+            "NqOrientationEndEffector::insertSparsityComponent(): bad label on point end effector: %s.\n",
+        .badSparsityRelativeLabel =
+            "NqOrientationEndEffector::insertSparsityComponent(): bad index on relative link: %d.\n",
+        .badPlacementLabel =
+            "NqOrientationEndEffector::calculateFramePlacement():  bad label on frame end effector: %s.\n"};
 
-    /// For a free base the ones stand in the first three base columns, those of its translation.
-    void insertJacobianComponent(const NqIndividualManipulator& manipulator, unsigned row,
-                                 const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
-                                 NqManipulatorActiveState& state, NqReArray& jacobian) const override;
-    void insertSparsityComponent(const NqIndividualManipulator& manipulator, unsigned row,
-                                 const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
-                                 SparsityDescription& sparsity) const override;
-    void insertErrorWeightComponent(unsigned row, NqReArray& weights) const override;
-
-    /// A link that is not found leaves the placement.
-    void calculatePlacement(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
-                            NqEndEffectorPlacement& placement) const override;
-
-    /// A link that is not found gives zeros, without a message; so with the acceleration.
-    void calculateVelocity(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
-                           NqXmlRealVector& velocity, unsigned start) const override;
-
-    /// A vector longer than `start + 3` keeps its length.
-    void calculateAcceleration(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
-                               NqXmlRealVector& acceleration, unsigned start) const override;
-
-    void filterEndEffectorVelocity(const NqXmlRealVector& desiredVelocity,
-                                   const NqXmlRealVector& previousVelocity, double timeStep,
-                                   NqXmlRealVector& filtered) const override;
+    using NqRotationBasedEndEffector::filterEndEffectorVelocity;
     void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
                                    const NqEndEffectorPlacement& desiredPlacement,
                                    const NqXmlRealVector& desiredVelocity,
                                    const NqXmlRealVector& previousVelocity, double timeStep,
                                    NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
-    double minimumTime(const NqEndEffectorPlacement& from, const NqEndEffectorPlacement& to) const override;
 
-    /// The angle between the orientations times the error weight, by which minimumTime() counts too.
+    /// The angle between the orientations times the error weight.
     double difference(const NqEndEffectorPlacement& a, const NqEndEffectorPlacement& b) const override;
 
     /// The rotation vector from the present to the desired orientation, in the system frame.
@@ -66,6 +59,9 @@ public:
     /// The weight of each row.
     virtual const double& errorWeight() const { return m_ErrorWeight.value(); }
     virtual void setErrorWeight(const double& weight) { m_ErrorWeight = weight; }
+
+    /// The orientation as a frame whose motion the rows are.
+    NqCoordinateSystemTransformation motionFrame() const { return orientation(); }
 
 private:
     friend struct NqXmlComponentAccess;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <nqControlCore/endeffector/NqEditableEndEffector.h>
-#include <nqControlCore/endeffector/NqScalarBasedEndEffector.h>
+#include <nqControlCore/endeffector/NqNumberEndEffector.h>
 #include <nqControlCore/foundation/math/NqDroppedOnCopy.h>
 #include <nqControlCore/foundation/xml/NqXmlVector.h>
 
@@ -11,49 +11,28 @@
 /// times the difference of the points' velocities for unit rate. The link that the base class names plays no
 /// part, nor do relative links, external offsets or a free base, which moves both points alike.
 class NqPointDistanceEndEffector
-    : public NqConcreteEndEffector<NqPointDistanceEndEffector, NqScalarBasedEndEffector> {
+    : public NqConcreteEndEffector<NqPointDistanceEndEffector,
+                                   NqNumberEndEffector<NqPointDistanceEndEffector>> {
 public:
-    static const NqToken& classToken();
+    static const NqToken& classToken() { return NqControlCore::NqPointDistanceEndEffectorToken; }
+    static constexpr const char* theTooltip = "An end effector constraining the distance between two points "
+                                              "rigidly attached to any two links of the manipulator.";
+    static const NqEditableValueTable<NqPointDistanceEndEffector>& editableTable();
 
     /// The least distance, in m, that a target is taken to be.
     static constexpr double m_theMinimumDistance = 0.005;
-
-    NqPointDistanceEndEffector();
-
-    static const NqEditableValueTable<NqPointDistanceEndEffector>& editableTable();
 
     bool read(NqXmlReader& reader) override;
 
     bool changeLinkLabel(const std::string& oldLabel, const std::string& newLabel) override;
 
-    unsigned doc() const override { return 1; }
-
     /// Where one link is not found, the other's columns still stand.
-    void insertJacobianComponent(const NqIndividualManipulator& manipulator, unsigned row,
-                                 const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
-                                 NqManipulatorActiveState& state, NqReArray& jacobian) const override;
-    void insertSparsityComponent(const NqIndividualManipulator& manipulator, unsigned row,
-                                 const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
-                                 SparsityDescription& sparsity) const override;
-    void insertErrorWeightComponent(unsigned row, NqReArray& weights) const override;
+    void insertRows(const NqRowRequest& request, NqManipulatorActiveState& state, NqReArray& jacobian) const;
+    void insertBits(const NqRowRequest& request, SparsityDescription& sparsity) const;
 
     /// The distance of the points, where a point whose link is not found counts as the origin.
     void calculatePlacement(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
                             NqEndEffectorPlacement& placement) const override;
-    void calculateVelocity(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
-                           NqXmlRealVector& velocity, unsigned start) const override;
-
-    /// Zero.
-    void calculateAcceleration(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
-                               NqXmlRealVector& acceleration, unsigned start) const override;
-
-    using NqScalarBasedEndEffector::filterEndEffectorVelocity;
-    void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                   const NqEndEffectorPlacement& desiredPlacement,
-                                   const NqXmlRealVector& desiredVelocity,
-                                   const NqXmlRealVector& previousVelocity, double timeStep,
-                                   NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
-    double minimumTime(const NqEndEffectorPlacement& from, const NqEndEffectorPlacement& to) const override;
 
     /// The points, each measured from the primary frame of its link, in m.
     virtual const NqVector& pointOne() const { return m_PointOne.value(); }
@@ -79,6 +58,13 @@ public:
                                           NqManipulatorActiveState& state, NqVector& one,
                                           NqVector& two) const;
 
+    /// The distance, and the placement's number, no less than the least distance.
+    NqDrivenNumber drivenNumber(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
+                                const NqEndEffectorPlacement& desiredPlacement) const;
+
+    /// How fast the distance grows, in m/s.
+    double rate(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state) const;
+
 protected:
     /// The joints of both links, for derived classes: 0 for a link without one. They are valid when the
     /// second link was found.
@@ -103,8 +89,9 @@ private:
             nqComponent(NqErrorWeightToken, &E::m_ErrorWeight));
     }
 
-    /// The way from the first to the second point.
-    NqVector gap(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state) const;
+    /// A point of a link; the origin where the link is null.
+    static NqVector placed(const NqManipulatorLink* link, const NqVector& point,
+                           NqManipulatorActivePositionState& state);
 
     NqXmlVector m_PointOne;
     NqXmlVector m_PointTwo;

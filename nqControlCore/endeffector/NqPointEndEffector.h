@@ -1,43 +1,35 @@
 #pragma once
 
 #include <nqControlCore/endeffector/NqEditableEndEffector.h>
+#include <nqControlCore/endeffector/NqMotionEndEffector.h>
 #include <nqControlCore/endeffector/NqPointBasedEndEffector.h>
 #include <nqControlCore/foundation/xml/NqXmlVector.h>
 
 /// Constrains one point fixed in a link: three rows, the point's position in the system frame.
 ///
-/// The column of a joint is w x d + v, with (v, w) the motion of its link's frame for unit rate and d the way
-/// from that frame to the point, all in the system frame. The placement has the point as translation, and no
-/// rotation.
-class NqPointEndEffector : public NqConcreteEndEffector<NqPointEndEffector, NqPointBasedEndEffector> {
+/// The placement has the point as translation, and no rotation; a link that is not found gives the origin.
+class NqPointEndEffector
+    : public NqConcreteEndEffector<NqPointEndEffector,
+                                   NqMotionEndEffector<NqPointEndEffector, NqPointBasedEndEffector>> {
 public:
-    static const NqToken& classToken();
-
-    NqPointEndEffector();
-
+    static const NqToken& classToken() { return NqControlCore::NqPointEndEffectorToken; }
+    static constexpr const char* theTooltip = "PointEndEffector.";
     static const NqEditableValueTable<NqPointEndEffector>& editableTable();
 
-    unsigned doc() const override { return 3; }
+    static constexpr NqMotionPlan theMotionPlan = {
+        .rows = {NqMotionComponent::LinearX, NqMotionComponent::LinearY, NqMotionComponent::LinearZ},
+        .badLabel = "NqPointEndEffector::insertJacobianComponent(): bad label on point end effector: %s.\n",
+        .badRelativeLabel =
+            "NqPointEndEffector::insertJacobianComponent(): bad index on relative link: %d.\n",
+        .badSparsityLabel =
+            "NqPointEndEffector::insertSparsityComponent(): bad label on point end effector: %s.\n",
+        .badSparsityRelativeLabel =
+            "NqPointEndEffector::insertSparsityComponent(): bad index on relative pLink: %d.\n",
+        .badPlacementLabel =
+            "NqPointEndEffector::calculatePointPlacement(): bad label on point end effector: %s.\n"};
 
-    void insertJacobianComponent(const NqIndividualManipulator& manipulator, unsigned row,
-                                 const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
-                                 NqManipulatorActiveState& state, NqReArray& jacobian) const override;
-    void insertSparsityComponent(const NqIndividualManipulator& manipulator, unsigned row,
-                                 const NqEndEffectorRelativeLinkData& relativeLink, bool fixedBase,
-                                 SparsityDescription& sparsity) const override;
-    void insertErrorWeightComponent(unsigned row, NqReArray& weights) const override;
-
-    /// A link that is not found gives the origin.
     void calculatePlacement(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
                             NqEndEffectorPlacement& placement) const override;
-
-    /// A link that is not found gives zeros, without a message; so with the acceleration.
-    void calculateVelocity(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
-                           NqXmlRealVector& velocity, unsigned start) const override;
-    void calculateAcceleration(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
-                               NqXmlRealVector& acceleration, unsigned start) const override;
-
-    double minimumTime(const NqEndEffectorPlacement& from, const NqEndEffectorPlacement& to) const override;
 
     /// The distance, in m.
     double difference(const NqEndEffectorPlacement& a, const NqEndEffectorPlacement& b) const override;
@@ -53,6 +45,9 @@ public:
     /// The point in the system frame; untouched, with a message, where the link is not found.
     virtual void calculatePointPlacement(const NqIndividualManipulator& manipulator,
                                          NqManipulatorActiveState& state, NqVector& point) const;
+
+    /// The point as a frame whose motion the rows are.
+    NqCoordinateSystemTransformation motionFrame() const { return pointOffset(); }
 
 protected:
     /// The point, moved by the translation of the external offset; its rotation plays no part.

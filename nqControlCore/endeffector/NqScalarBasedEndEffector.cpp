@@ -1,20 +1,22 @@
 #include <nqControlCore/endeffector/NqScalarBasedEndEffector.h>
 
+#include <nqControlCore/endeffector/NqVelocityEntries.h>
+
 #include <cmath>
 
-namespace {
+using NqVelocityEntries::numberAt;
 
-double firstEntry(const NqXmlRealVector& velocity) {
-    return velocity.empty() ? 0.0 : velocity[0];
+void NqScalarBasedEndEffector::calculateAcceleration(const NqIndividualManipulator&,
+                                                     NqManipulatorActiveState&, NqXmlRealVector& acceleration,
+                                                     unsigned start) const {
+    NqVelocityEntries::putZeros(start, doc(), acceleration);
 }
-
-} // namespace
 
 void NqScalarBasedEndEffector::filterEndEffectorVelocity(const NqXmlRealVector& desiredVelocity,
                                                          const NqXmlRealVector& previousVelocity,
                                                          double timeStep, NqXmlRealVector& filtered) const {
     double out = 0.0;
-    motionFilter().filterVelocity(firstEntry(desiredVelocity), firstEntry(previousVelocity), timeStep, out);
+    motionFilter().filterVelocity(numberAt(desiredVelocity), numberAt(previousVelocity), timeStep, out);
     filtered.assign(1, out);
 }
 
@@ -23,8 +25,8 @@ void NqScalarBasedEndEffector::filterNumber(double present, double desired,
                                             const NqXmlRealVector& previousVelocity, double timeStep,
                                             NqXmlRealVector& filtered) const {
     double out = 0.0;
-    motionFilter().calculateVelocity(present, desired, firstEntry(desiredVelocity),
-                                     firstEntry(previousVelocity), timeStep, out);
+    motionFilter().calculateVelocity(present, desired, numberAt(desiredVelocity), numberAt(previousVelocity),
+                                     timeStep, out);
     filtered.assign(1, out);
 }
 

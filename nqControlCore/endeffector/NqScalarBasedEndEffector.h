@@ -6,6 +6,12 @@
 /// translation.
 class NqScalarBasedEndEffector : public NqFilteredEndEffector<NqScalarMotionFilter> {
 public:
+    unsigned doc() const override { return 1; }
+
+    /// Zero.
+    void calculateAcceleration(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
+                               NqXmlRealVector& acceleration, unsigned start) const override;
+
     using NqEndEffector::filterEndEffectorVelocity;
     void filterEndEffectorVelocity(const NqXmlRealVector& desiredVelocity,
                                    const NqXmlRealVector& previousVelocity, double timeStep,

@@ -12,13 +12,22 @@
 #include <string>
 #include <vector>
 
+/// The axes that an end-effector's rows may be in: those of its own frame, and those of the link that it is
+/// relative to, which are the system's where there is none.
+struct NqRowAxes {
+    NqOrientation own;
+    NqOrientation reference;
+};
+
 /// What sets a type apart from the ordinary. A property that doesn't hold is named with its reason.
 struct NqEndEffectorTraits {
+    /// The rows as a function of the motion of the end-effector's frame, in the axes of the system; empty
+    /// where they are of something else.
+    std::function<std::vector<double>(const NqEndEffector&, const NqGeneralMotion&, const NqRowAxes&)> rows{};
+    bool hasOwnAxes = false; ///< whether the rows are in the frame's own axes, which turn with it
     /// d(error)/dt against the velocity: -1 where the error is desired minus present.
     double errorSign = -1.0;
     bool usesExternalOffset = true;    ///< whether an external offset moves the end-effector
-    bool hasLinearRows = true;         ///< whether its first rows are a linear velocity
-    bool hasAngularRows = false;       ///< whether its last rows are an angular velocity
     std::string whyNoVelocity{};       ///< why velocities aren't those of the Jacobian, if they aren't
     std::string whyNoError{};          ///< why errors aren't those of the placement, if they aren't
     std::string whyNoBaseMotion{};     ///< why the columns of the base aren't its motion, if they aren't
@@ -26,33 +35,50 @@ struct NqEndEffectorTraits {
     std::string whyNoRelativeMotion{}; ///< why relative modes play no part, if they don't
 };
 
-inline NqEndEffectorTraits nqTraitsOf(const NqPointEndEffector&) {
-    return {};
+/// Components of a motion in the axes of the system, by index.
+template <unsigned... Indices>
+std::vector<double> nqComponentsOf(const NqEndEffector&, const NqGeneralMotion& motion, const NqRowAxes&) {
+    return {motion[Indices]...};
 }
-inline NqEndEffectorTraits nqTraitsOf(const NqFrameEndEffector&) {
-    return {.hasAngularRows = true};
+
+/// Each type has its own; one without does not compile.
+template <typename EndEffector>
+NqEndEffectorTraits nqTraitsOf() = delete;
+
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqPointEndEffector>() {
+    return {.rows = nqComponentsOf<0, 1, 2>};
 }
-inline NqEndEffectorTraits nqTraitsOf(const NqOrientationEndEffector&) {
-    return {.usesExternalOffset = false,
-            .hasLinearRows = false,
-            .hasAngularRows = true,
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqFrameEndEffector>() {
+    return {.rows = nqComponentsOf<0, 1, 2, 3, 4, 5>};
+}
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqOrientationEndEffector>() {
+    return {.rows = nqComponentsOf<3, 4, 5>,
+            .usesExternalOffset = false,
             .whyNoBaseMotion = "the ones stand in the columns of the base's translation"};
 }
 /// What the types that drive a number have in common.
-inline NqEndEffectorTraits nqTraitsOf(const NqScalarBasedEndEffector&) {
+inline NqEndEffectorTraits nqTraitsOfNumbers() {
     return {.errorSign = 1.0,
             .usesExternalOffset = false,
-            .hasLinearRows = false,
             .whyNoAcceleration = "the acceleration of a number is zero by definition",
             .whyNoRelativeMotion = "only links that the type names itself count"};
 }
-inline NqEndEffectorTraits nqTraitsOf(const NqPointDistanceEndEffector& distance) {
-    NqEndEffectorTraits traits = nqTraitsOf(static_cast<const NqScalarBasedEndEffector&>(distance));
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqLinearConstraintEndEffector>() {
+    return nqTraitsOfNumbers();
+}
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqPointDistanceEndEffector>() {
+    NqEndEffectorTraits traits = nqTraitsOfNumbers();
     traits.whyNoError = "the error is zero by definition";
     return traits;
 }
-inline NqEndEffectorTraits nqTraitsOf(const NqAxisRotateEndEffector& axis) {
-    NqEndEffectorTraits traits = nqTraitsOf(static_cast<const NqScalarBasedEndEffector&>(axis));
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqAxisRotateEndEffector>() {
+    NqEndEffectorTraits traits = nqTraitsOfNumbers();
     traits.whyNoVelocity = "the velocity takes the z axis of the system for that of the frame";
     traits.whyNoBaseMotion = "the columns of the base are zero";
     return traits;
@@ -77,6 +103,7 @@ inline void nqAttach(NqPointDistanceEndEffector& distance, const std::string& li
 struct NqEndEffectorKind {
     std::string name;
     NqEndEffectorTraits traits;
+    bool hasNumber; ///< whether the placement's z translation is a number that the one row drives
     std::function<std::unique_ptr<NqEndEffector>()> makeDefault;
     std::function<void(NqEndEffector&, const std::string& link, const std::string& second)> attach;
 
@@ -98,7 +125,8 @@ inline const std::vector<NqEndEffectorKind>& nqEndEffectorKinds() {
         std::vector<NqEndEffectorKind> kinds;
         NqEndEffectorTypes::forEach([&]<typename EndEffector>() {
             const std::string token(EndEffector::classToken().localName());
-            kinds.push_back({token.substr(0, token.find("EndEffector")), nqTraitsOf(EndEffector()),
+            kinds.push_back({token.substr(0, token.find("EndEffector")), nqTraitsOf<EndEffector>(),
+                             std::is_base_of_v<NqScalarBasedEndEffector, EndEffector>,
                              [] { return std::make_unique<EndEffector>(); },
                              [](NqEndEffector& any, const std::string& link, const std::string& second) {
                                  nqAttach(dynamic_cast<EndEffector&>(any), link, second);

@@ -99,8 +99,46 @@ protected:
         return change;
     }
 
-    /// The Jacobian against central differences of the error, or of a number in the placement, in the
-    /// direction of the state's velocity, and against the velocity.
+    /// The rows for a motion of the end-effector's frame, in the present state.
+    NqXmlRealVector rowsOf(NqManipulatorActiveState& state, const NqGeneralMotion& motion,
+                           const NqOrientation& reference) const {
+        const NqManipulatorLink* link = manipulator.linkByLabel(endEffector->linkIdentifier());
+        NqRowAxes axes{link->primaryFrameInSystem(state.activePositionState()).orientation(), reference};
+        if (const auto* onFrame = dynamic_cast<const NqFrameBasedEndEffector*>(endEffector.get())) {
+            axes.own = axes.own * onFrame->motionFrame().orientation();
+        }
+        return NqXmlRealVector(kind.traits.rows(*endEffector, motion, axes));
+    }
+
+    /// The rows for the change of the placement, by central differences: in the system, or in the frame of a
+    /// link.
+    NqXmlRealVector placementRates(NqManipulatorActiveState& state, const NqManipulatorLink* reference) {
+        const auto placementIn = [&](NqManipulatorActiveState& moved) {
+            NqEndEffectorPlacement placement;
+            if (reference) {
+                endEffector->calculatePlacementInRelative(manipulator, moved, placement);
+            } else {
+                endEffector->calculatePlacement(manipulator, moved, placement);
+            }
+            return placement.coordSysXForm();
+        };
+        const NqCoordinateSystemTransformation present = placementIn(state);
+        const NqOrientation turn =
+            reference ? reference->primaryFrameInSystem(state.activePositionState()).orientation()
+                      : NqOrientation();
+        const NqXmlRealVector rate = differences(state, [&](NqManipulatorActiveState& moved) {
+            const NqCoordinateSystemTransformation there = placementIn(moved);
+            const NqVector linear = turn * there.translation();
+            double q[4];
+            (there.orientation() * present.orientation().inverse()).getQuaternion(q[0], q[1], q[2], q[3]);
+            const NqVector angular = turn * NqVector(q[1], q[2], q[3]) * (q[0] > 0.0 ? 2.0 : -2.0);
+            return NqXmlRealVector{linear[0], linear[1], linear[2], angular[0], angular[1], angular[2]};
+        });
+        return rowsOf(state, {{rate[0], rate[1], rate[2]}, {rate[3], rate[4], rate[5]}}, turn);
+    }
+
+    /// The Jacobian against central differences of the error, and of the placement or the number in it, in
+    /// the direction of the state's velocity, and against the velocity.
     void expectJacobianMatches() {
         for (unsigned pose = 0; pose < poses; ++pose) {
             NqManipulatorActiveState state = randomState(kind.traits.whyNoBaseMotion.empty());
@@ -123,7 +161,9 @@ protected:
             if (kind.traits.whyNoError.empty()) {
                 expectNear(change, product, 1e-6, "differences of the error");
             }
-            if (!kind.traits.hasLinearRows && !kind.traits.hasAngularRows) {
+            if (kind.traits.rows) {
+                expectNear(placementRates(state, nullptr), product, 1e-6, "differences of the placement");
+            } else if (kind.hasNumber) {
                 const NqXmlRealVector rate = differences(state, [&](NqManipulatorActiveState& moved) {
                     endEffector->calculatePlacement(manipulator, moved, here);
                     return NqXmlRealVector{here.coordSysXForm().translation().z()};
@@ -171,8 +211,21 @@ TEST_P(EveryEndEffector, AccelerationIsTheChangeOfVelocity) {
     }
     for (unsigned pose = 0; pose < poses; ++pose) {
         NqManipulatorActiveState state = nqRandomState(model, random);
-        const NqXmlRealVector change =
-            differences(state, [&](NqManipulatorActiveState& moved) { return velocity(moved); });
+        NqXmlRealVector change;
+        if (kind.traits.hasOwnAxes) {
+            // The whole motion of the frame, in axes that rest.
+            NqFrameEndEffector whole;
+            whole.setLinkIdentifier(endEffector->linkIdentifier());
+            whole.setFrame(dynamic_cast<const NqFrameBasedEndEffector&>(*endEffector).frame());
+            const NqXmlRealVector a = differences(state, [&](NqManipulatorActiveState& moved) {
+                NqXmlRealVector v;
+                whole.calculateVelocity(manipulator, moved, v, 0);
+                return v;
+            });
+            change = rowsOf(state, {{a[0], a[1], a[2]}, {a[3], a[4], a[5]}}, NqOrientation());
+        } else {
+            change = differences(state, [&](NqManipulatorActiveState& moved) { return velocity(moved); });
+        }
         NqXmlRealVector acceleration;
         endEffector->calculateAcceleration(manipulator, state, acceleration, 0);
         expectNear(acceleration, change, 1e-5, "acceleration");
@@ -193,31 +246,7 @@ TEST_P(EveryEndEffector, InternalRelativeModeTakesTheRelativeMotionAway) {
         std::vector<double> product;
         ASSERT_TRUE(j.transform(rates(state), product));
 
-        // The rate of the placement in the relative frame, turned into the system frame.
-        NqEndEffectorPlacement present;
-        endEffector->calculatePlacementInRelative(manipulator, state, present);
-        const NqOrientation turn = reference->primaryFrameInSystem(state.activePositionState()).orientation();
-        const NqXmlRealVector rate = differences(state, [&](NqManipulatorActiveState& moved) {
-            NqEndEffectorPlacement placement;
-            endEffector->calculatePlacementInRelative(manipulator, moved, placement);
-            const NqCoordinateSystemTransformation& there = placement;
-            const NqVector linear = turn * there.translation();
-            NqXmlRealVector values;
-            if (kind.traits.hasLinearRows) {
-                values = NqXmlRealVector{linear[0], linear[1], linear[2]};
-            }
-            if (kind.traits.hasAngularRows) {
-                double q[4];
-                (there.orientation() * present.coordSysXForm().orientation().inverse())
-                    .getQuaternion(q[0], q[1], q[2], q[3]);
-                const NqVector angular = turn * NqVector(q[1], q[2], q[3]) * (q[0] > 0.0 ? 2.0 : -2.0);
-                for (unsigned i = 0; i < 3; ++i) {
-                    values.pushBack(angular[i]);
-                }
-            }
-            return values;
-        });
-        expectNear(rate, product, 1e-6, "relative velocity");
+        expectNear(placementRates(state, reference), product, 1e-6, "relative velocity");
 
         NqEndEffectorPlacement there;
         NqEndEffectorPlacement back;

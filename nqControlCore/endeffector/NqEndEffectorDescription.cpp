@@ -1,0 +1,6 @@
+#include <nqControlCore/endeffector/NqEndEffectorDescription.h>
+
+const NqEndEffectorDescription& NqEndEffectorDescription::none() {
+    static const NqEndEffectorDescription theDescription;
+    return theDescription;
+}

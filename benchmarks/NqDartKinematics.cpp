@@ -1,36 +1,15 @@
 #include "NqDartKinematics.h"
 
+#include "NqDartSkeleton.h"
+
 #include <dart/dynamics/BodyNode.hpp>
 #include <dart/dynamics/DegreeOfFreedom.hpp>
 #include <dart/dynamics/Skeleton.hpp>
-#include <dart/utils/urdf/DartLoader.hpp>
 
 #include <cstdio>
 
-namespace {
-
-/// DART refuses robots whose meshes it can't find, and here nobody needs them.
-std::string withoutShapes(std::string urdf) {
-    for (const std::string element : {"visual", "collision"}) {
-        const std::string end = "</" + element + ">";
-        for (std::size_t first; (first = urdf.find("<" + element)) != std::string::npos;) {
-            const std::size_t last = urdf.find(end, first);
-            if (last == std::string::npos) {
-                return urdf;
-            }
-            urdf.erase(first, last + end.size() - first);
-        }
-    }
-    return urdf;
-}
-
-} // namespace
-
 std::unique_ptr<NqDartKinematics> NqDartKinematics::make(const NqBenchmarkCase& benchmarkCase) {
-    using Loader = dart::utils::DartLoader;
-    Loader loader(Loader::Options(nullptr, Loader::RootJointType::FIXED));
-    std::shared_ptr<dart::dynamics::Skeleton> skeleton =
-        loader.parseSkeletonString(withoutShapes(benchmarkCase.urdf()), "");
+    const dart::dynamics::SkeletonPtr skeleton = nqDartSkeleton(benchmarkCase.urdf(), false);
     if (!skeleton || skeleton->getNumDofs() != benchmarkCase.joints()) {
         std::fprintf(stderr, "%s: DART finds %zu joints, and takes no part\n", benchmarkCase.title().c_str(),
                      skeleton ? skeleton->getNumDofs() : 0);

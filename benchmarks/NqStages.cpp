@@ -7,6 +7,8 @@
 #include <nqControlCore/filter/NqRotationMotionFilter.h>
 #include <nqControlCore/filter/NqScalarMotionFilter.h>
 #include <nqControlCore/filter/NqTrapezoidalProfileTool.h>
+#include <nqControlCore/foundation/manipulator/NqGravitationalTorqueTool.h>
+#include <nqControlCore/foundation/manipulator/NqMatrixDTool.h>
 #include <nqControlCore/foundation/xml/NqXmlDocument.h>
 
 #include <benchmark/benchmark.h>
@@ -43,6 +45,61 @@ std::shared_ptr<NullSpace> makeNullSpace(const NqOwnPeer& peer) {
     return made;
 }
 
+/// What the mass of a robot asks for in each pose, the frames of all links included.
+class MassStages {
+public:
+    explicit MassStages(const NqBenchmarkCase& benchmarkCase)
+        : m_Manipulator(benchmarkCase.manipulator()), m_Own(benchmarkCase),
+          m_Jacobian(3, benchmarkCase.joints()) {
+        m_MomentumTool.setManipulator(m_Manipulator);
+        m_GravityTool.setManipulator(m_Manipulator);
+    }
+
+    void frames(unsigned step) {
+        m_Own.setState(step);
+        benchmark::DoNotOptimize(
+            m_Manipulator.linkByIndex(0)->linkFrameInSystem(m_Own.state().activePositionState()));
+    }
+
+    void centerOfMass(unsigned step) {
+        m_Own.setState(step);
+        NqManipulatorActivePositionState& positions = m_Own.state().activePositionState();
+        const NqVector center = m_Manipulator.centerOfMass(positions);
+        const double perMass = 1.0 / m_Manipulator.compositeMass();
+        const auto momenta = m_Manipulator.linearMomentaOfUnitRates(positions);
+        for (unsigned i = 0; i < 3; ++i) {
+            for (unsigned j = 0; j < momenta.size(); ++j) {
+                m_Jacobian[i][j] = perMass * momenta[j][i];
+            }
+        }
+        benchmark::DoNotOptimize(center);
+        benchmark::DoNotOptimize(m_Jacobian[0].data());
+    }
+
+    void momentum(unsigned step) {
+        m_Own.setState(step);
+        const NqCompositeMoments& moments = m_MomentumTool.compositeMoments(m_Own.state());
+        m_MomentumTool.momentumMatrix(moments, moments.baseOrientation, m_Momenta);
+        benchmark::DoNotOptimize(m_Manipulator.linearMomentum(m_Own.state()));
+        benchmark::DoNotOptimize(m_Manipulator.angularMomentum(m_Own.state()));
+        benchmark::DoNotOptimize(m_Momenta[0].data());
+    }
+
+    void gravityTorques(unsigned step) {
+        m_Own.setState(step);
+        m_GravityTool.jointTorques(m_Own.state(), m_Torques);
+        benchmark::DoNotOptimize(m_Torques.data());
+    }
+
+private:
+    const NqIndividualManipulator& m_Manipulator;
+    NqOwnPeer m_Own;
+    NqMatrixDTool m_MomentumTool;
+    NqGravitationalTorqueTool m_GravityTool;
+    NqReArray m_Jacobian, m_Momenta;
+    std::vector<double> m_Torques;
+};
+
 } // namespace
 
 void NqStages::addControlStep(const NqBenchmarkCase& benchmarkCase, NqBenchmarkRun& run) {
@@ -57,11 +114,14 @@ void NqStages::addControlStep(const NqBenchmarkCase& benchmarkCase, NqBenchmarkR
 
     add("control step", [own](unsigned k) { own->step(k); });
     add("set positions and rates", [own](unsigned k) { own->setState(k); });
-    add("set positions and rates, frames of all links", [own, &benchmarkCase](unsigned k) {
-        own->setState(k);
-        const NqManipulatorLink& link = *benchmarkCase.manipulator().linkByIndex(0);
-        benchmark::DoNotOptimize(link.linkFrameInSystem(own->state().activePositionState()));
-    });
+    const auto masses = std::make_shared<MassStages>(benchmarkCase);
+    const auto addMass = [&](const char* name, void (MassStages::*stage)(unsigned)) {
+        add(name, [masses, stage](unsigned k) { ((*masses).*stage)(k); });
+    };
+    addMass("set positions and rates, frames of all links", &MassStages::frames);
+    addMass("  with centre of mass and its Jacobian", &MassStages::centerOfMass);
+    addMass("  with momentum and its matrix", &MassStages::momentum);
+    addMass("  with gravity torques", &MassStages::gravityTorques);
     addMember("Jacobian (frames are there)", &NqOwnPeer::insertJacobian);
     addMember("sparsity", &NqOwnPeer::insertSparsity);
     addMember("velocity (link velocities are there)", &NqOwnPeer::calculateVelocity);

@@ -1,3 +1,5 @@
+#include "NqCrossCheck.h"
+
 #include <nqControlCore/endeffector/NqFrameEndEffector.h>
 #include <nqControlCore/endeffector/NqOrientationEndEffector.h>
 #include <nqControlCore/endeffector/NqPointEndEffector.h>
@@ -11,8 +13,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <numbers>
 #include <random>
 
@@ -22,41 +22,19 @@ NqVector vector(const KDL::Vector& v) {
     return {v.x(), v.y(), v.z()};
 }
 
-double deviation(const NqVector& reference, const NqVector& actual) {
-    return (actual - reference).mag() / std::max(1.0, reference.mag());
-}
-
 /// The largest of the distances between two frames' origins and axes, relative to the size of the first (at
 /// least 1).
 double deviation(const KDL::Frame& reference, const NqCoordinateSystemTransformation& actual) {
     NqVector x, y, z;
     actual.orientation().getDcmColumns(x, y, z);
-    return std::max({deviation(vector(reference.p), actual.translation()),
-                     deviation(vector(reference.M.UnitX()), x), deviation(vector(reference.M.UnitY()), y),
-                     deviation(vector(reference.M.UnitZ()), z)});
+    return std::max({nqDeviation(vector(reference.p), actual.translation()),
+                     nqDeviation(vector(reference.M.UnitX()), x), nqDeviation(vector(reference.M.UnitY()), y),
+                     nqDeviation(vector(reference.M.UnitZ()), z)});
 }
 
 /// One robot description read twice, by this library and by Orocos KDL, at one pose in both.
 class NqKdlModel {
 public:
-    /// Descriptions to compare on: the models of the project, those of its tests, and the files in the folder
-    /// that the environment variable NQ_CROSSCHECK_MODELS names.
-    static std::vector<std::string> files() {
-        std::vector<std::string> result;
-        const char* further = std::getenv("NQ_CROSSCHECK_MODELS");
-        for (const char* folder : {NQ_MODELS, NQ_TEST_MODELS, further}) {
-            if (folder) {
-                for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-                    if (entry.path().extension() == ".urdf") {
-                        result.push_back(entry.path().string());
-                    }
-                }
-            }
-        }
-        std::ranges::sort(result);
-        return result;
-    }
-
     /// False where one of the two can't read the file.
     bool read(const std::string& fileName) {
         if (!NqUrdfReader::readFile(fileName, m_Manipulator) || !kdl_parser::treeFromFile(fileName, m_Tree)) {
@@ -119,8 +97,6 @@ private:
 };
 
 constexpr double kTolerance = 1.0e-12;
-constexpr unsigned kSeed = 20240;
-constexpr int kPoses = 20;
 
 class KdlKinematics : public testing::TestWithParam<std::string> {
 protected:
@@ -130,14 +106,14 @@ protected:
     /// gives.
     template <typename Check>
     void expectAgreement(const char* what, Check check) {
-        std::mt19937_64 generator(kSeed);
+        std::mt19937_64 generator(kCrossCheckSeed);
         double largest = 0.0;
-        for (int pose = 0; pose < kPoses; ++pose) {
+        for (int pose = 0; pose < kCrossCheckPoses; ++pose) {
             m_Model.setRandomPose(generator);
             for (const auto& [label, element] : m_Model.tree().getSegments()) {
                 const double deviation = check(label);
                 EXPECT_LE(deviation, kTolerance)
-                    << what << " of " << label << ", pose " << pose << ", seed " << kSeed;
+                    << what << " of " << label << ", pose " << pose << ", seed " << kCrossCheckSeed;
                 largest = std::max(largest, deviation);
             }
         }
@@ -193,7 +169,7 @@ TEST_P(KdlKinematics, JacobiansOnEachLink) {
 
 // KDL leaves out the mass of the root, and so what is fixed to it is left out here.
 TEST_P(KdlKinematics, MassOfAllThatMoves) {
-    std::mt19937_64 generator(kSeed);
+    std::mt19937_64 generator(kCrossCheckSeed);
     m_Model.setRandomPose(generator);
     KDL::RigidBodyInertia reference;
     for (const auto& [label, element] : m_Model.tree().getSegments()) {
@@ -215,11 +191,6 @@ TEST_P(KdlKinematics, MassOfAllThatMoves) {
     }
 }
 
-std::string modelName(const testing::TestParamInfo<std::string>& info) {
-    const std::string stem = info.param.substr(info.param.find_last_of('/') + 1);
-    return stem.substr(0, stem.find('.'));
-}
-
-INSTANTIATE_TEST_SUITE_P(Models, KdlKinematics, testing::ValuesIn(NqKdlModel::files()), modelName);
+INSTANTIATE_TEST_SUITE_P(Models, KdlKinematics, testing::ValuesIn(nqCrossCheckFiles()), nqCrossCheckName);
 
 } // namespace

@@ -9,12 +9,25 @@ struct Answers {
     Answers(const NqManipulatorLink& link, NqManipulatorActiveState& state)
         : frame(link.primaryFrameInSystem(state.activePositionState())), velocity(link.localVelocity(state)),
           primaryVelocity(link.primaryFrameVelocity(state)), acceleration(link.localAcceleration(state)),
-          composite(link.compositeMassProperties(state)) {}
+          composite(link.compositeMassProperties(state)),
+          firstMoment(link.compositeFirstMoment(state.activePositionState())),
+          linearMomentum(manipulatorOf(link).linearMomentum(state)),
+          angularMomentum(manipulatorOf(link).angularMomentum(state)) {}
     bool operator==(const Answers&) const = default;
 
     NqCoordinateSystemTransformation frame;
     NqGeneralMotion velocity, primaryVelocity, acceleration;
     NqRigidBodyMassProperties composite;
+    NqVector firstMoment, linearMomentum, angularMomentum;
+
+private:
+    static const NqIndividualManipulator& manipulatorOf(const NqManipulatorLink& link) {
+        const NqManipulatorLink* root = &link;
+        while (root->parentLink()) {
+            root = root->parentLink();
+        }
+        return dynamic_cast<const NqIndividualManipulator&>(*root);
+    }
 };
 
 class ManipulatorState : public testing::Test {

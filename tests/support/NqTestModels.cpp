@@ -16,6 +16,31 @@ std::shared_ptr<NqIndividualManipulator> planarArm() {
     return arm;
 }
 
+NqRigidBodyMassProperties solid(double mass, const NqVector& centerOfMass) {
+    return NqRigidBodyMassProperties::fromCentral(
+        mass, {centerOfMass, NqOrientation(0.6, {1.0, 0.4, -0.7})},
+        NqSecondMoment(0.02 * mass, 0.003 * mass, 0.0, 0.03 * mass, -0.001 * mass, 0.04 * mass));
+}
+
+/// base - post (fixed) - upper - bracket (fixed) - lower - wrist - tool (fixed)
+std::shared_ptr<NqIndividualManipulator> bracketArm() {
+    const NqJointDescription revolute(NqJointDescription::Revolute), fixed;
+    auto arm = std::make_shared<NqIndividualManipulator>("bracket arm", "base", solid(5.0, {0.1, 0.0, 0.2}));
+    arm->addLink("base", "post", fixed, {NqVector(0.2, 0.1, 0.6), NqOrientation(0.5, {0.0, 1.0, 0.3})}, {},
+                 solid(3.0, {0.0, 0.0, -0.2}));
+    arm->addLink("post", "upper", revolute, NqVector(0.0, 0.1, 0.2), NqVector(0.2, -0.3, 1.0),
+                 solid(2.0, {0.2, 0.0, 0.1}));
+    arm->addLink("upper", "bracket", fixed, {NqVector(0.4, 0.0, 0.1), NqOrientation(-1.1, {1.0, 0.5, 0.2})},
+                 {}, solid(0.7, {0.0, 0.06, 0.02}));
+    arm->addLink("bracket", "lower", revolute, NqVector(0.05, 0.1, 0.0), NqVector(0.0, -1.0, 0.4),
+                 solid(1.5, {0.1, -0.1, 0.15}));
+    arm->addLink("lower", "wrist", revolute, {NqVector(0.1, 0.0, 0.35), NqOrientation(0.8, {0.0, 0.0, 1.0})},
+                 NqVector(1.0, 0.1, 0.0), solid(0.6, {0.0, 0.0, 0.05}));
+    arm->addLink("wrist", "tool", fixed, {NqVector(0.0, 0.1, 0.15), NqOrientation(0.9, {0.3, 1.0, -0.2})}, {},
+                 solid(0.4, {0.01, 0.0, 0.08}));
+    return arm;
+}
+
 } // namespace
 
 NqIndividualManipulator nqTestManipulator(const std::string& name) {
@@ -40,6 +65,14 @@ const std::vector<NqTestModel>& nqTestModels() {
             {"arm7", arm7, labelOf(*arm7, 6), labelOf(*arm7, 3), labelOf(*arm7, 2)},
             {"tree", tree, "left_slide", "right_tip", "right"},
             {"freeTree", tree, "left_slide", "right_tip", "right", true},
+            {"bracket", bracketArm(), "tool", "bracket", "bracket"},
+            {"hungArm",
+             arm7,
+             labelOf(*arm7, 6),
+             labelOf(*arm7, 3),
+             labelOf(*arm7, 2),
+             false,
+             {NqVector(0.3, -0.8, 1.2), NqOrientation(2.1, {1.0, -2.0, 0.5})}},
         };
     }();
     return theModels;
@@ -68,6 +101,7 @@ NqManipulatorActiveState nqRandomState(const NqTestModel& model, std::mt19937_64
         velocity.setJointVelocity(i, uniform(random));
         acceleration.setJointAcceleration(i, uniform(random));
     }
+    position.setBaseFrame(model.baseFrame);
     if (model.movesBase) {
         position.setBaseFrame(nqRandomFrame(random));
         velocity.setBaseMotion({nqRandomVector(random), nqRandomVector(random)});

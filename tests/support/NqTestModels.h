@@ -15,14 +15,16 @@ struct NqTestModel {
     std::string link;         ///< for the end-effector
     std::string secondLink;   ///< for end-effectors between two links, inboard of `link` or on another branch
     std::string relativeLink; ///< to be relative to
-    bool movesBase = false;   ///< whether the base has a pose and moves
+    bool movesBase = false;   ///< whether the base has a pose at random and moves
+    NqCoordinateSystemTransformation baseFrame{}; ///< where the base rests unless it moves
 };
 
 /// The manipulator of a description: the tests' own "branched", or one of the project's models.
 NqIndividualManipulator nqTestManipulator(const std::string& name);
 
 /// A planar arm of 2 joints, arms of 6 and of 7 joints, the tree "branched" with its oblique and prismatic
-/// axes, and the same tree with a free base.
+/// axes, the same tree with a free base, an arm of 3 joints whose base, middle and end have bodies with mass
+/// fixed to them, and the arm of 7 joints hung up obliquely.
 const std::vector<NqTestModel>& nqTestModels();
 
 /// A state with everything drawn at random: joints, rates, accelerations and, for a model that moves its

@@ -156,6 +156,30 @@ NqIndividualManipulator::baseFrameInSystem(NqManipulatorActivePositionState& sta
     return linkFrameInSystem(state);
 }
 
+NqVector NqIndividualManipulator::centerOfMass(NqManipulatorActivePositionState& state) const {
+    const NqVector& origin = baseFrameInSystem(state).translation();
+    const double mass = compositeMass();
+    return mass > 0.0 ? origin + compositeFirstMoment(state) / mass : origin;
+}
+
+std::span<const NqVector>
+NqIndividualManipulator::linearMomentaOfUnitRates(NqManipulatorActivePositionState& state) const {
+    return std::span(state.firstMoments(m_KinematicTree).linearMomenta).subspan(1);
+}
+
+std::span<const NqVector>
+NqIndividualManipulator::angularMomentaOfUnitRates(NqManipulatorActivePositionState& state) const {
+    return std::span(state.compositeMoments(m_KinematicTree).angularMomenta).subspan(1);
+}
+
+const NqVector& NqIndividualManipulator::linearMomentum(NqManipulatorActiveState& state) const {
+    return state.linearMomentum(m_KinematicTree);
+}
+
+const NqVector& NqIndividualManipulator::angularMomentum(NqManipulatorActiveState& state) const {
+    return state.angularMomentum(m_KinematicTree);
+}
+
 const NqManipulatorLink* NqIndividualManipulator::link(unsigned number) const {
     return number == 0 ? this : number <= m_Links.size() ? m_Links[number - 1].get() : nullptr;
 }

@@ -4,6 +4,7 @@
 #include <nqControlCore/foundation/manipulator/NqManipulatorLink.h>
 
 #include <memory>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -59,10 +60,33 @@ public:
     virtual const NqCoordinateSystemTransformation&
     baseFrameInSystem(NqManipulatorActivePositionState& state) const;
 
+    /// The centre of mass of the whole manipulator, in the system frame; the base frame's origin where there
+    /// is no mass.
+    virtual NqVector centerOfMass(NqManipulatorActivePositionState& state) const;
+
+    /// Linear momentum (kg m/s) of the whole manipulator for a unit rate of each joint, by joint index, in
+    /// the axes of the system frame: the columns of a Jacobian of its first moment. Holds as long as frames
+    /// do.
+    virtual std::span<const NqVector> linearMomentaOfUnitRates(NqManipulatorActivePositionState& state) const;
+
+    /// The same for the angular momentum (kg m^2/s) about the origin of the base frame.
+    virtual std::span<const NqVector>
+    angularMomentaOfUnitRates(NqManipulatorActivePositionState& state) const;
+
+    /// Linear momentum of the whole manipulator as it moves, the motion of its base included, in the axes of
+    /// the system frame: its mass times the velocity of its centre of mass.
+    virtual const NqVector& linearMomentum(NqManipulatorActiveState& state) const;
+
+    /// Its angular momentum about the origin of the base frame.
+    virtual const NqVector& angularMomentum(NqManipulatorActiveState& state) const;
+
     /// All labelled links, bodies on fixed joints included: the base first, then in the order of addition.
     virtual unsigned numberOfLinks() const { return static_cast<unsigned>(m_Links.size() + 1); }
     /// One of these; null if there is none.
     virtual const NqManipulatorLink* link(unsigned number) const;
+
+    /// The moving links as flat arrays; changes with every link that is added.
+    const NqKinematicTree& kinematicTree() const { return m_KinematicTree; }
 
 private:
     NqManipulatorLink* body(std::size_t number) { return number == 0 ? this : m_Links[number - 1].get(); }

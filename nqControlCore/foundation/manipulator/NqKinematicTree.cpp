@@ -2,7 +2,8 @@
 
 #include <atomic>
 
-NqKinematicTree::NqKinematicTree() : m_Entries(1), m_MassProperties(1) {
+NqKinematicTree::NqKinematicTree()
+    : m_Entries(1), m_FirstMoments(1), m_SecondMoments(1), m_CompositeMasses(1) {
     changed();
 }
 
@@ -14,13 +15,19 @@ void NqKinematicTree::changed() {
 std::size_t NqKinematicTree::addJoint(std::size_t parent, bool isPrismatic,
                                       const NqCoordinateSystemTransformation& placement) {
     m_Entries.push_back({parent, isPrismatic, placement});
-    m_MassProperties.emplace_back();
+    m_FirstMoments.emplace_back();
+    m_SecondMoments.emplace_back();
+    m_CompositeMasses.push_back(0.0);
     changed();
     return m_Entries.size() - 1;
 }
 
 void NqKinematicTree::addBody(std::size_t entry, const NqRigidBodyMassProperties& massProperties) {
-    m_MassProperties[entry] += massProperties;
+    m_FirstMoments[entry] += massProperties.firstMoment();
+    m_SecondMoments[entry] += massProperties.secondMoment();
+    m_CompositeMasses[0] += massProperties.mass();
+    forEachInboardEntry(entry,
+                        [&](std::size_t inboard) { m_CompositeMasses[inboard] += massProperties.mass(); });
     ++m_NumberOfBodies;
     changed();
 }
@@ -88,13 +95,47 @@ void NqKinematicTree::computeAccelerations(const std::vector<NqCoordinateSystemT
     }
 }
 
-void NqKinematicTree::computeCompositeMassProperties(
-    const std::vector<NqCoordinateSystemTransformation>& frames,
-    std::vector<NqRigidBodyMassProperties>& composites) const {
-    composites = m_MassProperties;
+void NqKinematicTree::computeFirstMoments(const std::vector<NqCoordinateSystemTransformation>& frames,
+                                          NqCompositeMoments& moments) const {
+    std::vector<NqVector>& composites = moments.firstMoments;
+    composites.resize(m_Entries.size());
+    moments.linearMomenta.resize(m_Entries.size());
+    moments.linearMomenta[0] = NqVector();
+    moments.baseOrientation = frames[0].orientation();
+    for (std::size_t i = 0; i < m_Entries.size(); ++i) {
+        composites[i] = frames[i].orientation() * m_FirstMoments[i];
+    }
     for (std::size_t i = m_Entries.size() - 1; i > 0; --i) {
-        const std::size_t parent = m_Entries[i].parent;
-        NqRigidBodyMassProperties inParent = composites[i];
-        composites[parent] += inParent.transformBy(frames[parent].inverse() * frames[i]);
+        const Entry& entry = m_Entries[i];
+        const NqVector axis = frames[i].orientation().zAxis();
+        const NqVector arm = frames[i].translation() - frames[entry.parent].translation();
+        moments.linearMomenta[i] =
+            entry.isPrismatic ? m_CompositeMasses[i] * axis : axis.cross(composites[i]);
+        composites[entry.parent] += composites[i] + m_CompositeMasses[i] * arm;
+    }
+}
+
+void NqKinematicTree::computeSecondMoments(const std::vector<NqCoordinateSystemTransformation>& frames,
+                                           NqCompositeMoments& moments) const {
+    std::vector<NqSecondMoment>& composites = moments.secondMoments;
+    composites.resize(m_Entries.size());
+    moments.angularMomenta.resize(m_Entries.size());
+    moments.angularMomenta[0] = NqVector();
+    for (std::size_t i = 0; i < m_Entries.size(); ++i) {
+        composites[i] = m_SecondMoments[i];
+        composites[i].transformBy(frames[i].orientation());
+    }
+    const NqVector& origin = frames[0].translation();
+    for (std::size_t i = m_Entries.size() - 1; i > 0; --i) {
+        const Entry& entry = m_Entries[i];
+        const NqVector& firstMoment = moments.firstMoments[i];
+        const NqVector& place = frames[i].translation();
+        const NqVector axis = frames[i].orientation().zAxis();
+        const NqVector arm = place - frames[entry.parent].translation();
+        moments.angularMomenta[i] = (entry.isPrismatic ? firstMoment.cross(axis) : composites[i] * axis) +
+                                    (place - origin).cross(moments.linearMomenta[i]);
+        composites[entry.parent] += composites[i];
+        composites[entry.parent] +=
+            NqSecondMoment::ofMoments(2.0 * firstMoment + m_CompositeMasses[i] * arm, arm);
     }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <nqControlCore/foundation/manipulator/NqCompositeMoments.h>
 #include <nqControlCore/foundation/manipulator/NqRigidBodyMassProperties.h>
 #include <nqControlCore/foundation/math/NqCoordinateSystemTransformation.h>
 #include <nqControlCore/foundation/math/NqGeneralMotion.h>
@@ -35,6 +36,19 @@ public:
     /// Adds a body that moves with `entry`, its mass properties given in the frame of that entry.
     void addBody(std::size_t entry, const NqRigidBodyMassProperties& massProperties);
 
+    bool isPrismatic(std::size_t entry) const { return m_Entries[entry].isPrismatic; }
+
+    /// Whether a motion of the joint of `inboard`, or of the base, moves `entry`.
+    bool carries(std::size_t inboard, std::size_t entry) const {
+        while (entry > inboard) {
+            entry = m_Entries[entry].parent;
+        }
+        return entry == inboard;
+    }
+
+    /// Mass of an entry and of all that hangs from it.
+    double compositeMass(std::size_t entry) const { return m_CompositeMasses[entry]; }
+
     /// Calls `visit(entry)` for the entries from this one towards the base, which is not visited.
     template <typename Visit>
     void forEachInboardEntry(std::size_t entry, Visit visit) const {
@@ -55,8 +69,9 @@ public:
                                             : NqGeneralMotion(axis.cross(origin - frame.translation()), axis);
     }
 
-    // The passes go from the base to the leaves, or back for the composite properties. Vectors of joint
-    // values must have an entry per joint, all others one per entry; the sizes are not checked.
+    // The passes go from the base to the leaves, and from the leaves to the base for moments. Vectors of
+    // joint values must have an entry per joint, all others of the caller one per entry; the sizes are not
+    // checked.
 
     /// Frames in the system frame.
     void computeFrames(const NqCoordinateSystemTransformation& baseFrame,
@@ -75,9 +90,13 @@ public:
                               const std::vector<double>& jointAccelerations,
                               std::vector<NqGeneralMotion>& accelerations) const;
 
-    /// Mass properties of each link together with all that hangs from it, in its own frame.
-    void computeCompositeMassProperties(const std::vector<NqCoordinateSystemTransformation>& frames,
-                                        std::vector<NqRigidBodyMassProperties>& composites) const;
+    /// Moments of the first order. Sizes the vectors.
+    void computeFirstMoments(const std::vector<NqCoordinateSystemTransformation>& frames,
+                             NqCompositeMoments& moments) const;
+
+    /// Moments of the second order, where those of the first are there. Sizes the vectors.
+    void computeSecondMoments(const std::vector<NqCoordinateSystemTransformation>& frames,
+                              NqCompositeMoments& moments) const;
 
 private:
     struct Entry {
@@ -91,5 +110,9 @@ private:
     std::uint64_t m_Id = 0;
     std::size_t m_NumberOfBodies = 0;
     std::vector<Entry> m_Entries;
-    std::vector<NqRigidBodyMassProperties> m_MassProperties;
+
+    // Of each entry alone, about the origin of its DH frame and in its axes; and with all that hangs from it.
+    std::vector<NqVector> m_FirstMoments;
+    std::vector<NqSecondMoment> m_SecondMoments;
+    std::vector<double> m_CompositeMasses;
 };

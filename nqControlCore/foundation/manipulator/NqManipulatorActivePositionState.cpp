@@ -22,18 +22,37 @@ void NqManipulatorActivePositionState::computeFrames(const NqKinematicTree& tree
     }
     m_Frames.resize(tree.size());
     m_PrimaryFrames.grow(tree.numberOfBodies());
+    m_Composites.grow(tree.size());
     NqXmlRealVector& positions = m_PositionState.jointPositions();
     NqJointVectors::grow("NqManipulatorActivePositionState", positions, tree.numberOfJoints());
     tree.computeFrames(m_PositionState.baseFrame(), positions.values(), m_Frames);
     m_FramesGeneration = m_Generation.value();
 }
 
+const NqCompositeMoments& NqManipulatorActivePositionState::firstMoments(const NqKinematicTree& tree) {
+    update(tree);
+    if (m_FirstMomentsGeneration != m_Generation.value()) {
+        tree.computeFirstMoments(m_Frames, m_Moments);
+        m_FirstMomentsGeneration = m_Generation.value();
+    }
+    return m_Moments;
+}
+
+const NqCompositeMoments& NqManipulatorActivePositionState::compositeMoments(const NqKinematicTree& tree) {
+    firstMoments(tree);
+    if (m_SecondMomentsGeneration != m_Generation.value()) {
+        tree.computeSecondMoments(m_Frames, m_Moments);
+        m_SecondMomentsGeneration = m_Generation.value();
+    }
+    return m_Moments;
+}
+
 const NqRigidBodyMassProperties&
 NqManipulatorActivePositionState::compositeMassProperties(const NqKinematicTree& tree, std::size_t entry) {
-    update(tree);
-    if (m_CompositesGeneration != m_Generation.value()) {
-        tree.computeCompositeMassProperties(m_Frames, m_Composites);
-        m_CompositesGeneration = m_Generation.value();
-    }
-    return m_Composites[entry];
+    const NqCompositeMoments& moments = compositeMoments(tree);
+    return m_Composites.get(entry, m_Generation.value(), [&] {
+        NqRigidBodyMassProperties composite(tree.compositeMass(entry), moments.firstMoments[entry],
+                                            moments.secondMoments[entry]);
+        return composite.transformBy(m_Frames[entry].orientation().inverse());
+    });
 }

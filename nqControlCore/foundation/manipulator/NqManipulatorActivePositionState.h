@@ -51,6 +51,10 @@ public:
         update(tree);
         return m_Frames;
     }
+    /// Moments of all entries of which only those of the first order are up to date.
+    const NqCompositeMoments& firstMoments(const NqKinematicTree& tree);
+    /// Moments of all entries.
+    const NqCompositeMoments& compositeMoments(const NqKinematicTree& tree);
     /// Mass properties of an entry and all that hangs from it, in its DH frame.
     const NqRigidBodyMassProperties& compositeMassProperties(const NqKinematicTree& tree, std::size_t entry);
 
@@ -74,8 +78,10 @@ private:
     NqCacheGeneration m_Generation;
     std::uint64_t m_TreeId = 0;
     std::uint64_t m_FramesGeneration = 0;
-    std::uint64_t m_CompositesGeneration = 0;
+    std::uint64_t m_FirstMomentsGeneration = 0;
+    std::uint64_t m_SecondMomentsGeneration = 0;
     std::vector<NqCoordinateSystemTransformation> m_Frames;
     NqStampedCache<NqCoordinateSystemTransformation> m_PrimaryFrames;
-    std::vector<NqRigidBodyMassProperties> m_Composites;
+    NqCompositeMoments m_Moments;
+    NqStampedCache<NqRigidBodyMassProperties> m_Composites;
 };

@@ -51,6 +51,10 @@ public:
                                                 const NqCoordinateSystemTransformation& offset);
     /// Acceleration of an entry's DH frame, in its own axes.
     const NqGeneralMotion& localAcceleration(const NqKinematicTree& tree, std::size_t entry);
+    /// Linear momentum of all entries together, in the axes of the system frame.
+    const NqVector& linearMomentum(const NqKinematicTree& tree);
+    /// Their angular momentum about the origin of the base frame.
+    const NqVector& angularMomentum(const NqKinematicTree& tree);
 
 private:
     NqManipulatorActivePositionState m_ActivePositionState;

@@ -24,6 +24,7 @@ void NqManipulatorActiveVelocityState::update(const NqKinematicTree& tree,
     m_Velocities.resize(tree.size());
     m_LocalVelocities.grow(tree.size());
     m_PrimaryVelocities.grow(tree.numberOfBodies());
+    m_Momenta.grow(2);
     NqXmlRealVector& rates = m_VelocityState.jointVelocities();
     NqJointVectors::grow("NqManipulatorActiveVelocityState", rates, tree.numberOfJoints());
     tree.computeVelocities(positions.linkFrames(tree), m_VelocityState.baseMotion(), rates.values(),

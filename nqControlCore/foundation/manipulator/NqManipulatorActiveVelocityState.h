@@ -38,4 +38,5 @@ private:
     std::vector<NqGeneralMotion> m_Velocities;
     NqStampedCache<NqGeneralMotion> m_LocalVelocities;
     NqStampedCache<NqGeneralMotion> m_PrimaryVelocities;
+    NqStampedCache<NqVector> m_Momenta; ///< linear, angular
 };

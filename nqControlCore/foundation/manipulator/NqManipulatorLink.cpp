@@ -35,3 +35,16 @@ const NqRigidBodyMassProperties&
 NqManipulatorLink::compositeMassProperties(NqManipulatorActiveState& state) const {
     return state.activePositionState().compositeMassProperties(*m_Tree, m_Entry);
 }
+
+double NqManipulatorLink::compositeMass() const {
+    return m_Tree->compositeMass(m_Entry);
+}
+
+const NqVector& NqManipulatorLink::compositeFirstMoment(NqManipulatorActivePositionState& state) const {
+    return state.firstMoments(*m_Tree).firstMoments[m_Entry];
+}
+
+const NqSecondMoment&
+NqManipulatorLink::compositeSecondMoment(NqManipulatorActivePositionState& state) const {
+    return state.compositeMoments(*m_Tree).secondMoments[m_Entry];
+}

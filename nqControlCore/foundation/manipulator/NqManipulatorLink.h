@@ -67,6 +67,13 @@ public:
     /// manipulator in the base frame.
     virtual const NqRigidBodyMassProperties& compositeMassProperties(NqManipulatorActiveState& state) const;
 
+    // The parts of these mass properties in the axes of the system frame, about the origin of the DH frame.
+    // For mass and first moments, which the centre of mass and gravity need, no second moment is computed.
+
+    virtual double compositeMass() const;
+    virtual const NqVector& compositeFirstMoment(NqManipulatorActivePositionState& state) const;
+    virtual const NqSecondMoment& compositeSecondMoment(NqManipulatorActivePositionState& state) const;
+
     // Walks from this link towards the base, joint by joint. Columns are joint indices.
 
     /// Calls `visit(column)` for each joint that carries this link.

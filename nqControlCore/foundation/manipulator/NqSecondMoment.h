@@ -10,7 +10,7 @@ class NqSecondMoment {
 public:
     constexpr NqSecondMoment() = default;
     constexpr NqSecondMoment(double ixx, double ixy, double ixz, double iyy, double iyz, double izz)
-        : m_Columns{{ixx, ixy, ixz}, {ixy, iyy, iyz}, {ixz, iyz, izz}} {}
+        : m_Elements{ixx, ixy, ixz, iyy, iyz, izz} {}
 
     /// Of a point mass at `position`.
     static constexpr NqSecondMoment ofPointMass(double mass, const NqVector& position) {
@@ -24,22 +24,26 @@ public:
                 -0.5 * (a[1] * b[2] + a[2] * b[1]), a[0] * b[0] + a[1] * b[1]};
     }
 
-    constexpr double ixx() const { return m_Columns[0][0]; }
-    constexpr double ixy() const { return m_Columns[0][1]; }
-    constexpr double ixz() const { return m_Columns[0][2]; }
-    constexpr double iyy() const { return m_Columns[1][1]; }
-    constexpr double iyz() const { return m_Columns[1][2]; }
-    constexpr double izz() const { return m_Columns[2][2]; }
+    constexpr double ixx() const { return m_Elements[0]; }
+    constexpr double ixy() const { return m_Elements[1]; }
+    constexpr double ixz() const { return m_Elements[2]; }
+    constexpr double iyy() const { return m_Elements[3]; }
+    constexpr double iyz() const { return m_Elements[4]; }
+    constexpr double izz() const { return m_Elements[5]; }
 
     /// An element of the matrix; the indices are not checked.
-    constexpr double operator()(unsigned row, unsigned column) const { return m_Columns[column][row]; }
+    constexpr double operator()(unsigned row, unsigned column) const {
+        const unsigned first = row < column ? row : column;
+        return m_Elements[row + column + (first == 0 ? 0 : 1)];
+    }
 
     constexpr NqVector operator*(const NqVector& v) const {
-        return {m_Columns[0].dot(v), m_Columns[1].dot(v), m_Columns[2].dot(v)};
+        return {ixx() * v[0] + ixy() * v[1] + ixz() * v[2], ixy() * v[0] + iyy() * v[1] + iyz() * v[2],
+                ixz() * v[0] + iyz() * v[1] + izz() * v[2]};
     }
     constexpr NqSecondMoment& operator+=(const NqSecondMoment& other) {
-        for (unsigned i = 0; i < 3; ++i) {
-            m_Columns[i] += other.m_Columns[i];
+        for (unsigned i = 0; i < 6; ++i) {
+            m_Elements[i] += other.m_Elements[i];
         }
         return *this;
     }
@@ -47,18 +51,18 @@ public:
 
     /// Rotates the mass distribution: R I R^T.
     constexpr NqSecondMoment& transformBy(const NqOrientation& orientation) {
-        for (int pass = 0; pass < 2; ++pass) {
-            const NqVector a = orientation * m_Columns[0];
-            const NqVector b = orientation * m_Columns[1];
-            const NqVector c = orientation * m_Columns[2];
-            *this = NqSecondMoment({a[0], b[0], c[0]}, {a[1], b[1], c[1]}, {a[2], b[2], c[2]});
-        }
-        return *this;
+        const NqVector x = orientation.xAxis(), z = orientation.zAxis(), y = z.cross(x);
+        // The columns of R I.
+        const NqVector a = ixx() * x + ixy() * y + ixz() * z;
+        const NqVector b = ixy() * x + iyy() * y + iyz() * z;
+        const NqVector c = ixz() * x + iyz() * y + izz() * z;
+        const auto element = [&](unsigned row, unsigned column) {
+            return a[row] * x[column] + b[row] * y[column] + c[row] * z[column];
+        };
+        return *this = {element(0, 0), element(0, 1), element(0, 2),
+                        element(1, 1), element(1, 2), element(2, 2)};
     }
 
 private:
-    constexpr NqSecondMoment(const NqVector& first, const NqVector& second, const NqVector& third)
-        : m_Columns{first, second, third} {}
-
-    NqVector m_Columns[3];
+    double m_Elements[6] = {}; ///< the upper triangle, by rows
 };

@@ -1,0 +1,235 @@
+#include "NqCrossCheck.h"
+
+#include <nqControlCore/foundation/manipulator/NqGravitationalTorqueTool.h>
+#include <nqControlCore/foundation/manipulator/NqMatrixDTool.h>
+#include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
+#include <nqControlCore/foundation/matrix/NqReArray.h>
+
+#include <NqDartSkeleton.h>
+#include <support/NqTestModels.h>
+
+#include <dart/dynamics/BodyNode.hpp>
+#include <dart/dynamics/DegreeOfFreedom.hpp>
+#include <dart/dynamics/FreeJoint.hpp>
+
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+NqVector vector(const Eigen::Vector3d& v) {
+    return {v.x(), v.y(), v.z()};
+}
+
+Eigen::Vector3d vector(const NqVector& v) {
+    return {v.x(), v.y(), v.z()};
+}
+
+/// One robot description read twice, by this library and by DART, with a base that moves, in one state in
+/// both.
+class NqDartModel {
+public:
+    /// False where one of the two can't read the file.
+    bool read(const std::string& fileName) {
+        std::stringstream text;
+        text << std::ifstream(fileName).rdbuf();
+        std::string urdf = text.str();
+        // To DART a link of this name isn't part of the robot.
+        for (std::size_t at; (at = urdf.find("\"world\"")) != std::string::npos;) {
+            urdf.replace(at, 7, "\"floor of the world\"");
+        }
+        auto manipulator = std::make_shared<NqIndividualManipulator>();
+        m_Skeleton = nqDartSkeleton(urdf, true);
+        if (!NqUrdfReader::readString(urdf, *manipulator) || !m_Skeleton) {
+            return false;
+        }
+        m_Model.manipulator = manipulator;
+        m_Model.movesBase = true;
+        for (std::size_t i = 6; i < m_Skeleton->getNumDofs(); ++i) {
+            const std::string& child = m_Skeleton->getDof(i)->getChildBodyNode()->getName();
+            m_Joints.push_back(manipulator->linkByLabel(child)->jointIndex());
+        }
+        return m_Joints.size() == manipulator->numberOfJoints();
+    }
+
+    /// Gives the base and all joints a place and a velocity at random.
+    void setRandomState(std::mt19937_64& random) {
+        m_State = nqRandomState(m_Model, random);
+        const NqCoordinateSystemTransformation& base = m_State.positionState().baseFrame();
+        double q[4];
+        base.orientation().getQuaternion(q[0], q[1], q[2], q[3]);
+        Eigen::Isometry3d pose = Eigen::Isometry3d::Identity();
+        pose.translate(vector(base.translation())).rotate(Eigen::Quaterniond(q[0], q[1], q[2], q[3]));
+        const NqGeneralMotion& motion = m_State.velocityState().baseMotion();
+        Eigen::Vector6d angularFirst;
+        angularFirst << vector(motion.angular()), vector(motion.linear());
+        auto& joint = dynamic_cast<dart::dynamics::FreeJoint&>(*m_Skeleton->getJoint(0));
+        joint.setTransform(pose);
+        for (std::size_t i = 0; i < m_Joints.size(); ++i) {
+            m_Skeleton->setPosition(i + 6, m_State.positionState().jointPositions()[m_Joints[i]]);
+            m_Skeleton->setVelocity(i + 6, m_State.velocityState().jointVelocities()[m_Joints[i]]);
+        }
+        joint.setSpatialVelocity(angularFirst, dart::dynamics::Frame::World(),
+                                 dart::dynamics::Frame::World());
+    }
+
+    const NqIndividualManipulator& manipulator() const { return *m_Model.manipulator; }
+    NqManipulatorActiveState& state() { return m_State; }
+    NqManipulatorActivePositionState& positions() { return m_State.activePositionState(); }
+
+    // What DART has, vectors in the system frame, angular momenta about the origin of the base frame. What
+    // has an entry for each joint is by our joint index.
+
+    NqVector centerOfMass() const { return vector(m_Skeleton->getCOM()); }
+    NqVector centerOfMassVelocity() const {
+        return vector(Eigen::Vector3d(m_Skeleton->getCOMLinearVelocity()));
+    }
+    std::vector<NqVector> centerOfMassJacobian() const {
+        const auto jacobian = m_Skeleton->getCOMLinearJacobian();
+        return byJoint<NqVector>([&](std::size_t dof) {
+            return vector(Eigen::Vector3d(jacobian.col(static_cast<Eigen::Index>(dof))));
+        });
+    }
+    std::vector<double> gravityTorques(const NqVector& gravity) const {
+        m_Skeleton->setGravity(vector(gravity));
+        // What DART gives is what the motors have to bring.
+        return byJoint<double>(
+            [&](std::size_t dof) { return -m_Skeleton->getGravityForces()[static_cast<Eigen::Index>(dof)]; });
+    }
+    NqVector linearMomentum() const {
+        return sumOverBodies([](const Eigen::Vector3d&, const Eigen::Vector3d&,
+                                const Eigen::Vector3d& linear) { return linear; });
+    }
+    NqVector angularMomentum() const {
+        const Eigen::Vector3d origin = m_Skeleton->getBodyNode(0)->getWorldTransform().translation();
+        return sumOverBodies([&](const Eigen::Vector3d& place, const Eigen::Vector3d& angular,
+                                 const Eigen::Vector3d& linear) -> Eigen::Vector3d {
+            return angular + (place - origin).cross(linear);
+        });
+    }
+    /// Linear and angular momenta with one joint in motion at unit rate and all else at rest.
+    std::vector<NqVector> momentaOfUnitRates(NqVector (NqDartModel::*momentum)() const) const {
+        const Eigen::VectorXd velocities = m_Skeleton->getVelocities();
+        const std::vector<NqVector> result = byJoint<NqVector>([&](std::size_t dof) {
+            m_Skeleton->resetVelocities();
+            m_Skeleton->setVelocity(dof, 1.0);
+            return (this->*momentum)();
+        });
+        m_Skeleton->setVelocities(velocities);
+        return result;
+    }
+
+private:
+    template <typename Value, typename ValueOf>
+    std::vector<Value> byJoint(ValueOf valueOf) const {
+        std::vector<Value> result(m_Joints.size());
+        for (std::size_t i = 0; i < m_Joints.size(); ++i) {
+            result[m_Joints[i]] = valueOf(i + 6);
+        }
+        return result;
+    }
+
+    /// Adds up what `valueOf` makes of the place of each body, its angular momentum about that, and its
+    /// linear one. DART's own momenta are in the axes of the body.
+    template <typename ValueOf>
+    NqVector sumOverBodies(ValueOf valueOf) const {
+        Eigen::Vector3d sum = Eigen::Vector3d::Zero();
+        for (const dart::dynamics::BodyNode* body : m_Skeleton->getBodyNodes()) {
+            const Eigen::Isometry3d& frame = body->getWorldTransform();
+            const Eigen::Vector6d momentum = body->getSpatialInertia() * body->getSpatialVelocity();
+            sum += valueOf(frame.translation(), frame.linear() * momentum.head<3>(),
+                           frame.linear() * momentum.tail<3>());
+        }
+        return vector(sum);
+    }
+
+    NqTestModel m_Model;
+    NqManipulatorActiveState m_State;
+    dart::dynamics::SkeletonPtr m_Skeleton;
+    std::vector<unsigned> m_Joints; ///< our indices of DART's joints, in its order
+};
+
+class DartMass : public testing::TestWithParam<std::string> {
+protected:
+    /// DART keeps the turn of the base as a rotation vector, which costs it digits where the turn is small.
+    static constexpr double kTolerance = 1.0e-10;
+
+    void SetUp() override { ASSERT_TRUE(m_Model.read(GetParam())); }
+
+    /// Sets state after state, and takes the largest deviation that `deviationOf()` gives.
+    template <typename DeviationOf>
+    void expectAgreement(const char* what, DeviationOf deviationOf) {
+        std::mt19937_64 random(kCrossCheckSeed);
+        double largest = 0.0;
+        for (int pose = 0; pose < kCrossCheckPoses; ++pose) {
+            m_Model.setRandomState(random);
+            const double deviation = deviationOf();
+            EXPECT_LE(deviation, kTolerance) << what << ", pose " << pose << ", seed " << kCrossCheckSeed;
+            largest = std::max(largest, deviation);
+        }
+        std::printf("%s: %s within %.1e\n", GetParam().c_str(), what, largest);
+    }
+
+    NqDartModel m_Model;
+};
+
+TEST_P(DartMass, CenterOfMass) {
+    const NqIndividualManipulator& manipulator = m_Model.manipulator();
+    const double mass = manipulator.compositeMass();
+    expectAgreement("centre of mass", [&] {
+        return nqDeviation(m_Model.centerOfMass(), manipulator.centerOfMass(m_Model.positions()));
+    });
+    expectAgreement("velocity of the centre of mass", [&] {
+        return nqDeviation(m_Model.centerOfMassVelocity(),
+                           manipulator.linearMomentum(m_Model.state()) / mass);
+    });
+    expectAgreement("Jacobian of the centre of mass", [&] {
+        std::vector<NqVector> columns;
+        for (const NqVector& momentum : manipulator.linearMomentaOfUnitRates(m_Model.positions())) {
+            columns.push_back(momentum / mass);
+        }
+        return nqDeviation(m_Model.centerOfMassJacobian(), columns);
+    });
+}
+
+TEST_P(DartMass, GravityTorques) {
+    NqGravitationalTorqueTool tool;
+    tool.setManipulator(m_Model.manipulator());
+    for (const NqVector& gravity : {tool.gravity(), NqVector(3.0, -5.0, 2.0)}) {
+        tool.setGravity(gravity);
+        expectAgreement("gravity torques", [&] {
+            std::vector<double> torques;
+            tool.jointTorques(m_Model.state(), torques);
+            return nqDeviation(m_Model.gravityTorques(gravity), torques);
+        });
+    }
+}
+
+TEST_P(DartMass, Momenta) {
+    const NqIndividualManipulator& manipulator = m_Model.manipulator();
+    expectAgreement("linear momentum", [&] {
+        return nqDeviation(m_Model.linearMomentum(), manipulator.linearMomentum(m_Model.state()));
+    });
+    expectAgreement("angular momentum", [&] {
+        return nqDeviation(m_Model.angularMomentum(), manipulator.angularMomentum(m_Model.state()));
+    });
+    NqMatrixDTool tool;
+    tool.setManipulator(manipulator);
+    expectAgreement("momentum matrix", [&] {
+        NqReArray matrix;
+        tool.momentumMatrix(tool.compositeMoments(m_Model.state()),
+                            manipulator.baseFrameInSystem(m_Model.positions()).orientation(), matrix);
+        std::vector<NqVector> linear, angular;
+        for (unsigned j = 0; j < matrix.rows(); ++j) {
+            linear.emplace_back(matrix[j][0], matrix[j][1], matrix[j][2]);
+            angular.emplace_back(matrix[j][3], matrix[j][4], matrix[j][5]);
+        }
+        return std::max(nqDeviation(m_Model.momentaOfUnitRates(&NqDartModel::linearMomentum), linear),
+                        nqDeviation(m_Model.momentaOfUnitRates(&NqDartModel::angularMomentum), angular));
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, DartMass, testing::ValuesIn(nqCrossCheckFiles()), nqCrossCheckName);
+
+} // namespace

@@ -9,7 +9,7 @@
 class NqExpressionBudget {
 public:
     static constexpr std::uint64_t kMostElements = 10'000'000; ///< of one matrix
-    static constexpr std::uint64_t kMostBytes = 1'000'000'000; ///< of all values of an expression
+    static constexpr std::uint64_t kMostBytes = 500'000'000;   ///< of all values of an expression
 
     NqExpressionBudget();
     NqExpressionBudget(const NqExpressionBudget&) = delete;

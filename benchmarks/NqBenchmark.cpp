@@ -116,6 +116,7 @@ void NqBenchmark::addWork() {
             }
         }
         NqStages::addFilters(m_Run);
+        NqStages::addExpressions(m_Run);
         NqStages::addXml(m_Run);
     }
 }

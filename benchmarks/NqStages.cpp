@@ -3,6 +3,9 @@
 #include "NqOwnPeer.h"
 
 #include <nqControlCore/endeffector/NqEndEffectorTypes.h>
+#include <nqControlCore/expression/NqExpressionContainer.h>
+#include <nqControlCore/expression/NqExpressionDiagonalMatrix.h>
+#include <nqControlCore/expression/NqExpressionTimes.h>
 #include <nqControlCore/filter/NqGeneralMotionAccFilter.h>
 #include <nqControlCore/filter/NqRotationMotionFilter.h>
 #include <nqControlCore/filter/NqScalarMotionFilter.h>
@@ -213,6 +216,28 @@ void NqStages::addFilters(NqBenchmarkRun& run) {
                 tool.computeMinimumTime(0.7, time);
                 benchmark::DoNotOptimize(time);
             }));
+}
+
+void NqStages::addExpressions(NqBenchmarkRun& run) {
+    constexpr unsigned evaluations = 100;
+    constexpr unsigned nodes = 15;
+    NqExpressionDiagonalMatrix matrix;
+    matrix.assign(7, 7, 1.5);
+    std::unique_ptr<NqExpressionElement> product(new NqExpressionDiagonalMatrix(matrix));
+    for (unsigned levels = 3; levels > 0; --levels) {
+        auto twice = std::make_unique<NqExpressionTimes>();
+        twice->setLeft(*product);
+        twice->setRight(*product);
+        product = std::move(twice);
+    }
+    const auto expression = std::make_shared<NqExpressionContainer>();
+    expression->setTopElement(*product);
+    run.add("expression: product of eight 7 x 7 matrices", "one of its 15 nodes", evaluations * nodes,
+            [expression](unsigned steps) {
+                for (unsigned k = 0; k < steps; k += nodes) {
+                    benchmark::DoNotOptimize(expression->value());
+                }
+            });
 }
 
 void NqStages::addXml(NqBenchmarkRun& run) {

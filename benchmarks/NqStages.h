@@ -12,6 +12,9 @@ public:
     /// One step of each motion filter.
     static void addFilters(NqBenchmarkRun& run);
 
+    /// An expression; entries are per node.
+    static void addExpressions(NqBenchmarkRun& run);
+
     /// Writing and reading a list with one constraint of each type.
     static void addXml(NqBenchmarkRun& run);
 };

@@ -1,6 +1,10 @@
 #include "endeffector/NqEndEffectorSamples.h"
 
 #include <nqControlCore/core/NqCoreVelocityControlTool.h>
+#include <nqControlCore/expression/NqExpressionBaseBinary.h>
+#include <nqControlCore/expression/NqExpressionBaseUnary.h>
+#include <nqControlCore/expression/NqExpressionContainer.h>
+#include <nqControlCore/expression/NqExpressionIdentityMatrix.h>
 #include <nqControlCore/foundation/manipulator/NqJacobianState.h>
 
 #include <gtest/gtest.h>
@@ -190,6 +194,24 @@ TEST(NqAllocationTest, EveryWayToMemoryIsSeen) {
     });
     EXPECT_EQ(allocationsOf([&] { block = ::operator new(8); }), 1u);
     ::operator delete(block);
+}
+
+TEST(NqAllocationTest, ElementsOfExpressionsAllocateNothingOnceWarm) {
+    NqExpressionIdentityMatrix operand;
+    operand.setSize(5);
+    NqExpressionContainer expression;
+    for (const auto& [token, create] : expression.creatorMap()) {
+        expression.setAndDeleteTopElementPointer(dynamic_cast<NqExpressionElement*>(create()));
+        if (auto* unary = dynamic_cast<NqExpressionBaseUnary*>(expression.topElement())) {
+            unary->setChild(operand);
+        } else if (auto* binary = dynamic_cast<NqExpressionBaseBinary*>(expression.topElement())) {
+            binary->setLeft(operand);
+            binary->setRight(operand);
+        }
+        EXPECT_GT(allocationsOf([&] { expression.value(); }), 0u) << token.localName();
+        EXPECT_EQ(allocationsOf([&] { expression.value(); }), 0u) << token.localName();
+        EXPECT_GE(expression.value().size(), 1u) << token.localName();
+    }
 }
 
 class ControlStep : public testing::TestWithParam<std::size_t> {};

@@ -1,0 +1,3 @@
+#include <nqControlCore/expression/NqBaseSoftConstraintHandler.h>
+
+template class NqBaseExpressionTreeContainer<NqBaseSoftConstraintHandler>;

@@ -1,0 +1,42 @@
+#include <nqControlCore/expression/NqExpressionBudget.h>
+
+#include <nqControlCore/foundation/text/NqPrint.h>
+
+#include <algorithm>
+
+namespace {
+
+thread_local NqExpressionBudget* theCurrent = nullptr;
+
+} // namespace
+
+NqExpressionBudget::NqExpressionBudget() : m_Outer(theCurrent) {
+    theCurrent = this;
+}
+
+NqExpressionBudget::~NqExpressionBudget() {
+    theCurrent = m_Outer;
+}
+
+NqExpressionBudget* NqExpressionBudget::current() {
+    return theCurrent;
+}
+
+bool NqExpressionBudget::admits(std::uint64_t rows, std::uint64_t columns) {
+    return rows == 0 ||
+           (rows <= kMostElements && std::max<std::uint64_t>(columns, 1) <= kMostElements / rows);
+}
+
+bool NqExpressionBudget::isLeft() {
+    if (m_Bytes <= kMostBytes) {
+        return true;
+    }
+    if (!m_IsReported) {
+        m_IsReported = true;
+        Nq::Print::instance().write(Nq::PrintFailure,
+                                    "NqExpressionContainer::value(): the matrices of the "
+                                    "expression take more than %d bytes together\n",
+                                    kMostBytes);
+    }
+    return false;
+}

@@ -1,0 +1,9 @@
+#include <nqControlCore/expression/NqExpressionElementInverse.h>
+
+const NqToken& NqExpressionElementInverse::classToken() {
+    return NqControlCore::NqElementInverseToken;
+}
+
+void NqExpressionElementInverse::operate(const NqReArray& operand, NqReArray& value) {
+    operand.elementInverse(value);
+}

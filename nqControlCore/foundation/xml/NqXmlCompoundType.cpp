@@ -137,7 +137,7 @@ void NqXmlCompoundType::registerComponentReadOnly(const NqToken& token, NqXmlObj
 }
 
 const NqXmlComponentMap& NqXmlCompoundType::componentMap() const {
-    initialized();
+    ensureInitialized();
     return createComponentMap();
 }
 
@@ -151,7 +151,7 @@ void NqXmlCompoundType::registerAttributeComponentReadOnly(const NqToken& token,
 
 const NqXmlComponentMap& NqXmlCompoundType::attributeComponentMap() const {
     static const NqXmlComponentMap theEmptyMap;
-    initialized();
+    ensureInitialized();
     return m_AttributeComponents ? *m_AttributeComponents : theEmptyMap;
 }
 

@@ -3,8 +3,10 @@
 #include <nqControlCore/foundation/xml/NqXmlComponentMap.h>
 #include <nqControlCore/foundation/xml/NqXmlObject.h>
 
+#include <concepts>
 #include <map>
 #include <memory>
+#include <tuple>
 
 /// A persistent object with named components: fields of its own that are written as elements or attributes.
 ///
@@ -20,6 +22,13 @@ public:
     NqXmlCompoundType& operator=(const NqXmlCompoundType& other) noexcept {
         NqXmlObject::operator=(other);
         return *this;
+    }
+
+    /// Equality of what this class itself holds, which is nothing: for the operator== of a class below, which
+    /// calls that of its base first. It takes no object of a class that has forgotten its own.
+    template <std::same_as<NqXmlCompoundType> Compound>
+    friend bool operator==(const Compound&, const Compound&) {
+        return true;
     }
 
     void accept(NqXmlObjectVisitor* visitor) const override;
@@ -83,12 +92,12 @@ protected:
     virtual bool isReadOnlyComponent(const NqToken& token) const;
     virtual bool isReadOnlyAttribute(const NqToken& token) const;
 
-    /// Equality of what this class holds: nothing. NqXmlPersistent calls the forms of all bases.
+    /// Equality for NqXmlPersistent, which calls the forms of all bases.
     bool sameValue(const NqXmlCompoundType&) const { return true; }
 
 private:
-    /// Makes sure that the components are registered. Registration only fills a cache.
-    bool initialized() const { return xmlInitialized() || const_cast<NqXmlCompoundType*>(this)->xmlInit(); }
+    friend struct NqXmlComponentAccess;
+    static std::tuple<> components() { return {}; } ///< what classes without a list of their own inherit
 
     template <typename WriteComponent>
     bool writeComponents(const NqXmlWriter& writer, const NqXmlComponentMap& map,
@@ -97,5 +106,5 @@ private:
 
     mutable std::unique_ptr<NqXmlComponentMap> m_Components;
     mutable std::unique_ptr<NqXmlComponentMap> m_AttributeComponents;
-    std::unique_ptr<SpecialDescriptorMap> m_SpecialDescriptors;
+    mutable std::unique_ptr<SpecialDescriptorMap> m_SpecialDescriptors;
 };

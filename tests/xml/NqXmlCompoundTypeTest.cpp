@@ -116,4 +116,36 @@ TEST(NqXmlCompoundType, LeavesOutDefaultsOnRequest) {
     EXPECT_EQ(read, square);
 }
 
+/// An owner whose square is another than a square is by itself.
+class NqTestFrame : public NqXmlPersistent<NqTestFrame, NqXmlCompoundType> {
+public:
+    static const NqToken& classToken() { return NqControlCore::NqFrameToken; }
+    NqTestSquare m_Square{3.0};
+    NqXmlVectorType<NqTestSquare> m_Squares{NqTestSquare(3.0)};
+
+private:
+    friend struct ::NqXmlComponentAccess;
+    static auto components() {
+        return nqComponentList(nqComponent(NqControlCore::NqSizeToken, &NqTestFrame::m_Square),
+                               nqComponent(NqControlCore::NqColumnToken, &NqTestFrame::m_Squares));
+    }
+};
+
+TEST(NqXmlCompoundType, LeavesOutOnlyWhatTheOwnerHoldsByItself) {
+    for (const double side : {1.0, 2.0, 3.0}) {
+        NqTestFrame frame;
+        frame.m_Square.m_Side = frame.m_Squares[0].m_Side = side;
+        std::ostringstream stream;
+        NqXmlWriter writer("frame.xml", stream);
+        writer.setWriteDefaultDataFlag(false);
+        ASSERT_TRUE(writer.writeStartTag(frame.token()) && frame.write(writer) && writer.writeEndTag() &&
+                    writer.flush());
+        NqTestFrame read;
+        ASSERT_TRUE(NqXmlDocument::readString(stream.str(), read));
+        EXPECT_EQ(read, frame) << stream.str();
+        EXPECT_EQ(stream.str().find("filteringMode"), std::string::npos);
+        EXPECT_EQ(stream.str().find("size") == std::string::npos, side == 3.0);
+    }
+}
+
 } // namespace

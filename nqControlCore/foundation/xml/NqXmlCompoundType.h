@@ -43,8 +43,9 @@ public:
     virtual bool readAttributes(NqXmlReader& reader);
     virtual bool readElements(NqXmlReader& reader);
 
-    /// Write the components in order. With the writer's write-default-data flag off, those that are as in a
-    /// new object are left out.
+    /// Write the components in order. With the writer's write-default-data flag off, those are left out that
+    /// a read would find so without the file: as in a new object or, for a component, as in that of a new
+    /// owner.
     virtual bool writeAttributes(NqXmlWriter& writer) const;
     virtual bool writeElements(NqXmlWriter& writer) const;
 
@@ -100,7 +101,7 @@ private:
     static std::tuple<> components() { return {}; } ///< what classes without a list of their own inherit
 
     template <typename WriteComponent>
-    bool writeComponents(const NqXmlWriter& writer, const NqXmlComponentMap& map,
+    bool writeComponents(NqXmlWriter& writer, const NqXmlComponentMap& map,
                          const NqXmlComponentMap& (NqXmlCompoundType::*mapOf)() const,
                          WriteComponent writeComponent) const;
 

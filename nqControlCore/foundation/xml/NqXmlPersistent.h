@@ -41,8 +41,8 @@ std::tuple<NqXmlComponent<Class, Members>...> nqComponentList(NqXmlComponent<Cla
 }
 
 /// Reaches the component list of a class, which the class keeps private and opens with
-/// `friend struct NqXmlComponentAccess;`. A class that forgets to does not compile, nor does one that lists a
-/// field of its base.
+/// `friend struct NqXmlComponentAccess;` (with `::` where the class is in a namespace). A class that forgets
+/// to does not compile, nor does one that lists a field of its base.
 struct NqXmlComponentAccess {
     /// Calls `action` for each component that `Class`, derived from `Base`, lists itself.
     template <typename Class, typename Base, typename Action>

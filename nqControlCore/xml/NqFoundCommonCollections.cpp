@@ -1,6 +1,7 @@
 #include <nqControlCore/xml/NqFoundCommonCollections.h>
 
 #include <nqControlCore/foundation/matrix/NqReArray.h>
+#include <nqControlCore/foundation/text/NqPrint.h>
 #include <nqControlCore/foundation/text/NqTextConversion.h>
 
 namespace {

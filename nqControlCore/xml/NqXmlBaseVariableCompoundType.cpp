@@ -1,6 +1,10 @@
 #include <nqControlCore/xml/NqXmlBaseVariableCompoundType.h>
 
+#include <nqControlCore/foundation/text/NqPrint.h>
 #include <nqControlCore/foundation/xml/NqXmlObjectVisitor.h>
+#include <nqControlCore/foundation/xml/NqXmlReader.h>
+#include <nqControlCore/foundation/xml/NqXmlSchema.h>
+#include <nqControlCore/foundation/xml/NqXmlWriter.h>
 
 #include <algorithm>
 
@@ -11,7 +15,12 @@ void NqXmlBaseVariableCompoundType::accept(NqXmlObjectVisitor* visitor) const {
 
 bool NqXmlBaseVariableCompoundType::xmlInit() {
     if (!xmlInitialized()) {
+        m_RegistersClass = true;
         registerComponentCreators();
+        m_RegistersClass = false;
+        for (const auto& [token, creator] : m_UserCreators) {
+            m_Creators.insert_or_assign(token, creator);
+        }
     }
     return NqXmlObject::xmlInit();
 }
@@ -21,13 +30,16 @@ bool NqXmlBaseVariableCompoundType::read(NqXmlReader& reader) {
         return false;
     }
     m_AddLibraries.clear();
+    m_ProcessedLibraries = 0;
     m_OuterContext = reader.context();
     reader.setContext(this);
+    m_Reader = &reader;
     bool good = true;
     for (NqXmlReader::Children children(reader); children.next();) {
         const NqToken token = reader.token();
         good = readValueFromToken(token, reader) && good;
     }
+    m_Reader = nullptr;
     reader.setContext(std::exchange(m_OuterContext, nullptr));
     return good && reader.good();
 }
@@ -53,6 +65,9 @@ void NqXmlBaseVariableCompoundType::registerComponentCreators() {}
 
 void NqXmlBaseVariableCompoundType::registerComponentCreator(const NqToken& token, Creator creator) {
     m_Creators.insert_or_assign(token, creator);
+    if (!m_RegistersClass) {
+        m_UserCreators.insert_or_assign(token, creator);
+    }
 }
 
 NqXmlObject* NqXmlBaseVariableCompoundType::newObjectFromToken(const NqToken& token) const {
@@ -65,10 +80,7 @@ NqXmlObject* NqXmlBaseVariableCompoundType::newObjectFromToken(const NqToken& to
 }
 
 const NqXmlBaseVariableCompoundType::CreatorMap& NqXmlBaseVariableCompoundType::creatorMap() const {
-    if (!xmlInitialized()) {
-        // Registration only fills a cache.
-        const_cast<NqXmlBaseVariableCompoundType*>(this)->xmlInit();
-    }
+    ensureInitialized();
     return m_Creators;
 }
 
@@ -81,10 +93,13 @@ bool NqXmlBaseVariableCompoundType::readValueFromToken(const NqToken& token, NqX
 }
 
 bool NqXmlBaseVariableCompoundType::processLibraries() {
-    for (const auto& library : m_AddLibraries) {
-        Nq::Print::instance().write(
-            Nq::PrintFailure,
-            "NqXmlBaseVariableCompoundType::processLibraries(): library \"%s\" is not loaded\n", library);
+    for (; m_ProcessedLibraries < m_AddLibraries.size(); ++m_ProcessedLibraries) {
+        if (!m_Reader || m_Reader->mayReport()) {
+            Nq::Print::instance().write(
+                Nq::PrintFailure,
+                "NqXmlBaseVariableCompoundType::processLibraries(): library \"%s\" is not loaded\n",
+                m_AddLibraries[m_ProcessedLibraries]);
+        }
     }
     return true;
 }

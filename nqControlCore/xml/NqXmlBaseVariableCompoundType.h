@@ -9,9 +9,10 @@
 /// A persistent object whose elements are objects of many classes: the name of an element tells which class
 /// to make.
 ///
-/// A class registers its creators in registerComponentCreators(), which is called when they are first needed;
-/// a copy registers its own. While such an object is read it is the reader's context, so that objects inside
-/// it may ask it for objects by name.
+/// A class registers its creators in registerComponentCreators(), which is called when they are first needed.
+/// Those that are registered from outside stand above them, whenever that was, and go along with a copy.
+/// While such an object is read it is the reader's context, so that objects inside it may ask it for objects
+/// by name.
 class NqXmlBaseVariableCompoundType : public NqXmlObject {
 public:
     using Creator = NqXmlObject* (*)();
@@ -20,10 +21,13 @@ public:
 
     NqXmlBaseVariableCompoundType() = default;
     NqXmlBaseVariableCompoundType(const NqXmlBaseVariableCompoundType& other)
-        : NqXmlObject(other), m_AddLibraries(other.m_AddLibraries) {}
+        : NqXmlObject(other), m_AddLibraries(other.m_AddLibraries), m_UserCreators(other.m_UserCreators) {}
     NqXmlBaseVariableCompoundType& operator=(const NqXmlBaseVariableCompoundType& other) {
         NqXmlObject::operator=(other);
         m_AddLibraries = other.m_AddLibraries;
+        for (const auto& [token, creator] : other.m_UserCreators) {
+            registerComponentCreator(token, creator);
+        }
         return *this;
     }
 
@@ -47,6 +51,8 @@ public:
 
     /// Registers the creators of all classes that may stand in a file. Here: none.
     virtual void registerComponentCreators();
+
+    /// Registers one creator, in the place of one that has the name already.
     virtual void registerComponentCreator(const NqToken& token, Creator creator);
 
     /// A heap object of the class that is registered under the name, owned by the caller; null if there is
@@ -56,7 +62,10 @@ public:
     /// Libraries that are to be loaded for further classes. This library loads none: it keeps the list,
     /// writes it back, and says so when it reads one.
     virtual const LibraryList& addLibraries() const { return m_AddLibraries; }
-    virtual void setAddLibraries(const LibraryList& libraries) { m_AddLibraries = libraries; }
+    virtual void setAddLibraries(const LibraryList& libraries) {
+        m_AddLibraries = libraries;
+        m_ProcessedLibraries = 0;
+    }
 
     virtual const CreatorMap& creatorMap() const;
 
@@ -65,7 +74,8 @@ protected:
     /// other is reported and passed by, and the result is false.
     virtual bool readValueFromToken(const NqToken& token, NqXmlReader& reader);
 
-    /// Called when a list of libraries was read. Here: reports at print type 4 that they are not loaded.
+    /// Called when a list of libraries was read. Here: reports at print type 4 of each that is new that it is
+    /// not loaded.
     virtual bool processLibraries();
 
     /// Writes the schema of further attributes. Here: none.
@@ -99,7 +109,11 @@ private:
     bool readLibraries(NqXmlReader& reader);
 
     LibraryList m_AddLibraries;
+    unsigned m_ProcessedLibraries = 0; ///< of those that were read
 
-    CreatorMap m_Creators;
+    CreatorMap m_UserCreators;
+    mutable CreatorMap m_Creators; ///< all of them, once they were needed
+    mutable bool m_RegistersClass = false;
     const NqXmlBaseVariableCompoundType* m_OuterContext = nullptr; ///< the reader's, while this is read
+    NqXmlReader* m_Reader = nullptr;                               ///< the same
 };

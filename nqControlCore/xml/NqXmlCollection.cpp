@@ -1,28 +1,38 @@
 #include <nqControlCore/xml/NqXmlCollection.h>
 
+#include <nqControlCore/foundation/text/NqPrint.h>
 #include <nqControlCore/foundation/xml/NqXmlBasicType.h>
+#include <nqControlCore/foundation/xml/NqXmlReader.h>
+#include <nqControlCore/foundation/xml/NqXmlSchema.h>
+#include <nqControlCore/foundation/xml/NqXmlTokens.h>
+#include <nqControlCore/foundation/xml/NqXmlWriter.h>
 
 #include <memory>
 #include <ostream>
 
 namespace {
 
+/// A message that starts with the signature of the function that it is about.
+Nq::Print::Stream message(const char* signature, unsigned printType = Nq::PrintFailure) {
+    return Nq::Print::instance().ostream(printType, (std::string(signature) + ": ").c_str());
+}
+
+/// What stands behind every message on a file.
+std::string placeIn(const NqXmlReader& reader) {
+    return "Filename: " + reader.fileName() + ", Line count: " + std::to_string(reader.lineNumber()) + "\n";
+}
+
 void reportName(NqXmlReader& reader, const char* signature, const char* operation, std::string_view name,
                 const char* complaint) {
     if (reader.mayReport()) {
-        NqXmlCollection::message(signature)
-            << operation << " error:\n\t\"" << name << "\" " << complaint
-            << ".\n\tFile: " << reader.fileName() << "\n\tLine: " << reader.lineNumber() << "\n";
+        message(signature) << operation << " error:\n\t\"" << name << "\" " << complaint << ".\n"
+                           << placeIn(reader);
     }
 }
 
 } // namespace
 
 namespace NqXmlCollection {
-
-Nq::Print::Stream message(const char* signature, unsigned printType) {
-    return Nq::Print::instance().ostream(printType, (std::string(signature) + ": ").c_str());
-}
 
 bool checkIndex(const char* signature, const char* operation, unsigned index, std::size_t size) {
     if (index < size) {
@@ -42,6 +52,15 @@ bool checkRange(const char* signature, unsigned first, unsigned last, std::size_
         return false;
     }
     return true;
+}
+
+bool checkFilledRange(const char* signature, const char* operation, unsigned first, unsigned last,
+                      std::size_t size) {
+    if (last <= size && first < last) {
+        return true;
+    }
+    message(signature) << operation << ": bad first/last indices: " << first << "/" << last << "\n";
+    return false;
 }
 
 bool writeCount(NqXmlWriter& writer, std::size_t size) {
@@ -120,6 +139,21 @@ bool writeFooter(NqXmlWriter*& writer, bool isBasic) {
 void reportUnknown(NqXmlReader& reader) {
     reader.report("element \"" + std::string(reader.token().localName()) +
                   "\" is not known here and is skipped");
+}
+
+void reportNoData(NqXmlReader& reader, const char* signature, const char* name) {
+    if (reader.mayReport()) {
+        message(signature) << name << " Error: XML parser should be in data mode\n" << placeIn(reader);
+    }
+}
+
+void reportCount(NqXmlReader& reader, const char* signature, const char* name, const char* kind,
+                 long long declared, std::size_t count) {
+    if (reader.mayReport()) {
+        message(signature, Nq::PrintReadTrouble)
+            << name << " Error: " << kind << " size not equal to attribute value -- " << declared
+            << ", actual -- " << count << placeIn(reader);
+    }
 }
 
 void reportUnregistered(NqXmlReader& reader, const char* signature, const char* operation) {

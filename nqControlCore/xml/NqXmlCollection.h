@@ -1,7 +1,5 @@
 #pragma once
 
-#include <nqControlCore/foundation/text/NqPrint.h>
-
 #include <cstddef>
 #include <iosfwd>
 #include <string>
@@ -15,8 +13,8 @@ class NqXmlWriter;
 /// What the collection templates share and what doesn't depend on the type of their elements.
 namespace NqXmlCollection {
 
-/// A message that starts with the signature of the function that it is about.
-Nq::Print::Stream message(const char* signature, unsigned printType = Nq::PrintFailure);
+// All messages start with the signature of the function that they are about, as the caller gives it; those on
+// a file end with its name and the line.
 
 /// Whether `index` is below `size`; reported in the name of the operation, such as "X::erase()", if not.
 bool checkIndex(const char* signature, const char* operation, unsigned index, std::size_t size);
@@ -24,6 +22,10 @@ bool checkIndex(const char* signature, const char* operation, unsigned index, st
 /// Whether `first` to `last`, which is the first that stays, is a range within `size`, empty or not;
 /// reported if not.
 bool checkRange(const char* signature, unsigned first, unsigned last, std::size_t size);
+
+/// The same for a range that must not be empty, reported in the name of the operation.
+bool checkFilledRange(const char* signature, const char* operation, unsigned first, unsigned last,
+                      std::size_t size);
 
 /// Writes the size as the count attribute of the element that the writer has open.
 bool writeCount(NqXmlWriter& writer, std::size_t size);
@@ -61,6 +63,12 @@ bool writeFooter(NqXmlWriter*& writer, bool isBasic);
 
 /// Reports a child of the reader's current element of which nothing is known; it is passed by.
 void reportUnknown(NqXmlReader& reader);
+
+/// Report, in the name of the collection, that the reader has no data, or that it has met another count than
+/// was declared. The second goes out at print type 3.
+void reportNoData(NqXmlReader& reader, const char* signature, const char* name);
+void reportCount(NqXmlReader& reader, const char* signature, const char* name, const char* kind,
+                 long long declared, std::size_t count);
 
 /// Report, in the name of the operation, that no class is registered for the reader's current element, or
 /// that a key is there twice.

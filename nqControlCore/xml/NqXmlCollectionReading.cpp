@@ -42,14 +42,11 @@ bool NqXmlCollectionReading::nextEntry() {
 }
 
 bool NqXmlCollectionReading::finish(std::size_t count) {
-    if (!m_Reader.dataMode() && m_Reader.mayReport()) {
-        NqXmlCollection::message(m_Signature) << m_Name << " Error: XML parser should be in data mode\n";
+    if (!m_Reader.dataMode()) {
+        NqXmlCollection::reportNoData(m_Reader, m_Signature, m_Name);
     }
-    if (m_HasContent && !std::cmp_equal(count, m_Declared) && m_Reader.mayReport()) {
-        NqXmlCollection::message(m_Signature, Nq::PrintReadTrouble)
-            << m_Name << " Error: " << m_Kind << " size not equal to attribute value -- " << m_Declared
-            << ", actual -- " << count << "\nFilename: " << m_Reader.fileName()
-            << ", Line count: " << m_Reader.lineNumber() << "\n";
+    if (m_HasContent && !std::cmp_equal(count, m_Declared)) {
+        NqXmlCollection::reportCount(m_Reader, m_Signature, m_Name, m_Kind, m_Declared, count);
     }
     return m_Reader.good();
 }

@@ -41,7 +41,7 @@ void NqXmlMapEntryReading::reportForm(const char* expected, std::string_view rec
         Nq::Print::instance().write(
             Nq::PrintFailure,
             "%s Error: file not valid.\n\tKey map format not correct.\n\tFile: %s\n\tLine: "
-            "%d\n\tExpected %s but received %s.\n",
+            "%d\tExpected %s but received %s.\n",
             m_Name, m_Reader.fileName(), m_Reader.lineNumber(), expected, std::string(received));
     }
 }

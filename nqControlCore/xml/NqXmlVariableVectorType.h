@@ -44,10 +44,10 @@ public:
 
     /// The element, which stays the vector's; null, with a message, for an index that isn't below the size.
     virtual T* operator[](unsigned index) {
-        return isIndex(index, kSubscript) ? &*m_Elements[index] : nullptr;
+        return isIndex(index, __PRETTY_FUNCTION__, kSubscript) ? &*m_Elements[index] : nullptr;
     }
     virtual const T* operator[](unsigned index) const {
-        return isIndex(index, kSubscript) ? &*m_Elements[index] : nullptr;
+        return isIndex(index, __PRETTY_FUNCTION__, kSubscript) ? &*m_Elements[index] : nullptr;
     }
 
     virtual unsigned size() const { return static_cast<unsigned>(m_Elements.size()); }
@@ -83,7 +83,7 @@ public:
     /// Puts a clone in the place of an element. False, with a message, for an index that isn't below the
     /// size.
     virtual bool exchange(unsigned index, const T& value) {
-        if (!isIndex(index, "NqXmlVariableVectorType<ElementType>::exchange()")) {
+        if (!isIndex(index, __PRETTY_FUNCTION__, "NqXmlVariableVectorType<ElementType>::exchange()")) {
             return false;
         }
         m_Elements[index] = NqXmlOwned<T>(value);
@@ -92,7 +92,7 @@ public:
 
     /// False, with a message, for an index that isn't below the size.
     virtual bool erase(unsigned index) {
-        if (!isIndex(index, "NqXmlVariableVectorType<ElementType>::erase()")) {
+        if (!isIndex(index, __PRETTY_FUNCTION__, "NqXmlVariableVectorType<ElementType>::erase()")) {
             return false;
         }
         m_Elements.erase(m_Elements.begin() + index);
@@ -102,10 +102,9 @@ public:
     /// Erases up to `last`, which stays. False, with a message, for a range that isn't within the vector or,
     /// unlike in NqXmlVectorType, is empty.
     virtual bool erase(unsigned first, unsigned last) {
-        if (last > m_Elements.size() || first >= last) {
-            NqXmlCollection::message(__PRETTY_FUNCTION__)
-                << "NqXmlVariableVectorType<ElementType>::erase: bad first/last indices: " << first << "/"
-                << last << "\n";
+        if (!NqXmlCollection::checkFilledRange(__PRETTY_FUNCTION__,
+                                               "NqXmlVariableVectorType<ElementType>::erase", first, last,
+                                               m_Elements.size())) {
             return false;
         }
         m_Elements.erase(m_Elements.begin() + first, m_Elements.begin() + last);
@@ -175,8 +174,8 @@ protected:
 private:
     static constexpr const char* kSubscript = "NqXmlVariableVectorType<ElementType>::operator[]";
 
-    bool isIndex(unsigned index, const char* operation) const {
-        return NqXmlCollection::checkIndex(__PRETTY_FUNCTION__, operation, index, m_Elements.size());
+    bool isIndex(unsigned index, const char* signature, const char* operation) const {
+        return NqXmlCollection::checkIndex(signature, operation, index, m_Elements.size());
     }
 
     bool writeElements(NqXmlWriter& writer) const {

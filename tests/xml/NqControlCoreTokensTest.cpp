@@ -86,6 +86,30 @@ TEST(NqControlCoreTokens, AreTheWholeVocabulary) {
     }
 }
 
+// Names of another module, made from the namespace, are there before anything else.
+constinit const NqToken kMine = ns + "mine";
+const std::string kMineText = kMine.token();
+static_assert(NqGainToken.localName() == "gain" && NqGainToken.namespaceUri() == ns.localName());
+
+TEST(NqToken, OwnsWhatIsNoConstant) {
+    EXPECT_EQ(kMineText, "http://nq.example/namespace/ct#mine");
+    EXPECT_EQ(NqToken(kMine).localName().data(), kMine.localName().data());
+    std::string name = "late in the program, and too long to be kept in place";
+    const std::string before = name;
+    const NqToken late = NqToken(kMine + "/") + name.c_str();
+    NqToken copy = "gone";
+    {
+        const NqToken original = late;
+        copy = original;
+        name = "overwritten";
+    }
+    EXPECT_EQ(copy.token(), kMineText + "/" + before);
+    EXPECT_EQ(copy.localName(), before);
+    EXPECT_EQ(copy, late);
+    EXPECT_EQ(copy, NqToken(copy.c_str())); // wherever the text is divided
+    EXPECT_TRUE(kMine < copy && !(copy < kMine) && NqToken("a") < NqToken("\xC3"));
+}
+
 TEST(NqToken, NamesWithoutNamespaceAreThoseOfTheParent) {
     EXPECT_TRUE((ns + "gain").names("gain"));
     EXPECT_TRUE(NqToken("gain").names(NqGainToken));

@@ -58,9 +58,32 @@ TYPED_TEST(NqXmlBothVectors, EraseOneElement) {
         std::string(TypeParam::name) + "<ElementType>::erase(): index (5) exceeds vector size (5).\n";
     EXPECT_TRUE(this->m_Print.contains(message)) << this->m_Print.text();
     EXPECT_EQ(this->m_Print.lines().at(0).first, 4U);
+    EXPECT_TRUE(this->m_Print.contains("::erase(unsigned int)"));
     EXPECT_TRUE(this->m_Vector.erase(4));
     EXPECT_TRUE(this->m_Vector.erase(1));
     EXPECT_EQ(this->numbers(), (Numbers{0.0, 2.0, 3.0}));
+}
+
+TEST(NqXmlVectorType, GrowsAndShrinks) {
+    NqTestReals reals{1.0, 2.0};
+    reals.resizeToAtLeast(1);
+    EXPECT_EQ(reals.size(), 2U);
+    reals.resizeToAtLeast(4);
+    EXPECT_EQ(reals, (NqTestReals{1.0, 2.0, 0.0, 0.0}));
+    reals.resize(1);
+    reals.append(reals);
+    EXPECT_EQ(reals, (NqTestReals{1.0, 1.0}));
+    reals.assign(3, reals[0]);
+    EXPECT_EQ(reals, NqTestReals(3, 1.0));
+}
+
+TEST(NqXmlSetType, TellsWhatIsNew) {
+    NqTestSet set;
+    EXPECT_TRUE(set.add("b") && set.add("a") && set.find("b"));
+    EXPECT_FALSE(set.add("b") || set.find("c") || set.erase("c"));
+    EXPECT_TRUE(set.erase("b"));
+    EXPECT_FALSE(set.find("b"));
+    EXPECT_EQ(set.size(), 1U);
 }
 
 TYPED_TEST(NqXmlBothVectors, EraseRanges) {
@@ -121,7 +144,9 @@ TEST(NqXmlVariableVectorType, ChecksIndices) {
     shapes.pushBack(NqTestSquare(2.0));
     EXPECT_EQ(shapes[1], nullptr);
     EXPECT_TRUE(print.contains("index (1) exceeds vector size (1).\n"));
+    EXPECT_TRUE(print.contains("::operator[](unsigned int)"));
     EXPECT_FALSE(shapes.exchange(1, NqTestCircle()));
+    EXPECT_TRUE(print.contains("::exchange(unsigned int, const T&)"));
     EXPECT_TRUE(shapes.exchange(0, NqTestCircle()));
     EXPECT_EQ(shapes[0]->area(), 3.0);
 }

@@ -47,7 +47,7 @@ const auto a = made(NqTestTexts{"a"});
 constexpr const char* kArrayCount = "NqXmlVectorType Error: array size not equal to attribute value -- ";
 constexpr const char* kMapForm =
     "NqXmlMapType Error: file not valid.\n\tKey map format not correct.\n\tFile: "
-    "in.xml\n\tLine: 1\n\tExpected ";
+    "in.xml\n\tLine: 1\tExpected ";
 #define NQ_PAIR(key, value) "<element><key>" key "</key><value>" value "</value></element>"
 #define NQ_SQUARE(key) "<element><key>" key "</key><square><size>2</size></square></element>"
 
@@ -58,7 +58,7 @@ INSTANTIATE_TEST_SUITE_P(
         ReadingCase{"HighCount", a, " count='4294967295'><group><value>a</value></group>", true, 3,
                     kArrayCount},
         ReadingCase{"NegativeCount", a, " count='-3'><group><value>a</value></group>", true, 3,
-                    "-- -3, actual -- 1\nFilename: in.xml, Line count: 1\n"},
+                    "-- -3, actual -- 1Filename: in.xml, Line count: 1\n"},
         ReadingCase{"CountWithTail", a, " count='1 or so'><group><value>a</value></group>", true, 0, ""},
         ReadingCase{"NoElements", made(NqTestTexts()), " count='3'>", true, 3, "-- 3, actual -- 0"},
         ReadingCase{"SeveralGroups", made(NqTestTexts{"a", "b"}),
@@ -88,7 +88,7 @@ INSTANTIATE_TEST_SUITE_P(
                     "<square><size>4</size></square>",
                     false, 4,
                     "NqXmlVariableVectorType::readValueFromToken() error:\n\t\"star\" tag not registered.\n"
-                    "\tFile: in.xml\n\tLine: 1"},
+                    "Filename: in.xml, Line count: 1\n"},
         ReadingCase{"RegisteredForAnotherClass", shapes({}), "><count/>", false, 4,
                     "\"count\" tag not registered.\n"},
         ReadingCase{"OfAnotherNamespace", shapes({}), "><square xmlns='urn:other'/>", false, 4,
@@ -114,14 +114,15 @@ INSTANTIATE_TEST_SUITE_P(
                     "\"x\" is no value of element \"value\""},
         ReadingCase{"VariableRepeats", shapeMap({"k"}),
                     ">" NQ_SQUARE("k") "<element><key>k</key><circle/></element>", false, 4,
-                    "NqXmlVariableMapType::read() error:\n\t\"k\" key in XML map more than once.\n"},
+                    "NqXmlVariableMapType::read() error:\n\t\"k\" key in XML map more than once.\n"
+                    "Filename: in.xml, Line count: 1\n"},
         ReadingCase{"VariableUnregistered", shapeMap({"k"}),
                     "><element><key>s</key><star/></element>" NQ_SQUARE("k"), false, 4,
                     "NqXmlVariableMapType::read() error:\n\t\"star\" tag not registered.\n"},
         ReadingCase{
             "VariableForm", shapeMap({"k"}), "><square/>" NQ_SQUARE("k"), false, 4,
             "NqXmlVariableMapType Error: file not valid.\n\tKey map format not correct.\n\tFile: in.xml"
-            "\n\tLine: 1\n\tExpected element but received square."}),
+            "\n\tLine: 1\tExpected element but received square.\n"}),
     [](const auto& which) { return which.param.name; });
 
 TEST_P(NqXmlCollectionReading, GivesResultAndMessage) {
@@ -158,6 +159,47 @@ TEST(NqXmlVariableVectorType, KeepsTheLibrariesItDoesNotLoad) {
     EXPECT_TRUE(print.contains("library \"two\" is not loaded"));
     EXPECT_TRUE(print.contains("element \"book\" is not known here"));
     EXPECT_EQ(print.lines().at(1).first, 4U);
+
+    NqTestShapeVector copy;
+    copy = vector;
+    EXPECT_EQ(copy.addLibraries(), vector.addLibraries());
+    EXPECT_EQ(copy, vector);
+    copy.setAddLibraries({"one"});
+    EXPECT_FALSE(copy == vector);
+}
+
+TEST(NqXmlVariableVectorType, SpeaksOfEachLibraryOnce) {
+    const auto messagesOn = [](unsigned libraries) {
+        NqPrintCapture print;
+        NqTestShapeVector vector;
+        std::string document = "<endEffectorVector count='0'>";
+        for (unsigned i = 0; i < libraries; ++i) {
+            document += "<addLibraries><library>l</library></addLibraries>";
+        }
+        EXPECT_TRUE(NqXmlDocument::readString(document + "</endEffectorVector>", vector));
+        EXPECT_EQ(vector.addLibraries().size(), libraries);
+        return print.lines().size();
+    };
+    EXPECT_EQ(messagesOn(3), 3U);
+    EXPECT_EQ(messagesOn(3000), 201U); // the last of them tells that others are left out
+}
+
+TEST(NqXmlReader, TellsTheLineOfEachTagAndText) {
+    NqPrintCapture print;
+    NqTestTexts texts;
+    const std::string lines(70'000, '\n');
+    EXPECT_TRUE(NqXmlDocument::readString("<vectorType count='9'\n>\n<group>\n<value>a\n</value>\n</group>\n"
+                                          "<!--\n> <b> \n--></vectorType\n>",
+                                          texts, "a.xml"));
+    EXPECT_FALSE(NqXmlDocument::readString("<vectorType count='9'>" + lines +
+                                               "<other a='\n>'/>\n<group>x\n\n<value>" + lines +
+                                               "<c/></value></group>\n</vectorType>",
+                                           texts, "b.xml"));
+    std::string places;
+    for (const auto& line : print.lines()) {
+        places += line.second.substr(line.second.find_last_of(' '));
+    }
+    EXPECT_EQ(places, " 10\n 70002\n 70005\n 140005\n 140006\n") << print.text();
 }
 
 /// A container around others, that knows a class which those within don't.
@@ -184,6 +226,22 @@ TEST(NqXmlVariableVectorType, AsksTheContainerAroundIt) {
     NqPrintCapture print;
     NqTestShapeVector alone;
     EXPECT_FALSE(NqXmlDocument::readString("<endEffectorVector><star/></endEffectorVector>", alone));
+}
+
+TEST(NqXmlVariableVectorType, KeepsCreatorsOfItsUser) {
+    NqTestShapeVector shapes;
+    shapes.registerComponentCreator(NqTestSquare::classToken(), NqTestCircle::creator); // before the class's
+    const std::unique_ptr<NqXmlObject> square(shapes.newObjectFromToken("square"));
+    EXPECT_TRUE(dynamic_cast<NqTestCircle*>(square.get()));
+    shapes.registerComponentCreator("star", NqTestSquare::creator);
+    NqTestShapeVector assigned;
+    assigned = shapes;
+    for (NqTestShapeVector copy : {shapes, assigned}) {
+        EXPECT_TRUE(NqXmlDocument::readString(
+            "<endEffectorVector count='2'><square/><star/></endEffectorVector>", copy));
+        EXPECT_EQ(copy[0]->area(), 3.0);
+        EXPECT_EQ(copy[1]->area(), 1.0);
+    }
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include <nqControlCore/filter/NqPointMotionFilter.h>
 #include <nqControlCore/filter/NqRotationMotionFilter.h>
 #include <nqControlCore/filter/NqScalarMotionFilter.h>
+#include <nqControlCore/foundation/xml/NqXmlObjectVisitor.h>
 
 #include <gtest/gtest.h>
 
@@ -103,6 +104,9 @@ INSTANTIATE_TEST_SUITE_P(
                    "<vectorType count=\"1\"><element>"
                    "<element><key>3</key><value>0.1</value></element>"
                    "<element><key>70</key><value>-0</value></element></element></vectorType>"},
+        ObjectCase{"Compounds", made(NqXmlVectorType<NqTestSquare>{NqTestSquare(2.0)}),
+                   "<vectorType count=\"1\"><element type=\"shape\"><size " NQ_CT
+                   ">2</size><filteringMode " NQ_CT ">trapezoidal</filteringMode></element></vectorType>"},
         ObjectCase{"Holder", made(NqTestHolder()),
                    "<motionFilterSet " NQ_CT
                    "><motionFilterSets count=\"1\"><element type=\"shape\"><size>1</size>"
@@ -214,6 +218,48 @@ TEST(NqXmlDocument, FilesAreReplacedWhole) {
     EXPECT_FALSE(NqXmlDocument::writeFile("/no/such/folder/file.xml", texts));
     EXPECT_TRUE(print.contains("cannot write /no/such/folder/file.xml"));
     std::filesystem::remove(fileName);
+}
+
+TEST(NqXmlDocument, ScratchFilesAreItsOwn) {
+    const std::string fileName = testing::TempDir() + "nqScratch.xml";
+    std::ofstream(fileName + ".new") << "a user's";
+    ASSERT_TRUE(NqXmlDocument::writeFile(fileName, NqTestTexts{"first"}));
+    ASSERT_TRUE(NqXmlDocument::writeFile(fileName, NqTestTexts{"second"}));
+    NqTestTexts texts;
+    EXPECT_TRUE(NqXmlDocument::readFile(fileName, texts) && texts[0] == "second");
+    std::string kept;
+    std::getline(std::ifstream(fileName + ".new"), kept);
+    EXPECT_EQ(kept, "a user's");
+
+    NqPrintCapture print;
+    const std::string folder = testing::TempDir() + "nqFolder.xml";
+    std::filesystem::create_directory(folder);
+    EXPECT_FALSE(NqXmlDocument::writeFile(folder, texts));
+    EXPECT_FALSE(std::filesystem::exists(folder + ".new"));
+}
+
+/// Counts the objects and containers that it is shown.
+class NqCountingVisitor : public NqXmlObjectVisitor {
+public:
+    using NqXmlObjectVisitor::visit;
+    void visit(const NqXmlObject*) override { ++m_Objects; }
+    void visit(const NqXmlBaseVariableCompoundType*) override { ++m_Containers; }
+    unsigned m_Objects = 0, m_Containers = 0;
+};
+
+TEST(NqXmlObjectVisitor, SeesEveryObject) {
+    const auto seen = [](const NqXmlObject& object) {
+        NqCountingVisitor visitor;
+        object.accept(&visitor);
+        return std::pair(visitor.m_Objects, visitor.m_Containers);
+    };
+    EXPECT_EQ(seen(NqTestSquare()), std::pair(6U, 0U)); // the legacy component too
+    EXPECT_EQ(seen(NqTestHolder()), std::pair(1U + 7U + 1U, 1U));
+    EXPECT_EQ(seen(sampleShapes()), std::pair(1U + 6U + 2U, 1U));
+    EXPECT_EQ(seen(sampleShapeMap()), std::pair(1U + 2U + 2U + 6U, 1U));
+    EXPECT_EQ(seen(sampleMap()), std::pair(5U, 0U));
+    EXPECT_EQ(seen(sampleSet()), std::pair(3U, 0U));
+    EXPECT_EQ(seen(NqXmlVectorType<NqCoordinateSystemTransformation>{samplePose()}), std::pair(1U, 0U));
 }
 
 } // namespace

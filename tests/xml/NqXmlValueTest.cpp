@@ -1,6 +1,7 @@
 #include "NqXmlTestClasses.h"
 #include "matrix/NqArrayTesting.h"
 #include "support/NqPrintCapture.h"
+#include "support/NqSchemaValidator.h"
 #include "support/NqXmlRoundTrip.h"
 
 #include <nqControlCore/foundation/text/NqTextConversion.h>
@@ -8,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <functional>
 #include <limits>
 #include <random>
 #include <sstream>
@@ -58,6 +60,32 @@ TEST(NqXmlValue, TextsComeBackFromElementsAttributesAndKeys) {
     }
 }
 
+TEST(NqXmlValue, WholeNumbersMayHaveASign) {
+    const auto expectRead = [](auto expected, const char* text) {
+        NqXmlBasicType<decltype(expected)> value;
+        EXPECT_TRUE(value.setValueFromString(text)) << text;
+        EXPECT_EQ(value.value(), expected) << text;
+    };
+    expectRead(5, " +5 ");
+    expectRead(std::numeric_limits<int>::min(), "-2147483648");
+    expectRead(4294967295U, "+4294967295");
+    expectRead(std::uint16_t{65535}, "65535");
+    EXPECT_TRUE(NqSchemaValidator(NqXmlBasicType<int>(), "int").accepts("<value>+5</value>"));
+}
+
+TEST(NqXmlValue, EveryRealIsAKey) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    NqXmlMapType<NqXmlBasicType<double>, NqXmlBasicType<int>> map;
+    for (const double key : {2.0, nan, 1.0, nan, 3.0}) {
+        map.add(key, static_cast<int>(map.size()));
+    }
+    NqXmlBasicType<int> value;
+    ASSERT_EQ(map.size(), 4U);
+    EXPECT_TRUE(map.lookup(nan, value) && value == 3);
+    EXPECT_TRUE(map.lookup(3.0, value) && value == 3);
+    EXPECT_EQ(nqWritten(nqThroughXml(map)), nqWritten(map));
+}
+
 struct BadText {
     const char* what;
     std::shared_ptr<NqXmlObject> object;
@@ -71,6 +99,10 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(BadText{"real", std::make_shared<NqXmlBasicType<double>>(4.0), "1.5x"},
                     BadText{"empty real", std::make_shared<NqXmlBasicType<double>>(4.0), " "},
                     BadText{"comma", std::make_shared<NqXmlBasicType<double>>(4.0), "1,5"},
+                    BadText{"two signs", std::make_shared<NqXmlBasicType<double>>(4.0), "+-5"},
+                    BadText{"payload", std::make_shared<NqXmlBasicType<double>>(4.0), "nan(ind)"},
+                    BadText{"int of two signs", std::make_shared<NqXmlBasicType<int>>(4), "+-5"},
+                    BadText{"sign alone", std::make_shared<NqXmlBasicType<int>>(4), "+"},
                     BadText{"int", std::make_shared<NqXmlBasicType<int>>(4), "2147483648"},
                     BadText{"unsigned", std::make_shared<NqXmlBasicType<unsigned>>(4U), "-1"},
                     BadText{"short", std::make_shared<NqXmlBasicType<unsigned short>>(std::uint16_t{4}),
@@ -100,6 +132,77 @@ TEST(NqXmlValue, TextMayStandInPieces) {
         texts));
     EXPECT_EQ(texts, (NqTestTexts{"a<A<b>&c", ""}));
     EXPECT_EQ(print.text(), "");
+}
+
+/// What is written with a writer that each test drives by hand, and what the writer's last operation gives.
+std::string driven(const std::function<bool(NqXmlWriter&)>& drive, bool expected) {
+    std::ostringstream stream;
+    {
+        NqXmlWriter writer("out.xml", stream);
+        writer.setIndent(false);
+        EXPECT_EQ(drive(writer), expected);
+        EXPECT_EQ(writer.flush(), expected);
+    }
+    return stream.str();
+}
+
+TEST(NqXmlWriter, WritesWhatItIsTold) {
+    EXPECT_EQ(driven(
+                  [](NqXmlWriter& writer) {
+                      writer.setStyleSheet("a.xsl");
+                      writer.setSchemaLocation("urn:a a.xsd");
+                      writer.setLanguageSelection("de");
+                      const bool begun = writer.header(NqToken("urn:a#") + "a", "note");
+                      writer.setAttributeName("b");
+                      return begun && writer.data("1 < 2") && writer.tab(1) && writer.data("c") &&
+                             writer.writeStartTagUsingParentNamespace(NqToken("urn:d#") + "d");
+                  },
+                  true),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<?xml-stylesheet type=\"text/xsl\" "
+              "href=\"a.xsl\"?><!--note--><a xmlns=\"urn:a#\" "
+              "xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" xsi:schemaLocation=\"urn:a a.xsd\" "
+              "xml:lang=\"de\" b=\"1 &lt; 2\">  c<d/></a>\n");
+    NqXmlRealVector numbers(5, 0.5);
+    const std::string lines = driven(
+        [&](NqXmlWriter& writer) {
+            writer.setHeader(false);
+            writer.setSchemaInstance(true);
+            writer.setNumOfContentColumns(2);
+            return writer.writeStartTag("a") && numbers.write(writer) && writer.writeEndTag();
+        },
+        true);
+    EXPECT_EQ(lines,
+              "<a xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\">0.5 0.5\n0.5 0.5\n0.5</a>\n");
+}
+
+TEST(NqXmlWriter, IsFalseOnceAnythingFailed) {
+    const std::pair<const char*, std::function<bool(NqXmlWriter&)>> cases[] = {
+        {"a comment holds", [](NqXmlWriter& writer) { return writer.header("a", "b -- c"); }},
+        {"a comment holds", [](NqXmlWriter& writer) { return writer.header("a", "b-"); }},
+        {"one root",
+         [](NqXmlWriter& writer) {
+             return writer.writeStartTag("a") && writer.writeEndTag() && writer.writeStartTag("b");
+         }},
+        {"within the root", [](NqXmlWriter& writer) { return writer.content("a"); }},
+        {"within the root",
+         [](NqXmlWriter& writer) {
+             return writer.header("a", "") && writer.writeEndTag() && writer.data(" ");
+         }},
+        {"a name is none", [](NqXmlWriter& writer) { return writer.writeStartTag("a b"); }},
+        {"a name is none", [](NqXmlWriter& writer) { return writer.writeStartTag("a:b"); }},
+        {"a name is none",
+         [](NqXmlWriter& writer) {
+             writer.setAttributeName("1");
+             return writer.writeStartTag("a") && writer.data("b");
+         }},
+        {"", [](NqXmlWriter& writer) { return writer.writeEndTag(); }},
+        {"", [](NqXmlWriter& writer) { return writer.writeStartTag("a") && writer.attributeValue("b"); }}};
+    for (const auto& [message, drive] : cases) {
+        NqPrintCapture print;
+        driven(drive, false);
+        EXPECT_TRUE(print.contains(message)) << message << ": " << print.text();
+        EXPECT_EQ(print.contains("-- file: out.xml"), *message != '\0');
+    }
 }
 
 TEST(NqXmlWriter, RefusesWhatXmlCannotHold) {

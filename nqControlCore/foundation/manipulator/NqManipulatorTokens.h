@@ -6,13 +6,13 @@
 /// namespace of the object that holds the state.
 namespace NqManipulator {
 
-extern const NqToken NqAccelerationStateToken;
-extern const NqToken NqBaseFrameToken;
-extern const NqToken NqBaseMotionToken;
-extern const NqToken NqJointAccelerationsToken;
-extern const NqToken NqJointPositionsToken;
-extern const NqToken NqJointVelocitiesToken;
-extern const NqToken NqPositionStateToken;
-extern const NqToken NqVelocityStateToken;
+inline constexpr NqToken NqAccelerationStateToken("accelerationState");
+inline constexpr NqToken NqBaseFrameToken("baseFrame");
+inline constexpr NqToken NqBaseMotionToken("baseMotion");
+inline constexpr NqToken NqJointAccelerationsToken("jointAccelerations");
+inline constexpr NqToken NqJointPositionsToken("jointPositions");
+inline constexpr NqToken NqJointVelocitiesToken("jointVelocities");
+inline constexpr NqToken NqPositionStateToken("positionState");
+inline constexpr NqToken NqVelocityStateToken("velocityState");
 
 } // namespace NqManipulator

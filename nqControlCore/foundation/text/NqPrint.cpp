@@ -8,8 +8,10 @@ namespace Nq {
 
 namespace {
 
-std::mutex& printMutex() {
-    static std::mutex theMutex;
+/// Held while a line goes out and while the sink changes, so that no sink runs once it has been replaced. A
+/// sink may itself print or set a sink.
+std::recursive_mutex& printMutex() {
+    static std::recursive_mutex theMutex;
     return theMutex;
 }
 
@@ -43,19 +45,12 @@ Print::Stream Print::ostream(unsigned printType, const char* functionSignature) 
 }
 
 void Print::emit(unsigned printType, const std::string& text) {
-    std::shared_ptr<const Sink> sink;
-    {
-        const std::scoped_lock lock(printMutex());
-        if (!m_Sink) {
-            std::fwrite(text.data(), 1, text.size(), stderr);
-            return;
-        }
-        sink = m_Sink;
+    const std::scoped_lock lock(printMutex());
+    if (const std::shared_ptr<const Sink> sink = m_Sink) { // kept while it runs, even if it replaces itself
+        (*sink)(printType, text);
+    } else {
+        std::fwrite(text.data(), 1, text.size(), stderr);
     }
-    // A sink may itself set a sink or print, so it runs outside the lock on the registration.
-    static std::recursive_mutex theSinkMutex;
-    const std::scoped_lock lock(theSinkMutex);
-    (*sink)(printType, text);
 }
 
 std::string Print::formatted(std::string_view format, std::initializer_list<Argument> arguments) {

@@ -39,7 +39,8 @@ public:
 
     static Print& instance();
 
-    /// Replaces where lines go. An empty function restores standard error.
+    /// Replaces where lines go. An empty function restores standard error. The old sink doesn't run any more
+    /// when this returns, unless it is itself the caller.
     void setSink(Sink sink);
 
     /// Formats in the manner of printf, but by the type of each argument: "%d" shows a text argument as that

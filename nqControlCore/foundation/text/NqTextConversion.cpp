@@ -76,7 +76,7 @@ bool nqParseReal(std::string_view text, double& value) {
         value = std::numeric_limits<double>::quiet_NaN();
         return true;
     }
-    if (number.empty() || number[0] == '-' || number[0] == '+') {
+    if (number.empty() || std::string_view("0123456789.").find(number[0]) == std::string_view::npos) {
         return false;
     }
     double parsed = 0.0;

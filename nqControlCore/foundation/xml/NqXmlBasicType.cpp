@@ -3,6 +3,7 @@
 #include <nqControlCore/foundation/text/NqTextConversion.h>
 
 #include <charconv>
+#include <utility>
 
 template <typename T>
 std::string NqXmlBasicType<T>::toText() const {
@@ -33,13 +34,17 @@ bool NqXmlBasicType<T>::setValueFromString(const std::string& text) {
         this->m_Value = isTrue;
         return true;
     } else {
-        const std::string_view number = nqTrimmed(text);
-        T parsed{};
+        std::string_view number = nqTrimmed(text);
+        if (number.starts_with('+') && !number.starts_with("+-")) {
+            number.remove_prefix(1);
+        }
+        long long parsed = 0;
         const auto result = std::from_chars(number.data(), number.data() + number.size(), parsed);
-        if (result.ec != std::errc() || result.ptr != number.data() + number.size()) {
+        if (result.ec != std::errc() || result.ptr != number.data() + number.size() ||
+            !std::in_range<T>(parsed)) {
             return false;
         }
-        this->m_Value = parsed;
+        this->m_Value = static_cast<T>(parsed);
         return true;
     }
 }

@@ -30,13 +30,20 @@ public:
         return *this;
     }
 
-    friend bool operator<(const NqXmlBasicType& a, const NqXmlBasicType& b) { return a.m_Value < b.m_Value; }
+    /// NaN comes behind all numbers, so that it may be a key like any other.
+    friend bool operator<(const NqXmlBasicType& a, const NqXmlBasicType& b) {
+        if constexpr (std::same_as<T, double>) {
+            return a.m_Value < b.m_Value || (a.m_Value == a.m_Value && b.m_Value != b.m_Value);
+        } else {
+            return a.m_Value < b.m_Value;
+        }
+    }
 
     /// The text that reads back to the same value.
     std::string toText() const;
 
-    /// Numbers may have white space around them, and the whole text must be one; booleans are "true",
-    /// "false", "1" or "0". False, and the value kept, where the text is no such value.
+    /// Numbers may have white space around them and a sign, and the whole text must be one; booleans are
+    /// "true", "false", "1" or "0". False, and the value kept, where the text is no such value.
     bool setValueFromString(const std::string& text);
 
     static bool writeSchemaType(NqXmlSchema& schema) { return schema.writeSimpleType(typeid(T)); }

@@ -68,11 +68,19 @@ bool NqXmlCompoundType::readElements(NqXmlReader& reader) {
 }
 
 template <typename WriteComponent>
-bool NqXmlCompoundType::writeComponents(const NqXmlWriter& writer, const NqXmlComponentMap& map,
+bool NqXmlCompoundType::writeComponents(NqXmlWriter& writer, const NqXmlComponentMap& map,
                                         const NqXmlComponentMap& (NqXmlCompoundType::*mapOf)() const,
                                         WriteComponent writeComponent) const {
-    std::unique_ptr<NqXmlObject> blank(writer.writeDefaultDataFlag() ? nullptr : newObject());
-    const auto* theDefault = dynamic_cast<const NqXmlCompoundType*>(blank.get());
+    std::unique_ptr<NqXmlObject> blank;
+    const NqXmlObject* leftOut = nullptr;
+    if (!writer.writeDefaultDataFlag()) {
+        leftOut = writer.defaultOf(*this);
+        if (!leftOut) {
+            blank.reset(newObject());
+            leftOut = blank.get();
+        }
+    }
+    const auto* theDefault = dynamic_cast<const NqXmlCompoundType*>(leftOut);
     for (const auto& entry : map) {
         if (entry.isReadOnly) {
             continue;
@@ -81,6 +89,7 @@ bool NqXmlCompoundType::writeComponents(const NqXmlWriter& writer, const NqXmlCo
         if (same && entry.object->equality(same->object)) {
             continue;
         }
+        const NqXmlWriter::Default nested(writer, *entry.object, same ? same->object : nullptr);
         if (!writeComponent(entry)) {
             return false;
         }
@@ -137,7 +146,7 @@ void NqXmlCompoundType::registerComponentReadOnly(const NqToken& token, NqXmlObj
 }
 
 const NqXmlComponentMap& NqXmlCompoundType::componentMap() const {
-    initialized();
+    ensureInitialized();
     return createComponentMap();
 }
 
@@ -151,7 +160,7 @@ void NqXmlCompoundType::registerAttributeComponentReadOnly(const NqToken& token,
 
 const NqXmlComponentMap& NqXmlCompoundType::attributeComponentMap() const {
     static const NqXmlComponentMap theEmptyMap;
-    initialized();
+    ensureInitialized();
     return m_AttributeComponents ? *m_AttributeComponents : theEmptyMap;
 }
 

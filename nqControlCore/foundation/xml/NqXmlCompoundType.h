@@ -3,8 +3,10 @@
 #include <nqControlCore/foundation/xml/NqXmlComponentMap.h>
 #include <nqControlCore/foundation/xml/NqXmlObject.h>
 
+#include <concepts>
 #include <map>
 #include <memory>
+#include <tuple>
 
 /// A persistent object with named components: fields of its own that are written as elements or attributes.
 ///
@@ -22,6 +24,13 @@ public:
         return *this;
     }
 
+    /// Equality of what this class itself holds, which is nothing: for the operator== of a class below, which
+    /// calls that of its base first. It takes no object of a class that has forgotten its own.
+    template <std::same_as<NqXmlCompoundType> Compound>
+    friend bool operator==(const Compound&, const Compound&) {
+        return true;
+    }
+
     void accept(NqXmlObjectVisitor* visitor) const override;
     bool xmlInit() override;
     bool read(NqXmlReader& reader) override;
@@ -34,8 +43,9 @@ public:
     virtual bool readAttributes(NqXmlReader& reader);
     virtual bool readElements(NqXmlReader& reader);
 
-    /// Write the components in order. With the writer's write-default-data flag off, those that are as in a
-    /// new object are left out.
+    /// Write the components in order. With the writer's write-default-data flag off, those are left out that
+    /// a read would find so without the file: as in a new object or, for a component, as in that of a new
+    /// owner.
     virtual bool writeAttributes(NqXmlWriter& writer) const;
     virtual bool writeElements(NqXmlWriter& writer) const;
 
@@ -83,19 +93,19 @@ protected:
     virtual bool isReadOnlyComponent(const NqToken& token) const;
     virtual bool isReadOnlyAttribute(const NqToken& token) const;
 
-    /// Equality of what this class holds: nothing. NqXmlPersistent calls the forms of all bases.
+    /// Equality for NqXmlPersistent, which calls the forms of all bases.
     bool sameValue(const NqXmlCompoundType&) const { return true; }
 
 private:
-    /// Makes sure that the components are registered. Registration only fills a cache.
-    bool initialized() const { return xmlInitialized() || const_cast<NqXmlCompoundType*>(this)->xmlInit(); }
+    friend struct NqXmlComponentAccess;
+    static std::tuple<> components() { return {}; } ///< what classes without a list of their own inherit
 
     template <typename WriteComponent>
-    bool writeComponents(const NqXmlWriter& writer, const NqXmlComponentMap& map,
+    bool writeComponents(NqXmlWriter& writer, const NqXmlComponentMap& map,
                          const NqXmlComponentMap& (NqXmlCompoundType::*mapOf)() const,
                          WriteComponent writeComponent) const;
 
     mutable std::unique_ptr<NqXmlComponentMap> m_Components;
     mutable std::unique_ptr<NqXmlComponentMap> m_AttributeComponents;
-    std::unique_ptr<SpecialDescriptorMap> m_SpecialDescriptors;
+    mutable std::unique_ptr<SpecialDescriptorMap> m_SpecialDescriptors;
 };

@@ -21,8 +21,8 @@ public:
     }
 
     bool equality(const NqXmlObject* other) const override {
-        const auto* same = dynamic_cast<const Derived*>(other);
-        return same && static_cast<const Derived&>(*this) == *same;
+        return other && typeid(*other) == typeid(*this) &&
+               static_cast<const Derived&>(*this) == static_cast<const Derived&>(*other);
     }
 
     NqXmlObject* newObject() const override { return new (std::nothrow) Derived; }

@@ -5,8 +5,8 @@
 #include <nqControlCore/foundation/xml/NqXmlReader.h>
 #include <nqControlCore/foundation/xml/NqXmlWriter.h>
 
+#include <cerrno>
 #include <cstdio>
-#include <fstream>
 #include <sstream>
 
 namespace {
@@ -24,6 +24,19 @@ bool readDocument(NqXmlReader& reader, NqXmlObject& object) {
     return reader.finish() && good;
 }
 
+/// Opens a file beside the other that nobody has yet, and tells its name; null if there is none to be had.
+std::FILE* openScratch(const std::string& fileName, std::string& scratchName) {
+    constexpr int kMostTries = 1000;
+    for (int i = 0; i < kMostTries; ++i) {
+        scratchName = fileName + ".new" + (i == 0 ? "" : std::to_string(i));
+        std::FILE* file = std::fopen(scratchName.c_str(), "wbx");
+        if (file || errno != EEXIST) {
+            return file;
+        }
+    }
+    return nullptr;
+}
+
 } // namespace
 
 bool NqXmlDocument::readFile(const std::string& fileName, NqXmlObject& object) {
@@ -37,18 +50,18 @@ bool NqXmlDocument::readString(std::string_view document, NqXmlObject& object, c
 }
 
 bool NqXmlDocument::writeFile(const std::string& fileName, const NqXmlObject& object) {
-    const std::string scratchName = fileName + ".new";
     std::string document;
     bool written = false;
-    if (writeString(document, object)) {
-        std::ofstream stream(scratchName, std::ios::binary);
-        stream.write(document.data(), static_cast<std::streamsize>(document.size()));
-        written = static_cast<bool>(stream.flush());
-        stream.close();
+    std::string scratchName;
+    if (std::FILE* file = writeString(document, object) ? openScratch(fileName, scratchName) : nullptr) {
+        written = std::fwrite(document.data(), 1, document.size(), file) == document.size();
+        written = std::fclose(file) == 0 && written;
         written = written && std::rename(scratchName.c_str(), fileName.c_str()) == 0;
+        if (!written) {
+            std::remove(scratchName.c_str());
+        }
     }
     if (!written) {
-        std::remove(scratchName.c_str());
         Nq::Print::instance().write(Nq::PrintFailure, "NqXmlDocument::writeFile(): cannot write %s\n",
                                     fileName);
     }

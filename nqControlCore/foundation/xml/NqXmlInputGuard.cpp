@@ -32,6 +32,22 @@ const char* NqXmlInputGuard::troubleIn(std::string_view bytes) {
     return nullptr;
 }
 
+const char* NqXmlInputGuard::troubleInDocument(std::string_view document, unsigned& line) {
+    NqXmlInputGuard guard;
+    const char* trouble = guard.troubleIn(document);
+    line = guard.line();
+    return trouble;
+}
+
+unsigned NqXmlInputGuard::takeTagLine() {
+    if (m_TagLines.empty()) {
+        return 0;
+    }
+    const unsigned line = m_TagLines.front();
+    m_TagLines.pop_front();
+    return line;
+}
+
 const char* NqXmlInputGuard::step(char byte) {
     if (byte == '\0') {
         return "no XML document in UTF-8";
@@ -73,6 +89,7 @@ const char* NqXmlInputGuard::step(char byte) {
         break;
     case State::Tag:
         if (byte == '>') {
+            m_TagLines.push_back(m_Line);
             enter(State::Text);
         } else if (byte == '"' || byte == '\'') {
             m_Quote = byte;

@@ -18,7 +18,7 @@ bool NqXmlObject::xmlInit() {
 }
 
 bool NqXmlObject::read(NqXmlReader&) {
-    return xmlInitialized() || xmlInit();
+    return ensureInitialized();
 }
 
 bool NqXmlObject::readAttribute(NqXmlReader&) {
@@ -26,12 +26,11 @@ bool NqXmlObject::readAttribute(NqXmlReader&) {
 }
 
 bool NqXmlObject::write(NqXmlWriter&) const {
-    // Registration only fills a cache, so a constant object may do it too.
-    return xmlInitialized() || const_cast<NqXmlObject*>(this)->xmlInit();
+    return ensureInitialized();
 }
 
 bool NqXmlObject::writeSchema(NqXmlSchema&) const {
-    return xmlInitialized() || const_cast<NqXmlObject*>(this)->xmlInit();
+    return ensureInitialized();
 }
 
 bool NqXmlObject::createSchema(const std::string& fileName, const NqToken& rootToken) const {

@@ -29,7 +29,8 @@ public:
     /// A heap copy, owned by the caller.
     virtual NqXmlObject* clone() const = 0;
 
-    /// Registers components and enumerators, once, when they are first needed.
+    /// Registers components and enumerators, once, when they are first needed. An override registers and
+    /// does nothing else, since constant objects are registered too.
     virtual bool xmlInit();
 
     /// Reads the content of the reader's current element. False, with a message, where the content is broken;
@@ -71,7 +72,12 @@ public:
     /// The element name of the class.
     virtual const NqToken& token() const = 0;
 
+protected:
+    /// Makes sure that xmlInit() has been called, which a constant object may need too: to register fills
+    /// caches, and all of those are mutable.
+    bool ensureInitialized() const { return xmlInitialized() || const_cast<NqXmlObject*>(this)->xmlInit(); }
+
 private:
-    bool m_XmlInitialized = false;
+    mutable bool m_XmlInitialized = false;
     bool m_Specified = false;
 };

@@ -29,6 +29,11 @@ NqXmlComponent<Class, Member> nqComponent(const NqToken& token, Member Class::*m
     return {token, member, kind};
 }
 
+/// A token that is made for the call would be gone when the list is used: name a constant.
+template <typename Class, typename Member>
+NqXmlComponent<Class, Member> nqComponent(const NqToken&&, Member Class::*,
+                                          NqXmlComponentKind = NqXmlComponentKind::Element) = delete;
+
 /// The own components of a class, in file order.
 template <typename Class, typename... Members>
 std::tuple<NqXmlComponent<Class, Members>...> nqComponentList(NqXmlComponent<Class, Members>... components) {
@@ -36,23 +41,32 @@ std::tuple<NqXmlComponent<Class, Members>...> nqComponentList(NqXmlComponent<Cla
 }
 
 /// Reaches the component list of a class, which the class keeps private and opens with
-/// `friend struct NqXmlComponentAccess;`.
+/// `friend struct NqXmlComponentAccess;` (with `::` where the class is in a namespace). A class that forgets
+/// to does not compile, nor does one that lists a field of its base.
 struct NqXmlComponentAccess {
-    /// Calls `action` for each component that `Class` itself lists; lists of its bases don't count.
-    template <typename Class, typename Action>
+    /// Calls `action` for each component that `Class`, derived from `Base`, lists itself.
+    template <typename Class, typename Base, typename Action>
     static void forEach(Action action) {
-        if constexpr (requires { Class::components(); }) {
-            const auto list = Class::components();
-            std::apply([&](const auto&... component) { (callIfOwn<Class>(component, action), ...); }, list);
+        if constexpr (hasOwnList<Class, Base>()) {
+            std::apply([&](const auto&... component) { (callFor<Class>(component, action), ...); },
+                       Class::components());
         }
     }
 
 private:
-    template <typename Class, typename Owner, typename Member, typename Action>
-    static void callIfOwn(const NqXmlComponent<Owner, Member>& component, Action& action) {
-        if constexpr (std::is_same_v<Class, Owner>) {
-            action(component);
+    /// Whether components() of the class is another than that of its base, which it would inherit.
+    template <typename Class, typename Base>
+    static consteval bool hasOwnList() {
+        if constexpr (std::is_same_v<decltype(&Class::components), decltype(&Base::components)>) {
+            return &Class::components != &Base::components;
         }
+        return true;
+    }
+
+    template <typename Class, typename Owner, typename Member, typename Action>
+    static void callFor(const NqXmlComponent<Owner, Member>& component, Action& action) {
+        static_assert(std::is_same_v<Class, Owner>, "a class lists its own fields, and no field of its base");
+        action(component);
     }
 };
 
@@ -76,7 +90,7 @@ public:
     void registerComponents() override {
         Base::registerComponents();
         auto& self = static_cast<Derived&>(*this);
-        NqXmlComponentAccess::forEach<Derived>([&](const auto& component) {
+        NqXmlComponentAccess::forEach<Derived, Base>([&](const auto& component) {
             auto* field = &(self.*component.member);
             switch (component.kind) {
             case NqXmlComponentKind::Element:
@@ -97,7 +111,7 @@ public:
     bool sameValue(const Derived& other) const {
         const auto& self = static_cast<const Derived&>(*this);
         bool same = Base::sameValue(other);
-        NqXmlComponentAccess::forEach<Derived>([&](const auto& component) {
+        NqXmlComponentAccess::forEach<Derived, Base>([&](const auto& component) {
             same = same && (component.kind == NqXmlComponentKind::Legacy ||
                             self.*component.member == other.*component.member);
         });

@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <limits>
 #include <vector>
 
 #include <libxml/xmlreader.h>
@@ -51,6 +50,8 @@ struct NqXmlReader::Implementation {
     NqXmlInputGuard guard;
     unsigned reports = 0;
     unsigned failureLine = 0; ///< where the document itself is broken
+    unsigned tagLine = 0;     ///< of the last tag
+    unsigned valueLine = 0;   ///< where the element begins that readText() has read
     bool started = false;
     bool failed = false;
 
@@ -97,7 +98,7 @@ struct NqXmlReader::Implementation {
 
     void open(NqXmlReader* owner) {
         reader = xmlReaderForIO(readBytes, nullptr, owner, nullptr, "UTF-8",
-                                XML_PARSE_NONET | XML_PARSE_IGNORE_ENC);
+                                XML_PARSE_NONET | XML_PARSE_IGNORE_ENC | XML_PARSE_BIG_LINES);
         if (reader) {
             xmlTextReaderSetStructuredErrorHandler(
                 reader, reinterpret_cast<xmlStructuredErrorFunc>(takeError), owner);
@@ -206,6 +207,9 @@ bool NqXmlReader::moveOn() {
             return false;
         }
         m_Implementation->collectAttributes();
+        [[fallthrough]];
+    case XML_READER_TYPE_END_ELEMENT:
+        m_Implementation->tagLine = m_Implementation->guard.takeTagLine();
         return true;
     default:
         return true;
@@ -254,9 +258,13 @@ unsigned NqXmlReader::lineNumber() const {
     if (m_Implementation->failureLine != 0 || !m_Implementation->reader) {
         return m_Implementation->failureLine;
     }
-    // The parser works ahead, so the line of the node is the better one; a node has 16 bits for it.
+    // The parser works ahead, and tells the line of a text alone.
+    const unsigned kind = nodeKind();
+    if (kind != NoNode && kind != Text) {
+        return m_Implementation->tagLine;
+    }
     const long nodeLine = xmlGetLineNo(xmlTextReaderCurrentNode(m_Implementation->reader));
-    if (nodeLine > 0 && nodeLine < std::numeric_limits<unsigned short>::max()) {
+    if (nodeLine > 0) {
         return static_cast<unsigned>(nodeLine);
     }
     return static_cast<unsigned>(std::max(xmlTextReaderGetParserLineNumber(m_Implementation->reader), 0));
@@ -287,6 +295,7 @@ bool NqXmlReader::readText(std::string& text) {
         return false;
     }
     const int elementDepth = depth();
+    m_Implementation->valueLine = lineNumber();
     while (moveOn()) {
         switch (nodeKind()) {
         case Text:
@@ -317,9 +326,13 @@ bool NqXmlReader::mayReport() {
 }
 
 void NqXmlReader::report(const std::string& message) {
+    reportAt(lineNumber(), message);
+}
+
+void NqXmlReader::reportAt(unsigned line, const std::string& message) {
     if (mayReport()) {
         Nq::Print::instance().write(Nq::PrintFailure, "NqXmlReader: %s -- file: %s, line: %d\n", message,
-                                    fileName(), lineNumber());
+                                    fileName(), line);
     }
 }
 
@@ -328,7 +341,8 @@ void NqXmlReader::reportBadValue(std::string_view text) {
     if (quotation.size() < text.size()) {
         quotation += "...";
     }
-    report("\"" + quotation + "\" is no value of element \"" + std::string(token().localName()) + "\"");
+    reportAt(nodeKind() == ElementEnd ? m_Implementation->valueLine : lineNumber(),
+             "\"" + quotation + "\" is no value of element \"" + std::string(token().localName()) + "\"");
 }
 
 void NqXmlReader::fail(const std::string& message) {

@@ -66,6 +66,7 @@ public:
     /// Whether no trouble was met so far.
     virtual bool good() const;
 
+    /// Of the current tag, or of the text between two; of what is broken, once anything is.
     virtual unsigned lineNumber() const;
     virtual const std::string& fileName() const;
 
@@ -84,7 +85,8 @@ public:
     /// Prints a message with file and line at print type 4, if mayReport() allows it.
     virtual void report(const std::string& message);
 
-    /// Reports a text that is no value of the current element or attribute.
+    /// Reports a text that is no value of the current element or attribute, with the line in which the
+    /// element begins.
     virtual void reportBadValue(std::string_view text);
 
     /// Walks the children of the element that the reader stands on when this is made:
@@ -109,6 +111,7 @@ private:
 
     int depth() const;
     bool moveOn();
+    void reportAt(unsigned line, const std::string& message);
     void fail(const std::string& message);
 
     std::unique_ptr<Implementation> m_Implementation;

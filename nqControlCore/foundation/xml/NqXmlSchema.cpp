@@ -27,6 +27,7 @@ NqXmlSchema::NqXmlSchema(NqXmlWriter& writer) : m_Writer(writer) {
 
 bool NqXmlSchema::writeDocument(const NqXmlObject& object, const NqToken& rootToken) {
     Attributes attributes = {{"xmlns:xs", kSchemaNamespace}, {"elementFormDefault", "qualified"}};
+    m_Namespace = rootToken.namespaceUri();
     if (rootToken.isQualified()) {
         attributes.emplace_back("targetNamespace", std::string(rootToken.namespaceUri()));
     }
@@ -35,6 +36,9 @@ bool NqXmlSchema::writeDocument(const NqXmlObject& object, const NqToken& rootTo
 }
 
 bool NqXmlSchema::start(const char* name, const Attributes& attributes) {
+    if (m_Foreign != 0) {
+        return true;
+    }
     bool good = m_Writer.writeStartTag(name);
     for (const auto& [attribute, value] : attributes) {
         m_Writer.setAttributeName(attribute);
@@ -44,7 +48,7 @@ bool NqXmlSchema::start(const char* name, const Attributes& attributes) {
 }
 
 bool NqXmlSchema::end() {
-    return m_Writer.writeEndTag();
+    return m_Foreign != 0 || m_Writer.writeEndTag();
 }
 
 bool NqXmlSchema::empty(const char* name, const Attributes& attributes) {
@@ -52,13 +56,38 @@ bool NqXmlSchema::empty(const char* name, const Attributes& attributes) {
 }
 
 bool NqXmlSchema::beginElement(const NqToken& token, Occurs occurs) {
+    if (m_Foreign != 0 || (token.isQualified() && token.namespaceUri() != m_Namespace)) {
+        return (m_Foreign != 0 || allow(token.namespaceUri())) && ++m_Foreign != 0;
+    }
     Attributes attributes = {{"name", std::string(token.localName())}};
     addOccurs(attributes, occurs);
     return start("xs:element", attributes);
 }
 
 bool NqXmlSchema::endElement() {
+    if (m_Foreign != 0) {
+        --m_Foreign;
+        return true;
+    }
     return end();
+}
+
+/// Allows any elements of another namespace in the open group, once: the group could not tell two such places
+/// apart.
+bool NqXmlSchema::allow(std::string_view namespaceUri) {
+    if (m_Groups.empty()) {
+        return false;
+    }
+    Group& group = m_Groups.back();
+    if (group.allowed == namespaceUri) {
+        return true;
+    }
+    group.allowed = namespaceUri;
+    Attributes attributes = {{"namespace", group.allowed}, {"processContents", "lax"}};
+    if (group.isSequence) {
+        addOccurs(attributes, Occurs::AnyNumber);
+    }
+    return empty("xs:any", attributes);
 }
 
 bool NqXmlSchema::beginComplexType() {
@@ -66,16 +95,22 @@ bool NqXmlSchema::beginComplexType() {
 }
 
 bool NqXmlSchema::beginSequence() {
+    m_Groups.push_back({true, {}});
     return start("xs:sequence");
 }
 
 bool NqXmlSchema::beginChoice(Occurs occurs) {
     Attributes attributes;
     addOccurs(attributes, occurs);
+    m_Groups.push_back({false, {}});
     return start("xs:choice", attributes);
 }
 
 bool NqXmlSchema::endContent() {
+    if (m_Groups.empty()) {
+        return false;
+    }
+    m_Groups.pop_back();
     return end();
 }
 
@@ -84,7 +119,9 @@ bool NqXmlSchema::endComplexType() {
 }
 
 bool NqXmlSchema::writeAnyElement() {
-    return empty("xs:any", {{"processContents", "lax"}, {"minOccurs", "0"}, {"maxOccurs", "unbounded"}});
+    Attributes attributes = {{"processContents", "lax"}};
+    addOccurs(attributes, Occurs::AnyNumber);
+    return empty("xs:any", attributes);
 }
 
 bool NqXmlSchema::beginAttribute(const NqToken& token) {

@@ -12,6 +12,9 @@ class NqXmlWriter;
 /// Writes an XML Schema (W3C, 1.0) for what the library writes. Objects are handed this by their
 /// writeSchema() while the element or attribute that they are to describe is open, and add its type; types
 /// are anonymous and nested.
+///
+/// One schema describes the elements of one namespace, that of the root. Where the elements of an object
+/// stand in another, as those of a compound object in a plain list do, any element of that one is allowed.
 class NqXmlSchema {
 public:
     enum class Occurs { Once, Optional, AnyNumber };
@@ -50,5 +53,16 @@ private:
     bool end();
     bool empty(const char* name, const std::vector<std::pair<const char*, std::string>>& attributes);
 
+    bool allow(std::string_view namespaceUri);
+
+    /// A sequence or choice that is open, and the other namespace that it allows.
+    struct Group {
+        bool isSequence;
+        std::string allowed;
+    };
+
     NqXmlWriter& m_Writer;
+    std::string m_Namespace; ///< of the root
+    std::vector<Group> m_Groups;
+    unsigned m_Foreign = 0; ///< how deep in elements of another namespace, of which nothing is written
 };

@@ -6,17 +6,17 @@
 /// file they stand in the namespace of the object that they help to write.
 namespace NqXml {
 
-extern const NqToken NqAddLibrariesToken;
-extern const NqToken NqCountToken;
-extern const NqToken NqElementToken;
-extern const NqToken NqGroupToken;
-extern const NqToken NqKeyToken;
-extern const NqToken NqLibraryToken;
-extern const NqToken NqMapTypeToken;
-extern const NqToken NqSetTypeToken;
-extern const NqToken NqValueToken;
-extern const NqToken NqVarMapTypeToken;
-extern const NqToken NqVarVectorTypeToken;
-extern const NqToken NqVectorTypeToken;
+inline constexpr NqToken NqAddLibrariesToken("addLibraries");
+inline constexpr NqToken NqCountToken("count");
+inline constexpr NqToken NqElementToken("element");
+inline constexpr NqToken NqGroupToken("group");
+inline constexpr NqToken NqKeyToken("key");
+inline constexpr NqToken NqLibraryToken("library");
+inline constexpr NqToken NqMapTypeToken("mapType");
+inline constexpr NqToken NqSetTypeToken("setType");
+inline constexpr NqToken NqValueToken("value");
+inline constexpr NqToken NqVarMapTypeToken("varMapType");
+inline constexpr NqToken NqVarVectorTypeToken("varVectorType");
+inline constexpr NqToken NqVectorTypeToken("vectorType");
 
 } // namespace NqXml

@@ -39,8 +39,7 @@ public:
     NqXmlObject* clone() const override { return new Derived(self()); }
     NqXmlObject* newObject() const override { return new Derived; }
     bool equality(const NqXmlObject* other) const override {
-        const auto* same = dynamic_cast<const Derived*>(other);
-        return same && self() == *same;
+        return other && typeid(*other) == typeid(*this) && self() == static_cast<const Derived&>(*other);
     }
     const NqToken& token() const override { return NqXml::NqValueToken; }
     bool isBasicType() const override { return true; }

@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <optional>
 #include <ostream>
+#include <utility>
 #include <vector>
 
 #include <libxml/chvalid.h>
+#include <libxml/tree.h>
 #include <libxml/xmlwriter.h>
 
 namespace {
@@ -48,6 +50,7 @@ struct NqXmlWriter::Implementation {
     unsigned linkTotal = 0;
     unsigned linkCount = 0;
     unsigned contentColumns = 0;
+    bool hasRoot = false;
     bool writesDeclaration = true;
     bool declaresSchemaInstance = false;
     bool isSchemaWriter = false;
@@ -104,11 +107,19 @@ bool NqXmlWriter::check(bool succeeded) {
 }
 
 bool NqXmlWriter::checkText(const std::string& text) {
-    if (isXmlText(text)) {
+    return isXmlText(text) ? m_Implementation->good : refuse("a text holds characters that XML cannot");
+}
+
+bool NqXmlWriter::checkName(const std::string& name) {
+    const auto isName = m_Implementation->isSchemaWriter ? xmlValidateQName : xmlValidateNCName;
+    if (isXmlText(name) && isName(xmlText(name), 0) == 0) {
         return m_Implementation->good;
     }
-    Nq::Print::instance().write(Nq::PrintFailure,
-                                "NqXmlWriter: a text holds characters that XML cannot -- file: %s\n",
+    return refuse("a name is none that XML could hold");
+}
+
+bool NqXmlWriter::refuse(const char* complaint) {
+    Nq::Print::instance().write(Nq::PrintFailure, "NqXmlWriter: %s -- file: %s\n", complaint,
                                 m_Implementation->fileName);
     return check(false);
 }
@@ -118,7 +129,13 @@ bool NqXmlWriter::start(std::string_view namespaceUri, std::string_view localNam
     const bool isRoot = self.namespaces.empty();
     const std::string uri(namespaceUri);
     const std::string name(localName);
-    if (!self.good || (isRoot && !check(self.beginDocument()))) {
+    if (!self.good || !checkName(name)) {
+        return false;
+    }
+    if (isRoot && std::exchange(self.hasRoot, true)) {
+        return refuse("a document has one root");
+    }
+    if (isRoot && !check(self.beginDocument())) {
         return false;
     }
     const bool redeclares = isRoot ? !uri.empty() : uri != self.namespaces.back();
@@ -147,6 +164,9 @@ bool NqXmlWriter::writeEndTag() {
 }
 
 bool NqXmlWriter::content(const std::string& text) {
+    if (m_Implementation->namespaces.empty()) {
+        return refuse("text stands within the root");
+    }
     return checkText(text) && check(xmlTextWriterWriteString(m_Implementation->writer, xmlText(text)) >= 0);
 }
 
@@ -161,7 +181,7 @@ bool NqXmlWriter::attributeValue(const std::string& text) {
     }
     const std::string name(self.attributeName->localName());
     self.attributeName.reset();
-    return check(self.attribute(name, text));
+    return checkName(name) && check(self.attribute(name, text));
 }
 
 void NqXmlWriter::setAttributeName(const NqToken& token) {
@@ -172,6 +192,9 @@ bool NqXmlWriter::header(const NqToken& root, const std::string& comment) {
     auto& self = *m_Implementation;
     if (!check(self.namespaces.empty()) || !checkText(comment)) {
         return false;
+    }
+    if (comment.find("--") != std::string::npos || comment.ends_with('-')) {
+        return refuse("a comment holds \"--\", or ends in \"-\"");
     }
     if (!comment.empty()) {
         // The declaration must come first, so start() is told not to write it again.

@@ -7,12 +7,15 @@
 #include <string>
 #include <typeinfo>
 
+class NqXmlObject;
+
 /// Writes an XML document to a stream.
 ///
 /// Elements take the namespace of their token as default namespace, declared where it changes; an element
 /// with an unqualified token stands in the namespace of its parent. Attributes bear their local name alone.
-/// Operations are false once anything has failed: the stream, the nesting, or a text that XML can't hold
-/// (control characters, broken UTF-8), which is reported at print type 4.
+/// Operations are false once anything has failed: the stream, the nesting, or what XML can't hold, which is
+/// reported at print type 4: control characters and broken UTF-8, names that are none, a comment with "--" in
+/// it, and a second root or text beside the root.
 class NqXmlWriter {
 public:
     /// Writes to the stream, which must outlive the writer; the file name is for messages.
@@ -54,7 +57,7 @@ public:
     virtual void
     setSchemaInstance(bool declares); ///< whether the root declares the schema instance namespace
     virtual void setSchemaLocation(const std::string& location); ///< told by the root, unless empty
-    virtual void setSchemaWriter(bool isSchemaWriter);
+    virtual void setSchemaWriter(bool isSchemaWriter); ///< whether names may have a prefix; false at first
     virtual bool schemaWriter() const;
     virtual void setLanguageSelection(const std::string& language); ///< xml:lang of the root, unless empty
 
@@ -76,12 +79,41 @@ public:
     /// Hands all that was written on to the stream. False if anything has failed.
     virtual bool flush();
 
+    /// What an object that is about to be written would hold if it were left out of the file, as its owner
+    /// says: the same component of a new owner. It holds for that very object while this lives; any other is
+    /// as new objects of its class are.
+    class Default {
+    public:
+        Default(NqXmlWriter& writer, const NqXmlObject& object, const NqXmlObject* leftOut)
+            : m_Writer(writer), m_Outer(writer.m_Default), m_Object(&object), m_LeftOut(leftOut) {
+            writer.m_Default = this;
+        }
+        Default(const Default&) = delete;
+        Default& operator=(const Default&) = delete;
+        ~Default() { m_Writer.m_Default = m_Outer; }
+
+    private:
+        friend class NqXmlWriter;
+        NqXmlWriter& m_Writer;
+        const Default* m_Outer;
+        const NqXmlObject* m_Object;
+        const NqXmlObject* m_LeftOut;
+    };
+
+    /// What the object would hold if it were left out; null where nobody has said so.
+    const NqXmlObject* defaultOf(const NqXmlObject& object) const {
+        return m_Default && m_Default->m_Object == &object ? m_Default->m_LeftOut : nullptr;
+    }
+
 private:
     struct Implementation;
 
     bool start(std::string_view namespaceUri, std::string_view localName);
     bool check(bool succeeded);
     bool checkText(const std::string& text);
+    bool checkName(const std::string& name);
+    bool refuse(const char* complaint);
 
     std::unique_ptr<Implementation> m_Implementation;
+    const Default* m_Default = nullptr;
 };

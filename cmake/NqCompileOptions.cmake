@@ -10,3 +10,19 @@ if(NQ_SANITIZE)
         -fsanitize=${NQ_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
     target_link_options(nqCompileOptions INTERFACE -fsanitize=${NQ_SANITIZE})
 endif()
+
+# What all libraries of the project have in common.
+function(nqSetUpLibrary target)
+    target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:nqCompileOptions>)
+    target_include_directories(${target} PUBLIC
+        $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:include>)
+    set_target_properties(${target} PROPERTIES
+        VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    # Exact ties and exact-zero tests must come out the same on every machine, in inline code too.
+    target_compile_options(${target} PUBLIC -ffp-contract=off)
+    # The straight-line vectoriser of GCC before 12.3 contracts all the same, where there is an instruction for it.
+    target_compile_options(${target} PUBLIC
+        $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,12.3>>:-fno-tree-slp-vectorize>)
+    target_compile_definitions(${target} PRIVATE NQ_VERSION_STRING="${PROJECT_VERSION}")
+endfunction()

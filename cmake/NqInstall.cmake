@@ -1,11 +1,11 @@
-# Installing, and what find_package(nqControlCore) finds afterwards: nq::foundation, nq::controlCore and, as the
+# Installing, and what find_package(nqControlCore) finds afterwards: nq::foundation, nq::controlCore, nq::controlLoop and, as the
 # component "urdf", nq::urdf.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 set(nqPackageFolder ${CMAKE_INSTALL_LIBDIR}/cmake/nqControlCore)
 
-install(TARGETS nqFoundation nqControlCore EXPORT nqControlCoreTargets)
+install(TARGETS nqFoundation nqControlCore nqControlLoop EXPORT nqControlCoreTargets)
 install(EXPORT nqControlCoreTargets NAMESPACE nq:: DESTINATION ${nqPackageFolder})
 
 # Headers keep the folders that they are included by.
@@ -16,8 +16,16 @@ if(NQ_BUILD_URDF)
     install(EXPORT nqUrdfTargets NAMESPACE nq:: DESTINATION ${nqPackageFolder})
     set(nqLeftOut "")
 endif()
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/nqControlCore DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/nqControlCore ${PROJECT_SOURCE_DIR}/nqControlLoop
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
         FILES_MATCHING PATTERN "*.h" ${nqLeftOut})
+
+if(TARGET nqDrive)
+    # The program finds its libraries beside it, wherever the tree is put.
+    file(RELATIVE_PATH nqLibrariesFromBin /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+    set_target_properties(nqDrive PROPERTIES INSTALL_RPATH "$ORIGIN/${nqLibrariesFromBin}")
+    install(TARGETS nqDrive)
+endif()
 
 get_target_property(nqLibraryType nqFoundation TYPE)
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/nqControlCoreConfig.cmake.in

@@ -30,14 +30,14 @@ TEST(NqDriveOptions, ReadsTheWholeCommandLine) {
     }
     ASSERT_EQ(parse(arguments, options, complaint), Request::Run) << complaint;
     ASSERT_EQ(options.wayPoints.size(), 3u);
-    EXPECT_EQ(options.wayPoints[0].targets[0].place, (std::vector<double>{-1.0, 0.2, 3.0}));
+    EXPECT_EQ(options.wayPoints[0].targets[0].numbers, (std::vector<double>{-1.0, 0.2, 3.0}));
     EXPECT_FALSE(options.wayPoints[0].targets[0].orientation.has_value());
     EXPECT_TRUE(options.wayPoints[0].targets[1].isHold());
     EXPECT_TRUE(options.wayPoints[1].isRelative);
     const NqVector turned = *options.wayPoints[1].targets[0].orientation * NqVector(1.0, 0.0, 0.0);
     EXPECT_LT((turned - NqVector(0.0, -1.0, 0.0)).mag(), 1.0e-15);
-    EXPECT_EQ(options.wayPoints[1].targets[1].place, std::vector<double>{0.5});
-    EXPECT_TRUE(options.wayPoints[2].targets[0].place.empty());
+    EXPECT_EQ(options.wayPoints[1].targets[1].numbers, std::vector<double>{0.5});
+    EXPECT_TRUE(options.wayPoints[2].targets[0].numbers.empty());
     const NqVector z = options.wayPoints[2].targets[0].orientation->zAxis();
     EXPECT_LT((z - NqVector(std::sqrt(0.75), 0.0, -0.5)).mag(), 1.0e-15);
     EXPECT_EQ(options.softGain, 20.0);
@@ -51,7 +51,7 @@ TEST(NqDriveOptions, ReadsTheWholeCommandLine) {
 
 TEST(NqDriveOptions, RefusesNonsenseInOneLineThatNamesTheOption) {
     const std::vector<std::vector<const char*>> commands{
-        {"--target", "1,2"},       {"--target", "1,2,nan"},  {"--target", "1,2,3/"}, {"--target", "1,2,3,4"},
+        {"--target", "1,2@0,0,9"}, {"--target", "1,2,nan"},  {"--target", "1,2,3/"}, {"--target", "1,,3"},
         {"--relative", "1,2,inf"}, {"--rate", "0"},          {"--rate", "1e9"},      {"--time", "-1"},
         {"--tolerance", "0"},      {"--tolerance", "small"}, {"--gain", "NaN"},      {"--metric", "1,0"},
         {"--metric", "a=0"},       {"--metric", "=1"},       {"--posture", "midle"}, {"--start", "1,,2"},
@@ -87,14 +87,14 @@ TEST(NqDriveTargetFile, ReadsWayPointsAndNamesTheLineOfABadOne) {
     const auto [wayPoints, none] = read("# two\r\n\n  1,2,3 / hold # here\r\nrelative @0,0,5/ 0.5\n");
     EXPECT_EQ(none, "");
     ASSERT_EQ(wayPoints.size(), 3u);
-    EXPECT_EQ(wayPoints[1].targets[0].place, (std::vector<double>{1.0, 2.0, 3.0}));
+    EXPECT_EQ(wayPoints[1].targets[0].numbers, (std::vector<double>{1.0, 2.0, 3.0}));
     EXPECT_TRUE(wayPoints[1].targets[1].isHold());
     EXPECT_EQ(wayPoints[1].source, file + ":3");
     EXPECT_TRUE(wayPoints[2].isRelative && wayPoints[2].targets[0].orientation);
 
     const std::vector<std::pair<std::string, std::string>> bad{
         {"1,2,3\n1,2,nan\n", ":2: needs"},
-        {"\n\n1,2\n", ":3: needs"},
+        {"\n\n1,2@\n", ":3: needs"},
         {"relatively 1,2,3\n", ":1: needs"},
         {std::string("1,2,3/\0\x1b[2J", 11), ":1: needs"},
         {"1,2,3\n" + std::string(5000, '1'), ":2: the line is too long"},

@@ -25,7 +25,7 @@ inline std::string pointXml(const std::string& link, const char* point, double s
 class Watcher : public NqDriveRun::Watcher {
 public:
     void stepDone(const NqDriveRun& run) override {
-        const NqDriveLoop& loop = run.loop();
+        const NqControlLoop& loop = run.loop();
         for (unsigned j = 0; j < loop.joints(); ++j) {
             const NqJointDescription& joint = run.record().joints[j].description;
             ASSERT_LE(std::abs(loop.rates()[j]), joint.rateLimit() * (1.0 + 1.0e-12));
@@ -34,7 +34,7 @@ public:
         }
         ASSERT_GE(loop.slowing(), 0.0);
         ASSERT_LE(loop.slowing(), 1.0);
-        slowed += loop.brake() != NqDriveLoop::Brake::None;
+        slowed += loop.brake() != NqControlLoop::Brake::None;
     }
     void wayPointReached(const NqDriveRun&) override { ++reached; }
 

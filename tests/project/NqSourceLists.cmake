@@ -3,7 +3,7 @@
 cmake_minimum_required(VERSION 3.25)
 
 file(STRINGS ${LIST} listed)
-foreach(part nqControlCore examples tests benchmarks)
+foreach(part nqControlCore nqControlLoop nqDrive examples tests benchmarks)
     file(GLOB_RECURSE sources ${FOLDER}/${part}/*.cpp)
     list(FILTER sources EXCLUDE REGEX "/tests/project/consumer/")
     foreach(source IN LISTS sources)

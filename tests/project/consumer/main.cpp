@@ -3,10 +3,11 @@
 #include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
 #include <nqControlCore/foundation/xml/NqXmlDocument.h>
 #include <nqControlCore/xml/NqControlCoreInfo.h>
+#include <nqControlLoop/NqControlLoop.h>
 
 #include <cstdio>
 
-/// Uses each of the three libraries: reads a robot, solves for joint rates and writes a constraint.
+/// Uses each of the libraries: reads a robot, solves for joint rates, writes a constraint and makes a step of the loop.
 int main(int argc, char** argv) {
     NqIndividualManipulator arm;
     if (argc != 2 || !NqUrdfReader::readFile(argv[1], arm)) {
@@ -33,6 +34,12 @@ int main(int argc, char** argv) {
     if (!tool.calcJointRates(nullptr, jacobian, metric, std::vector<double>(n), 1.0, velocity, n, rates,
                              nullSpaceRates, determinant) ||
         !jacobian.transform(rates, reached) || !NqXmlDocument::writeString(document, point)) {
+        return 1;
+    }
+    NqControlLoop loop(arm);
+    loop.addEndEffector("tip", point);
+    loop.setPositions(std::vector<double>(n, 0.5));
+    if (!loop.step() || loop.steps() != 1) {
         return 1;
     }
     std::printf("nqControlCore %s: %u joints, z velocity %.6f m/s\n", Nq::controlCoreInfo::version().c_str(),

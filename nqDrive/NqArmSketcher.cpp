@@ -17,11 +17,11 @@ NqArmSketch NqArmSketcher::frame() {
         sketch.inboard.push_back(jointOf(link->parentLink()));
         sketch.isLinear.push_back(link->joint().type() == NqJointDescription::Prismatic);
     }
-    for (const NqDriveTargetKind& kind : m_Kinds) {
+    for (const NqTargetKind& kind : m_Kinds) {
         if (kind.ties().size() == 2) {
             sketch.spans.push_back(sketch.carrier.size());
         }
-        for (const NqDriveTargetKind::Tie& tie : kind.ties()) {
+        for (const NqTargetKind::Tie& tie : kind.ties()) {
             sketch.carrier.push_back(jointOf(m_Manipulator.linkByLabel(tie.link)));
         }
     }
@@ -35,8 +35,8 @@ NqArmSketch::Posture NqArmSketcher::posture(const std::string& label, const std:
         posture.joints.push_back(
             m_Manipulator.linkByIndex(j)->linkFrameInSystem(m_State.activePositionState()).translation());
     }
-    for (const NqDriveTargetKind& kind : m_Kinds) {
-        for (const NqDriveTargetKind::Tie& tie : kind.ties()) {
+    for (const NqTargetKind& kind : m_Kinds) {
+        for (const NqTargetKind::Tie& tie : kind.ties()) {
             const NqManipulatorLink* link = m_Manipulator.linkByLabel(tie.link);
             NqCoordinateSystemTransformation frame = tie.offset;
             if (link) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "NqDriveLoop.h"
 #include "NqDriveRecord.h"
 #include "NqDriveRecorder.h"
 #include "NqDriveTask.h"
@@ -23,7 +22,7 @@ public:
     /// Runs once. Nothing allocates while the arm moves.
     void execute(Watcher& watcher);
 
-    const NqDriveLoop& loop() const { return m_Loop; }
+    const NqControlLoop& loop() const { return m_Loop; }
     const NqDriveTask& task() const { return m_Task; }
     const NqDriveRecorder& recorder() const { return m_Recorder; }
     const NqDriveRecord& record() const { return m_Record; }
@@ -49,7 +48,7 @@ private:
     void sketch();
 
     const NqDriveTask& m_Task;
-    NqDriveLoop m_Loop;
+    NqControlLoop m_Loop;
     NqDriveRecorder m_Recorder;
     NqDriveRecord m_Record;
     std::size_t m_WayPoint = 0;

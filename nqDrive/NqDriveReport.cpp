@@ -107,7 +107,7 @@ NqSvgPlot NqDriveReport::prepared(double width, double height, const std::string
 }
 
 void NqDriveReport::addCurves(NqSvgPlot& plot, const std::string* unit, Quantity quantity,
-                              double NqDriveTargetKind::Part::*fullScale) const {
+                              double NqTargetKind::Part::*fullScale) const {
     const auto isShown = [&](const NqDriveRecord::Part& part) { return !unit || part.limits.unit == *unit; };
     const auto shown = std::count_if(m_Record.parts.begin(), m_Record.parts.end(), isShown);
     for (std::size_t p = 0; p < m_Record.parts.size(); ++p) {
@@ -140,7 +140,7 @@ NqSvgPlot NqDriveReport::errorPlot(const std::string* unit, double width, double
 }
 
 NqSvgPlot NqDriveReport::limitedPlot(const std::string& unit, const std::string& title, int power,
-                                     Quantity quantity, double NqDriveTargetKind::Part::*limit, double width,
+                                     Quantity quantity, double NqTargetKind::Part::*limit, double width,
                                      double height) const {
     NqSvgPlot plot = prepared(width, height, title, nqPerSecond(unit, power));
     addCurves(plot, &unit, quantity, nullptr);
@@ -159,18 +159,18 @@ NqSvgPlot NqDriveReport::limitedPlot(const std::string& unit, const std::string&
 }
 
 NqSvgPlot NqDriveReport::speedPlot(const std::string& unit, double width, double height) const {
-    return limitedPlot(unit, "Speed", 1, &NqDriveRecorder::speed, &NqDriveTargetKind::Part::speedLimit, width,
+    return limitedPlot(unit, "Speed", 1, &NqDriveRecorder::speed, &NqTargetKind::Part::speedLimit, width,
                        height);
 }
 
 NqSvgPlot NqDriveReport::accelerationPlot(const std::string& unit, double width, double height) const {
     return limitedPlot(unit, "Acceleration", 2, &NqDriveRecorder::acceleration,
-                       &NqDriveTargetKind::Part::accelerationLimit, width, height);
+                       &NqTargetKind::Part::accelerationLimit, width, height);
 }
 
 NqSvgPlot NqDriveReport::speedSharePlot(double width, double height) const {
     NqSvgPlot plot = prepared(width, height, "Speed", "as a share of its limit");
-    addCurves(plot, nullptr, &NqDriveRecorder::speed, &NqDriveTargetKind::Part::speedLimit);
+    addCurves(plot, nullptr, &NqDriveRecorder::speed, &NqTargetKind::Part::speedLimit);
     plot.addLevel(1.0, "limit");
     return plot;
 }

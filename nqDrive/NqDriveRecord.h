@@ -3,7 +3,8 @@
 #include "NqArmSketch.h"
 #include "NqDriveOptions.h"
 #include "NqDriveRecorder.h"
-#include "NqDriveTargetKind.h"
+
+#include <nqControlLoop/NqTargetKind.h>
 
 #include <nqControlCore/foundation/manipulator/NqJointDescription.h>
 
@@ -27,14 +28,14 @@ struct NqDriveRecord {
 
     struct EndEffector {
         std::string name;
-        NqDriveTargetKind kind;
+        NqTargetKind kind;
         bool isHard = true;
     };
 
     /// A part of an end-effector's motion.
     struct Part {
         std::size_t endEffector = 0;
-        NqDriveTargetKind::Part limits;
+        NqTargetKind::Part limits;
         std::string name;   ///< of the end-effector and, if it has several, the part
         double error = 0.0; ///< at the end
         double peakSpeed = 0.0;
@@ -76,7 +77,7 @@ struct NqDriveRecord {
     double leastDeterminantTime = 0.0;
     double greatestDeterminant = 0.0; ///< by magnitude
     std::vector<EndEffector> endEffectors;
-    std::vector<Part> parts; ///< of all end-effectors, in the order of NqDriveLoop::parts
+    std::vector<Part> parts; ///< of all end-effectors, in the order of NqControlLoop::parts
     std::vector<Joint> joints;
     std::vector<WayPoint> wayPoints;
     NqArmSketch sketch;

@@ -1,6 +1,5 @@
 #include "NqDriveTask.h"
 
-#include "NqDriveLoop.h"
 #include "NqDriveText.h"
 #include "NqMessageCollector.h"
 
@@ -16,17 +15,6 @@ using NqDriveText::inQuotes;
 using NqDriveText::significant;
 
 namespace {
-
-/// What to call an end-effector: by its link or, where it has none, by its type.
-std::string nameOf(const NqEndEffector& endEffector) {
-    constexpr std::string_view kEnding = "EndEffector";
-    const std::string& label = endEffector.linkIdentifier();
-    if (!label.empty()) {
-        return label;
-    }
-    const std::string_view type = endEffector.token().localName();
-    return std::string(type.substr(0, type.size() - (type.ends_with(kEnding) ? kEnding.size() : 0)));
-}
 
 std::string wayPointName(std::size_t wayPoint, const NqDriveWayPoint& wish) {
     return "way point " + std::to_string(wayPoint + 1) +
@@ -52,7 +40,7 @@ bool NqDriveTask::load(const NqDriveOptions& options) {
     if (options.gain > options.rate) {
         return refuse("--gain must not be greater than --rate: the drift would overshoot in every step");
     }
-    return readFiles() && nameEndEffectors() && setKinds() && setStart() && setPosture() && setMetric() &&
+    return readFiles() && checkEndEffectors() && setStart() && setPosture() && setMetric() && setSettings() &&
            checkConstraints() && setTargets();
 }
 
@@ -85,42 +73,50 @@ bool NqDriveTask::readFiles() {
     return true;
 }
 
-bool NqDriveTask::nameEndEffectors() {
+/// Names of the end-effectors and, once these fit the robot, what they are, with the profile that the user
+/// wants.
+bool NqDriveTask::checkEndEffectors() {
+    m_Names = NqControlLoop::uniqueNames(m_EndEffectors);
+    unsigned rows = 0;
     for (unsigned e = 0; e < m_EndEffectors.size(); ++e) {
         const std::string& label = m_EndEffectors[e]->linkIdentifier();
         if (!label.empty() && !m_Manipulator.linkByLabel(label)) {
             return refuse("end-effector " + std::to_string(e + 1) + " sits on link " + inQuotes(label) +
                           ", which the robot doesn't have");
         }
-        const std::string base = nameOf(*m_EndEffectors[e]);
-        std::string name = base;
-        const auto isTaken = [&](const std::string& candidate) {
-            return std::find(m_Names.begin(), m_Names.end(), candidate) != m_Names.end();
-        };
-        for (unsigned number = 2; isTaken(name); ++number) {
-            name = base + " " + std::to_string(number);
+        rows += m_EndEffectors[e]->isHardConstraint() ? m_EndEffectors[e]->doc() : 0;
+    }
+    if (rows > m_Manipulator.numberOfJoints()) {
+        return refuse("the end-effectors constrain " + std::to_string(rows) +
+                      " coordinates, but the robot has only " +
+                      std::to_string(m_Manipulator.numberOfJoints()) + " joints");
+    }
+    const NqMessageCollector messages;
+    for (unsigned e = 0; e < m_EndEffectors.size(); ++e) {
+        NqEndEffector& endEffector = *m_EndEffectors[e];
+        if (m_Options.profile) {
+            NqTargetKind::setProfile(endEffector, *m_Options.profile);
         }
-        m_Names.push_back(name);
+        m_Kinds.emplace_back(endEffector, m_Manipulator);
     }
     return true;
 }
 
-/// What the end-effectors are, with the profile that the user wants.
-bool NqDriveTask::setKinds() {
-    for (unsigned e = 0; e < m_EndEffectors.size(); ++e) {
-        NqEndEffector& endEffector = *m_EndEffectors[e];
-        if (m_Options.profile) {
-            NqDriveTargetKind::setProfile(endEffector, *m_Options.profile);
-        }
-        auto kind = NqDriveTargetKind::of(endEffector, m_Manipulator);
-        if (!kind) {
-            return refuse(
-                "end-effector " + inQuotes(m_Names[e]) +
-                " is of a type that takes no targets here: " + std::string(endEffector.token().localName()));
-        }
-        m_Kinds.push_back(std::move(*kind));
-    }
+bool NqDriveTask::setSettings() {
+    m_Settings.setTimeStep(1.0 / m_Options.rate);
+    m_Settings.setJointWeights(NqXmlRealVector(m_Metric));
+    m_Settings.setPosture(NqXmlRealVector(m_Posture));
+    m_Settings.setPostureGain(m_Options.gain);
+    m_Settings.setSoftGain(m_Options.softGain);
+    m_Settings.setTolerance(m_Options.tolerance);
     return true;
+}
+
+NqControlLoop NqDriveTask::loop() const {
+    NqControlLoop loop(m_Manipulator, m_Settings);
+    loop.addEndEffectors(m_EndEffectors);
+    loop.setPositions(m_Start);
+    return loop;
 }
 
 bool NqDriveTask::setStart() {
@@ -191,19 +187,14 @@ bool NqDriveTask::setMetric() {
 
 bool NqDriveTask::checkConstraints() {
     NqMessageCollector messages;
-    NqDriveLoop loop(m_Manipulator, m_EndEffectors, 1.0 / m_Options.rate);
-    loop.setPositions(m_Start);
+    const NqControlLoop loop = this->loop();
     if (!messages.lines().empty()) {
         return refuse("the end-effectors don't fit the robot: " + messages.lines().front());
-    }
-    if (loop.rows() > loop.joints()) {
-        return refuse("the end-effectors constrain " + std::to_string(loop.rows()) +
-                      " coordinates, but the robot has only " + std::to_string(loop.joints()) + " joints");
     }
     for (unsigned e = 0; e < m_EndEffectors.size(); ++e) {
         NqEndEffector::SparsityDescription sparsity;
         const NqEndEffector& endEffector = *m_EndEffectors[e];
-        for (const NqDriveTargetKind::Part& part : m_Kinds[e].parts()) {
+        for (const NqTargetKind::Part& part : m_Kinds[e].parts()) {
             if (!(part.speedLimit > 0.0) || !(part.accelerationLimit > 0.0) || !(part.approach > 0.0)) {
                 return refuse("end-effector " + inQuotes(m_Names[e]) +
                               " has a speed or acceleration limit that isn't above 0");
@@ -220,8 +211,7 @@ bool NqDriveTask::checkConstraints() {
 }
 
 bool NqDriveTask::setTargets() {
-    NqDriveLoop loop(m_Manipulator, m_EndEffectors, 1.0 / m_Options.rate);
-    loop.setPositions(m_Start);
+    NqControlLoop loop = this->loop();
     std::vector<NqEndEffectorPlacement> start;
     for (std::size_t e = 0; e < loop.endEffectors(); ++e) {
         start.push_back(loop.relativePlacement(e));
@@ -238,10 +228,10 @@ bool NqDriveTask::setTargets() {
         }
         for (std::size_t e = 0; e < targets.size(); ++e) {
             const NqDriveTarget& wish = wayPoint.targets[e];
-            std::string objection = m_Kinds[e].objection(wish);
+            std::string objection = wish.objection(m_Kinds[e]);
             if (objection.empty() && !wish.isHold()) {
-                targets[e] = m_Kinds[e].placement(wish, wayPoint.isRelative, start[e]);
-                objection = m_Kinds[e].rangeObjection(targets[e]);
+                targets[e] = wish.placement(m_Kinds[e], wayPoint.isRelative, start[e]);
+                objection = NqDriveTarget::rangeObjection(m_Kinds[e], targets[e]);
             }
             if (!objection.empty()) {
                 return refuse(wayPointName(w, wayPoint) + ": the target of end-effector " +
@@ -275,8 +265,7 @@ double NqDriveTask::reach(const std::string& label, const NqVector& point, NqVec
 }
 
 std::string NqDriveTask::unreachableTarget() const {
-    NqDriveLoop loop(m_Manipulator, m_EndEffectors, 1.0 / m_Options.rate);
-    loop.setPositions(m_Start);
+    NqControlLoop loop = this->loop();
     for (unsigned e = 0; e < m_EndEffectors.size(); ++e) {
         const NqEndEffector& endEffector = *m_EndEffectors[e];
         if (!m_Kinds[e].hasPlace() || !endEffector.isHardConstraint() ||

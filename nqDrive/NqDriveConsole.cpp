@@ -55,7 +55,7 @@ void NqDriveConsole::complain(const std::string& complaint) {
 }
 
 std::string NqDriveConsole::progress(const NqDriveRun& run) const {
-    const NqDriveLoop& loop = run.loop();
+    const NqControlLoop& loop = run.loop();
     const auto& joints = run.record().joints;
     std::size_t busiest = 0;
     double load = 0.0;
@@ -74,10 +74,10 @@ std::string NqDriveConsole::progress(const NqDriveRun& run) const {
                        padded(run.record().parts[farthest].limits.unit, 3) + "  determinant " +
                        padded(significant(loop.determinant(), 3), 9) + "  fastest " +
                        joints[busiest].description.name() + " " + fixed(100.0 * load, 0) + " %";
-    if (loop.brake() != NqDriveLoop::Brake::None) {
+    if (loop.brake() != NqControlLoop::Brake::None) {
         line += "  slowed to " + fixed(100.0 * loop.slowing(), 0) + " % by " +
                 joints[loop.brakingJoint()].description.name() +
-                (loop.brake() == NqDriveLoop::Brake::Rate ? " (rate)" : " (range)");
+                (loop.brake() == NqControlLoop::Brake::Rate ? " (rate)" : " (range)");
     }
     return line;
 }

@@ -21,10 +21,10 @@ private:
     /// A quantity of the parts of a unit, or of all parts where none is given.
     using Quantity = double (NqDriveRecorder::*)(std::size_t row, std::size_t part) const;
     void addCurves(NqSvgPlot& plot, const std::string* unit, Quantity quantity,
-                   double NqDriveTargetKind::Part::*fullScale) const;
+                   double NqTargetKind::Part::*fullScale) const;
     NqSvgPlot errorPlot(const std::string* unit, double width, double height) const;
     NqSvgPlot limitedPlot(const std::string& unit, const std::string& title, int power, Quantity quantity,
-                          double NqDriveTargetKind::Part::*limit, double width, double height) const;
+                          double NqTargetKind::Part::*limit, double width, double height) const;
     NqSvgPlot speedPlot(const std::string& unit, double width, double height) const;
     NqSvgPlot accelerationPlot(const std::string& unit, double width, double height) const;
     NqSvgPlot speedSharePlot(double width, double height) const;

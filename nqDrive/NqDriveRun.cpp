@@ -28,20 +28,15 @@ constexpr std::size_t kPosturesBetween = 12;
 constexpr std::size_t kPathPoints = 1500;
 
 /// Whether a part is so slow that a motion filter on its way to a stop minds its acceleration no longer.
-bool isCreeping(const NqDriveTargetKind::Part& part, double speed, double timeStep) {
+bool isCreeping(const NqTargetKind::Part& part, double speed, double timeStep) {
     return speed < 2.0 * part.approach * timeStep;
 }
 
 } // namespace
 
 NqDriveRun::NqDriveRun(const NqDriveTask& task)
-    : m_Task(task), m_Loop(task.manipulator(), task.endEffectors(), 1.0 / task.options().rate),
+    : m_Task(task), m_Loop(task.loop()),
       m_Recorder(m_Loop.joints(), m_Loop.endEffectors(), m_Loop.parts().size()) {
-    m_Loop.setMetric(task.metric());
-    m_Loop.setPosture(task.posture(), task.options().gain);
-    m_Loop.setSoftGain(task.options().softGain);
-    m_Loop.setPositions(task.start());
-
     m_Record.options = task.options();
     m_Record.robot = task.manipulator().manipulatorLabel();
     m_Record.notes = task.notes();
@@ -50,7 +45,7 @@ NqDriveRun::NqDriveRun(const NqDriveTask& task)
     for (std::size_t e = 0; e < m_Loop.endEffectors(); ++e) {
         m_Record.endEffectors.push_back({task.endEffectorNames()[e], m_Loop.kind(e), m_Loop.isHard(e)});
     }
-    for (const NqDriveLoop::Part& part : m_Loop.parts()) {
+    for (const NqControlLoop::Part& part : m_Loop.parts()) {
         std::string name = task.endEffectorNames()[part.endEffector];
         if (m_Loop.kind(part.endEffector).parts().size() > 1) {
             name += part.part.isAngular ? ", angular" : ", linear";
@@ -67,7 +62,7 @@ NqDriveRun::NqDriveRun(const NqDriveTask& task)
         NqDriveRecord::WayPoint& wayPoint = m_Record.wayPoints.emplace_back();
         wayPoint.positions.resize(m_Loop.joints());
         for (std::size_t e = 0; e < targets.size(); ++e) {
-            wayPoint.targets.push_back(m_Loop.kind(e).text(targets[e]));
+            wayPoint.targets.push_back(NqDriveTarget::text(m_Loop.kind(e), targets[e]));
         }
     }
 }
@@ -206,10 +201,10 @@ void NqDriveRun::noteStep() {
             part.peakAcceleration = std::max(part.peakAcceleration, m_Loop.accelerations()[p]);
         }
     }
-    if (m_Loop.brake() != NqDriveLoop::Brake::None) {
+    if (m_Loop.brake() != NqControlLoop::Brake::None) {
         const unsigned joint = m_Loop.brakingJoint();
         m_Record.slowedTime += timeStep;
-        if (m_Loop.brake() == NqDriveLoop::Brake::Rate) {
+        if (m_Loop.brake() == NqControlLoop::Brake::Rate) {
             m_Record.joints[joint].slowedByRate += timeStep;
         } else {
             m_Record.joints[joint].slowedByRange += timeStep;

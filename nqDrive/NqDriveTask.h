@@ -1,7 +1,8 @@
 #pragma once
 
 #include "NqDriveOptions.h"
-#include "NqDriveTargetKind.h"
+
+#include <nqControlLoop/NqControlLoop.h>
 
 #include <nqControlCore/endeffector/NqEndEffectorVector.h>
 #include <nqControlCore/foundation/manipulator/NqIndividualManipulator.h>
@@ -25,11 +26,14 @@ public:
     const NqEndEffectorVector& endEffectors() const { return m_EndEffectors; }
     /// Labels of the end-effectors' links, or their types, numbered where several are the same.
     const std::vector<std::string>& endEffectorNames() const { return m_Names; }
-    const std::vector<NqDriveTargetKind>& kinds() const { return m_Kinds; }
+    const std::vector<NqTargetKind>& kinds() const { return m_Kinds; }
     const std::vector<double>& start() const { return m_Start; }
     const std::vector<double>& posture() const { return m_Posture; } ///< empty: none
     const std::vector<double>& metric() const { return m_Metric; }
-    /// For each way point the target of each end-effector, as NqDriveLoop::setTarget takes it.
+    const NqControlLoopSettings& settings() const { return m_Settings; }
+    /// The loop at the start.
+    NqControlLoop loop() const;
+    /// For each way point the target of each end-effector, as NqControlLoop::setTarget takes it.
     const std::vector<std::vector<NqEndEffectorPlacement>>& targets() const { return m_Targets; }
 
     /// A target that lies beyond the arm stretched out, in one sentence; empty if there is none that shows so
@@ -38,8 +42,7 @@ public:
 
 private:
     bool readFiles();
-    bool nameEndEffectors();
-    bool setKinds();
+    bool checkEndEffectors();
     bool setStart();
     bool setPosture();
     bool setMetric();
@@ -47,6 +50,7 @@ private:
     bool setTargets();
     bool refuse(std::string complaint);
     bool hasJointCount(const std::vector<double>& values, const char* option);
+    bool setSettings();
     double reach(const std::string& label, const NqVector& point, NqVector& centre) const;
 
     NqDriveOptions m_Options;
@@ -55,7 +59,8 @@ private:
     NqIndividualManipulator m_Manipulator;
     NqEndEffectorVector m_EndEffectors;
     std::vector<std::string> m_Names;
-    std::vector<NqDriveTargetKind> m_Kinds;
+    std::vector<NqTargetKind> m_Kinds;
+    NqControlLoopSettings m_Settings;
     std::vector<double> m_Start;
     std::vector<double> m_Posture;
     std::vector<double> m_Metric;

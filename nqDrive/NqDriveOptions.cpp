@@ -36,8 +36,8 @@ bool readList(std::string_view text, std::vector<double>& values, std::string& c
 
 bool readWayPoint(std::string_view text, bool isRelative, Options& options, std::string& complaint) {
     if (!NqDriveWayPoint::parse(text, isRelative, options.wayPoints.emplace_back())) {
-        complaint = std::string("needs ") + NqDriveTarget::forms() +
-                    " for each end-effector, separated by '/', not '" + std::string(text) + "'";
+        complaint = "needs " + NqDriveTarget::forms() + " for each end-effector, separated by '/', not '" +
+                    std::string(text) + "'";
         return false;
     }
     return true;
@@ -142,6 +142,26 @@ constexpr Option kOptions[] = {
      [](std::string_view, Options& o, std::string&) { return o.isQuiet = true; }},
 };
 
+/// The forms of targets, each with the types that take it; wrapped to the width of the help.
+std::string forms() {
+    constexpr std::size_t indent = 18;
+    constexpr std::size_t width = 116;
+    std::string text;
+    for (const NqTargetForm& form : NqTargetForm::all()) {
+        std::string line = "  " + NqDriveText::padded(form.syntax, indent - 2);
+        const std::string words = std::string(form.meaning) + " (" + NqTargetType::names(form.content) + ")";
+        for (const std::string_view word : NqDriveText::split(words, ' ')) {
+            if (line.size() + 1 + word.size() > width) {
+                text += line + "\n";
+                line.assign(indent, ' ');
+            }
+            line.append(line.back() == ' ' ? "" : " ").append(word);
+        }
+        text += line + "\n";
+    }
+    return text + "  " + NqDriveText::padded("hold", indent - 2) + "any: where it was last sent\n";
+}
+
 } // namespace
 
 NqDriveOptions::Request NqDriveOptions::parse(int argc, const char* const* argv, NqDriveOptions& options,
@@ -216,16 +236,10 @@ writes trajectory.csv and report.html.
     }
     text += "  " + NqDriveText::padded("--help, --version", 22) + "this text; the version\n";
     return text + R"(
-Targets are given for the end-effectors in the order of their file, separated by "/". By the kind of the
+Targets are given for the end-effectors in the order of their file, separated by "/". By the type of the
 end-effector a target is
-  X,Y,Z           a point, in m
-  X,Y,Z@RX,RY,RZ  a frame: the point, and behind the "@" its orientation as a rotation about the axis (RX,RY,RZ) by
-                  as many degrees as it is long: @0,90,0 is turned by 90 degrees about y. One of the two may be
-                  left out: it then stays as it was at the start.
-  @RX,RY,RZ       an orientation
-  NUMBER          a distance in m, an angle in rad, a sum of joint positions
-  hold            any: where it was last sent
-Where an end-effector has a relative link, its target is in the frame of that link. With --relative, offsets are
+)" + forms() +
+           R"(Where an end-effector has a relative link, its target is in the frame of that link. With --relative, offsets are
 along and rotations about the axes of that frame or of the system. The target options may be given several times;
 the way points are driven to one after the other. In a file "relative" stands before offsets, and "#" before
 comments.

@@ -1,19 +1,23 @@
 #pragma once
 
-#include "NqDriveTargetKind.h"
+#include <nqControlLoop/NqControlLoopSettings.h>
+#include <nqControlLoop/NqControlTarget.h>
+#include <nqControlLoop/NqTargetKind.h>
 
 #include <nqControlCore/core/NqCoreVelocityControlTool.h>
 #include <nqControlCore/endeffector/NqEndEffectorVector.h>
 #include <nqControlCore/foundation/manipulator/NqIndividualManipulator.h>
 #include <nqControlCore/foundation/manipulator/NqManipulatorActiveState.h>
-#include <nqControlCore/foundation/math/NqEndEffectorPlacement.h>
 #include <nqControlCore/foundation/matrix/NqReArray.h>
 
 #include <cstdint>
 #include <limits>
+#include <memory>
+#include <string>
 #include <vector>
 
-/// The control loop of a fixed-base manipulator: the model for loops of one's own.
+/// The control loop of a manipulator: end-effectors under names, targets for them, and a step that finds the
+/// joint rates and moves on.
 ///
 /// Each step() asks the end-effectors for their Jacobian rows and for the velocities that their motion
 /// filters command towards their targets, solves for the joint rates that give just these velocities and, as
@@ -22,32 +26,41 @@
 /// rows S, their weights E and the velocities s that they command, x are of all joint rates that meet the
 /// hard rows those of the least
 ///     x^T A x + 2 g^T x + (S x - s)^T E (S x - s)
-/// with the joints' weights A and the gradient g towards the posture. The loop reads no clock and no file,
-/// and allocates nothing after the first step.
-class NqDriveLoop {
+/// with the joints' weights A and the gradient g towards the posture.
+///
+/// The loop reads no clock and no file, starts no thread, and allocates nothing after the first step. One
+/// object belongs to one thread.
+class NqControlLoop {
 public:
     /// What slowed a step.
     enum class Brake { None, Rate, Range };
 
-    /// The manipulator and the end-effectors, all of a kind that NqDriveTargetKind knows, must outlive the
-    /// loop. `timeStep` in seconds.
-    NqDriveLoop(const NqIndividualManipulator& manipulator, const NqEndEffectorVector& endEffectors,
-                double timeStep);
+    /// The manipulator must outlive the loop.
+    explicit NqControlLoop(const NqIndividualManipulator& manipulator,
+                           const NqControlLoopSettings& settings = {});
 
-    /// Weights of the joints, one for each, above 0: a joint with more weight moves less. All 1 at first.
-    void setMetric(const std::vector<double>& weights);
+    /// Takes a copy of an end-effector under a name of its own. False for a name that is taken. The target is
+    /// at first where the end-effector is.
+    bool addEndEffector(const std::string& name, const NqEndEffector& endEffector);
+    /// All of a collection, named by uniqueNames().
+    void addEndEffectors(const NqEndEffectorVector& endEffectors);
+    /// For each end-effector the label of its link or, where it has none, its type, numbered where several
+    /// are the same.
+    static std::vector<std::string> uniqueNames(const NqEndEffectorVector& endEffectors);
 
-    /// The posture that free joints drift to, at `gain` (1/s) times their distance from it. An empty posture
-    /// is none.
-    void setPosture(const std::vector<double>& posture, double gain);
+    void setSettings(const NqControlLoopSettings& settings);
+    const NqControlLoopSettings& settings() const { return m_Settings; }
 
-    /// Factor on the error weights of soft end-effectors, which makes up E. 1 at first.
-    void setSoftGain(double gain) { m_SoftGain = gain; }
-
-    /// Puts the manipulator at rest somewhere.
+    /// Puts the manipulator at rest somewhere. End-effectors without a target are to stay there.
     void setPositions(const std::vector<double>& positions);
+    /// Takes over a measured state for the next step.
+    void setState(const NqPositionState& position, const NqVelocityState& velocity);
 
-    /// Where an end-effector is to go: in the system frame, or in the frame of its relative link if it has
+    /// Where an end-effector is to go. False, with a message and the target as it was, for a name that isn't
+    /// there and for a target that doesn't suit.
+    bool setTarget(const std::string& name, const NqControlTarget& target);
+    bool setTarget(std::size_t endEffector, const NqControlTarget& target);
+    /// The same in terms of placements: in the system frame, or in the frame of its relative link if it has
     /// one.
     void setTarget(std::size_t endEffector, const NqEndEffectorPlacement& target);
 
@@ -56,14 +69,17 @@ public:
 
     const NqIndividualManipulator& manipulator() const { return m_Manipulator; }
     const NqEndEffector& endEffector(std::size_t e) const { return *m_Constraints[e].endEffector; }
+    const std::string& name(std::size_t e) const { return m_Constraints[e].name; }
+    /// Number of the end-effector of a name; endEffectors() if there is none.
+    std::size_t find(const std::string& name) const;
     std::size_t endEffectors() const { return m_Constraints.size(); }
-    std::size_t joints() const { return m_Rates.size(); }
-    const NqDriveTargetKind& kind(std::size_t e) const { return m_Constraints[e].kind; }
+    std::size_t joints() const { return m_Joints; }
+    const NqTargetKind& kind(std::size_t e) const { return m_Constraints[e].kind; }
     bool isHard(std::size_t e) const { return m_Constraints[e].isHard; }
-    /// Rows of the hard end-effectors, which is how many the solver meets exactly.
+    /// Rows of the hard end-effectors.
     unsigned rows() const { return m_Hard.rows; }
 
-    double time() const { return static_cast<double>(m_Steps) * m_TimeStep; }
+    double time() const { return static_cast<double>(m_Steps) * m_Settings.timeStep(); }
     std::uint64_t steps() const { return m_Steps; }
     NqManipulatorActiveState& state() { return m_State; }
     const NqEndEffectorPlacement& placement(std::size_t e) const { return m_Constraints[e].present; }
@@ -71,7 +87,7 @@ public:
     NqEndEffectorPlacement relativePlacement(std::size_t e);
 
     const std::vector<double>& positions() const { return m_Position.jointPositions().values(); }
-    /// Rates of the last step, as they were after slowing.
+    /// Rates of the last step, as they were after slowing; those of a free base behind those of the joints.
     const std::vector<double>& rates() const { return m_Rates; }
     const NqEndEffectorPlacement& systemTarget(std::size_t e) const { return m_Constraints[e].systemTarget; }
     /// The rows of the hard end-effectors.
@@ -85,7 +101,7 @@ public:
     /// A part of an end-effector's motion: the quantities below have an entry for each.
     struct Part {
         std::size_t endEffector;
-        NqDriveTargetKind::Part part;
+        NqTargetKind::Part part;
     };
     const std::vector<Part>& parts() const { return m_Parts; }
     /// What is left to the target, in the part's unit.
@@ -110,14 +126,18 @@ private:
     };
     /// An end-effector with its place in a stack and what it needs from step to step.
     struct Constraint {
-        const NqEndEffector* endEffector = nullptr;
-        NqDriveTargetKind kind;
+        std::string name;
+        std::unique_ptr<NqEndEffector> endEffector;
+        NqTargetKind kind;
         bool isHard = true;
         unsigned row = 0;
+        std::size_t firstPart = 0;
         NqEndEffectorPlacement target;
+        bool hasTarget = false; ///< or stays where it was put
+        bool isTargetInSystem = false;
         NqEndEffectorPlacement present;
         NqEndEffectorPlacement systemTarget;
-        NqXmlRealVector desired;  ///< feed-forward velocity: none
+        NqXmlRealVector desired;  ///< feed-forward velocity
         NqXmlRealVector previous; ///< what became of the velocity commanded in the step before
         NqXmlRealVector filtered;
         std::vector<double> velocity; ///< what the rates of the last step gave
@@ -125,6 +145,10 @@ private:
     };
 
     Stack& stackOf(const Constraint& constraint) { return constraint.isHard ? m_Hard : m_Soft; }
+    void add(const std::string& name, const NqEndEffector& endEffector);
+    void finishAdding();
+    void holdWithoutTarget();
+    void resize();
     void stackConstraints();
     void commandVelocities();
     void weighSoftConstraints();
@@ -134,15 +158,14 @@ private:
     void integrate();
     void measureVelocities();
     void observe();
+    unsigned columns() const;
 
     const NqIndividualManipulator& m_Manipulator;
-    double m_TimeStep;
+    NqControlLoopSettings m_Settings;
+    unsigned m_Joints;
     std::vector<Constraint> m_Constraints;
     std::vector<Part> m_Parts;
-    std::vector<double> m_Posture;
-    double m_Gain = 0.0;
-    double m_SoftGain = 1.0;
-    std::vector<double> m_JointWeights;
+    std::vector<double> m_Weights; ///< of the joints, then of the base
 
     std::uint64_t m_Steps = 0;
     NqPositionState m_Position;

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "NqArmSketch.h"
-#include "NqDriveTargetKind.h"
+
+#include <nqControlLoop/NqTargetKind.h>
 
 #include <nqControlCore/foundation/manipulator/NqIndividualManipulator.h>
 #include <nqControlCore/foundation/manipulator/NqManipulatorActiveState.h>
@@ -10,7 +11,7 @@
 class NqArmSketcher {
 public:
     /// Both must outlive the sketcher.
-    NqArmSketcher(const NqIndividualManipulator& manipulator, const std::vector<NqDriveTargetKind>& kinds)
+    NqArmSketcher(const NqIndividualManipulator& manipulator, const std::vector<NqTargetKind>& kinds)
         : m_Manipulator(manipulator), m_Kinds(kinds), m_State(manipulator) {}
 
     /// A sketch that knows the joints' connections, without postures yet.
@@ -21,6 +22,6 @@ public:
 
 private:
     const NqIndividualManipulator& m_Manipulator;
-    const std::vector<NqDriveTargetKind>& m_Kinds; ///< of the end-effectors
+    const std::vector<NqTargetKind>& m_Kinds; ///< of the end-effectors
     NqManipulatorActiveState m_State;
 };

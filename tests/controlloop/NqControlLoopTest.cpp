@@ -1,0 +1,116 @@
+#include "support/NqPrintCapture.h"
+#include "support/NqSchemaValidator.h"
+#include "support/NqTestModels.h"
+#include "support/NqXmlRoundTrip.h"
+
+#include <nqControlCore/endeffector/NqPointEndEffector.h>
+#include <nqControlLoop/NqControlLoop.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+NqPointEndEffector pointOn(const std::string& link) {
+    NqPointEndEffector point;
+    point.setLinkIdentifier(link);
+    return point;
+}
+
+/// Steps until the first part is at its target.
+bool reaches(NqControlLoop& loop, double seconds) {
+    while (loop.errors()[0] > 1.0e-4 && loop.time() < seconds) {
+        if (!loop.step()) {
+            return false;
+        }
+    }
+    return loop.errors()[0] <= 1.0e-4;
+}
+
+TEST(NqControlLoopSettings, AreADocumentThatMatchesItsSchema) {
+    NqControlLoopSettings settings;
+    settings.setBlocked(NqControlLoopSettings::Hold);
+    settings.setJointWeights(NqXmlRealVector{1.0, 2.5});
+    NqControlLoopSettings::Labels held;
+    held.pushBack(NqXmlBasicType<std::string>("joint4"));
+    settings.setHeldJoints(held);
+    settings.setIsBaseFixed(false);
+    const std::string text = nqWritten(settings);
+    EXPECT_NE(text.find("<blocked>hold</blocked>"), std::string::npos) << text;
+    EXPECT_TRUE(nqThroughXml(settings) == settings);
+    const NqSchemaValidator schema(settings, "settings");
+    ASSERT_TRUE(schema.isGood());
+    EXPECT_TRUE(schema.accepts(text));
+}
+
+TEST(NqControlLoop, TakesTargetsByNameInBothFrames) {
+    const NqIndividualManipulator robot = nqTestManipulator("twin9");
+    NqControlLoop loop(robot);
+    NqPointEndEffector right = pointOn("right_tip");
+    NqEndEffectorRelativeLinkData relative;
+    relative.setRelativeMode(NqEndEffectorRelativeLinkData::relativeModeInternal);
+    relative.setRelativeLinkID("left_tip");
+    right.setRelativeLinkData(relative);
+    ASSERT_TRUE(loop.addEndEffector("right", right));
+    ASSERT_TRUE(loop.addEndEffector("left", pointOn("left_tip")));
+    const NqPrintCapture messages;
+    EXPECT_FALSE(loop.addEndEffector("left", right)) << "the name is taken";
+    loop.setPositions({0.0, 0.4, 0.8, -1.3, 0.4, 0.1, 0.2, -0.8, 0.9});
+    loop.setTarget("left", NqControlTarget::place(loop.placements()[1].translation()));
+
+    const NqVector inSystem = loop.placements()[0].translation() + NqVector(0.02, 0.0, 0.03);
+    ASSERT_TRUE(loop.setTarget("right", NqControlTarget::place(inSystem).inSystem()));
+    ASSERT_TRUE(reaches(loop, 5.0));
+    EXPECT_LT((loop.placements()[0].translation() - inSystem).mag(), 1.1e-4);
+
+    const NqVector inLeft =
+        loop.relativePlacement(0).coordSysXForm().translation() + NqVector(0.0, 0.03, 0.0);
+    ASSERT_TRUE(loop.setTarget("right", NqControlTarget::place(inLeft)));
+    ASSERT_TRUE(reaches(loop, 10.0));
+    EXPECT_LT((loop.relativePlacement(0).coordSysXForm().translation() - inLeft).mag(), 1.1e-4);
+
+    EXPECT_FALSE(loop.setTarget("middle", NqControlTarget::place(inLeft)));
+    EXPECT_FALSE(loop.setTarget("left", NqControlTarget::number(1.0)));
+    EXPECT_FALSE(loop.setTarget("left", NqControlTarget::place({0.0, std::nan(""), 0.0})));
+    EXPECT_FALSE(loop.setTarget("left", NqControlTarget::place(inLeft).withVelocity({1.0})));
+    EXPECT_EQ(messages.lines().size(), 5u);
+}
+
+/// The target moves along at constant velocity: with feed-forward the point keeps up with it.
+TEST(NqControlLoop, FollowsATargetThatMoves) {
+    const NqIndividualManipulator robot = nqTestManipulator("arm7");
+    NqControlLoop loop(robot);
+    loop.addEndEffector("hand", pointOn("hand"));
+    loop.setPositions({0.0, 0.3, 0.2, -1.8, 0.2, 2.0, 0.8});
+    const NqVector start = loop.placements()[0].translation();
+    const NqVector velocity(0.0, 0.1, 0.0);
+    for (int i = 0; i < 2000; ++i) {
+        loop.setTarget("hand", NqControlTarget::place(start + loop.time() * velocity)
+                                   .withVelocity({velocity.x(), velocity.y(), velocity.z()}));
+        ASSERT_TRUE(loop.step());
+    }
+    EXPECT_LT((loop.placements()[0].translation() - start - loop.time() * velocity).mag(), 1.0e-3);
+}
+
+/// A free base takes part with six unknowns of its own, and the loop integrates its pose: a turn of the base
+/// alone is the one that its rates say.
+TEST(NqControlLoop, MovesAFreeBase) {
+    const NqIndividualManipulator robot = nqTestManipulator("arm7");
+    NqControlLoopSettings settings;
+    settings.setIsBaseFixed(false);
+    settings.setJointWeights(NqXmlRealVector(7, 1.0e6));
+    NqControlLoop loop(robot, settings);
+    loop.addEndEffector("hand", pointOn("hand"));
+    loop.setPositions({0.0, 0.3, 0.2, -1.8, 0.2, 2.0, 0.8});
+    const NqVector target = loop.placements()[0].translation() + NqVector(0.3, 0.6, 0.2);
+    ASSERT_TRUE(loop.setTarget("hand", NqControlTarget::place(target)));
+    ASSERT_TRUE(reaches(loop, 5.0));
+    NqManipulatorActiveState& state = loop.state();
+    EXPECT_LT(
+        (robot.linkByLabel("hand")->primaryFrameInSystem(state.activePositionState()).translation() - target)
+            .mag(),
+        1.1e-4);
+    EXPECT_GT(robot.baseFrameInSystem(state.activePositionState()).translation().mag(), 0.1);
+    EXPECT_NEAR(loop.positions()[1], 0.3, 1.0e-2) << "the joints are heavy";
+}
+
+} // namespace

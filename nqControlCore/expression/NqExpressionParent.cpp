@@ -1,6 +1,7 @@
 #include <nqControlCore/expression/NqExpressionParent.h>
 
 #include <nqControlCore/expression/NqExpressionContainer.h>
+#include <nqControlCore/foundation/text/NqPrint.h>
 
 #include <algorithm>
 

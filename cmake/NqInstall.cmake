@@ -8,13 +8,14 @@ set(nqPackageFolder ${CMAKE_INSTALL_LIBDIR}/cmake/nqControlCore)
 install(TARGETS nqFoundation nqControlCore nqControlLoop EXPORT nqControlCoreTargets)
 install(EXPORT nqControlCoreTargets NAMESPACE nq:: DESTINATION ${nqPackageFolder})
 
-# Headers keep the folders that they are included by.
-set(nqLeftOut PATTERN NqUrdfReader.h EXCLUDE)
+# Headers keep the folders that they are included by. Those that only sources include stay here.
+set(nqLeftOut PATTERN NqRowOperations.h EXCLUDE PATTERN NqXmlInputGuard.h EXCLUDE)
 if(NQ_BUILD_URDF)
     # An export of its own, so that only those who ask for it need urdfdom.
     install(TARGETS nqUrdf EXPORT nqUrdfTargets)
     install(EXPORT nqUrdfTargets NAMESPACE nq:: DESTINATION ${nqPackageFolder})
-    set(nqLeftOut "")
+else()
+    list(APPEND nqLeftOut PATTERN NqUrdfReader.h EXCLUDE)
 endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/nqControlCore ${PROJECT_SOURCE_DIR}/nqControlLoop
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}

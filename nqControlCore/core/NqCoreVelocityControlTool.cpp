@@ -6,8 +6,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <numeric>
-#include <typeinfo>
 
 using NqRowOperations::Panel;
 using NqRowOperations::PanelWidth;
@@ -41,6 +41,15 @@ bool hasRows(const NqReArray& array, std::size_t rows, std::size_t entries) {
 
 bool hasShape(const NqReArray& array, unsigned rows, unsigned columns) {
     return array.rows() == rows && array.columns() == columns;
+}
+
+/// The same, but every row counts: what came from outside may be ragged.
+bool isFilled(const NqReArray& array, unsigned rows, unsigned columns) {
+    bool fits = array.size() == rows;
+    for (std::size_t i = 0; fits && i < rows; ++i) {
+        fits = array[i].size() == columns;
+    }
+    return fits;
 }
 
 void swapColumns(NqReArray& matrix, unsigned first, unsigned second, unsigned rows) {
@@ -93,17 +102,18 @@ void reportZeroColumns(const NqReArray& weightedNullSpace, unsigned n) {
     }
 }
 
-/// matrix[m + i][c] = source[columnOrder[c]][i], a few columns abreast.
+/// matrix[m + i][c] = source[columnOrder[c]][i] for the rows and columns from the given ones on, a few
+/// columns abreast.
 void fillTransposed(const NqReArray& source, const std::vector<unsigned int>& columnOrder, unsigned m,
-                    NqReArray& matrix) {
+                    unsigned firstRow, unsigned firstColumn, NqReArray& matrix) {
     const auto n = static_cast<unsigned>(columnOrder.size());
-    for (unsigned first = 0; first < n; first += PanelWidth) {
+    for (unsigned first = firstColumn; first < n; first += PanelWidth) {
         const double* columns[PanelWidth];
         const unsigned width = std::min(PanelWidth, n - first);
         for (unsigned k = 0; k < width; ++k) {
             columns[k] = source[columnOrder[first + k]].data();
         }
-        for (unsigned i = 0; m + i < n; ++i) {
+        for (unsigned i = firstRow - m; m + i < n; ++i) {
             double* const target = matrix[m + i].data() + first;
             if (width == PanelWidth) {
                 target[0] = columns[0][i];
@@ -126,11 +136,34 @@ unsigned choosePivot(const std::vector<double>& row, unsigned begin, unsigned en
                     : NqRowOperations::firstLargest(row.data(), begin, end, kept);
 }
 
-/// Two numbers that go through the same operations side by side.
-typedef double Pair __attribute__((vector_size(2 * sizeof(double)), may_alias));
+/// Gives a row, from column c on, the terms of all rows above row c, by the multipliers that it holds.
+void addAllMultiples(NqReArray& matrix, unsigned r, unsigned c, unsigned n) {
+    double* const row = matrix[r].data();
+    for (unsigned k = 0; k < c; ++k) {
+        NqRowOperations::addMultiple(row + c, -row[k], matrix[k].data() + c, n - c);
+    }
+}
 
-/// Solves with L, unit lower triangular, for one right-hand side in x or for a pair of them. The sums of a
-/// few rows are independent up to these rows themselves, and go abreast.
+/// Two numbers that go through the same operations side by side.
+typedef double Lanes __attribute__((vector_size(2 * sizeof(double))));
+
+double load(double x) {
+    return x;
+}
+Lanes load(const std::array<double, 2>& x) {
+    Lanes lanes;
+    std::memcpy(&lanes, &x, sizeof lanes);
+    return lanes;
+}
+void store(double& x, double value) {
+    x = value;
+}
+void store(std::array<double, 2>& x, Lanes value) {
+    std::memcpy(&x, &value, sizeof value);
+}
+
+/// Solves with L, unit lower triangular, for a right-hand side of numbers in x, or for two of them side by
+/// side. The sums of a few rows are independent up to these rows themselves, and go abreast.
 template <typename Number>
 void substituteForward(const NqReArray& factors, unsigned n, Number* x) {
     unsigned first = 0;
@@ -139,43 +172,44 @@ void substituteForward(const NqReArray& factors, unsigned n, Number* x) {
         const double* const r1 = factors[first + 1].data();
         const double* const r2 = factors[first + 2].data();
         const double* const r3 = factors[first + 3].data();
-        Number s0 = x[first], s1 = x[first + 1], s2 = x[first + 2], s3 = x[first + 3];
+        auto s0 = load(x[first]), s1 = load(x[first + 1]), s2 = load(x[first + 2]), s3 = load(x[first + 3]);
         for (unsigned j = 0; j < first; ++j) {
-            s0 -= x[j] * r0[j];
-            s1 -= x[j] * r1[j];
-            s2 -= x[j] * r2[j];
-            s3 -= x[j] * r3[j];
+            const auto known = load(x[j]);
+            s0 -= known * r0[j];
+            s1 -= known * r1[j];
+            s2 -= known * r2[j];
+            s3 -= known * r3[j];
         }
         s1 -= s0 * r1[first];
         s2 = (s2 - s0 * r2[first]) - s1 * r2[first + 1];
         s3 = ((s3 - s0 * r3[first]) - s1 * r3[first + 1]) - s2 * r3[first + 2];
-        x[first] = s0;
-        x[first + 1] = s1;
-        x[first + 2] = s2;
-        x[first + 3] = s3;
+        store(x[first], s0);
+        store(x[first + 1], s1);
+        store(x[first + 2], s2);
+        store(x[first + 3], s3);
     }
     for (unsigned i = first; i < n; ++i) {
         const double* const row = factors[i].data();
-        Number sum = x[i];
+        auto sum = load(x[i]);
         for (unsigned j = 0; j < i; ++j) {
-            sum -= x[j] * row[j];
+            sum -= load(x[j]) * row[j];
         }
-        x[i] = sum;
+        store(x[i], sum);
     }
 }
 
 /// The same with U. Each sum begins with the unknown that was found last, so that the rows wait for each
-/// other, and only a pair goes abreast. An exactly zero pivot leaves its unknown as it came.
+/// other, and only two right-hand sides go abreast. An exactly zero pivot leaves its unknown as it came.
 template <typename Number>
 void substituteBackward(const NqReArray& factors, unsigned n, Number* x) {
     for (unsigned i = n; i-- > 0;) {
         const double* const row = factors[i].data();
-        Number sum = x[i];
+        auto sum = load(x[i]);
         for (unsigned j = i + 1; j < n; ++j) {
-            sum -= x[j] * row[j];
+            sum -= load(x[j]) * row[j];
         }
         if (row[i] != 0.0) {
-            x[i] = sum / row[i];
+            store(x[i], sum / row[i]);
         }
     }
 }
@@ -214,6 +248,7 @@ const NqReArray& NqCoreVelocityControlTool::primaryMatrix() const {
 
 void NqCoreVelocityControlTool::setPrimaryMatrix(const NqReArray& primaryMatrix) {
     m_PrimaryMatrix = primaryMatrix;
+    *m_IsSolvedAhead = false;
 }
 
 const NqReArray& NqCoreVelocityControlTool::nullSpace() const {
@@ -238,6 +273,7 @@ const std::vector<unsigned int>& NqCoreVelocityControlTool::indices() const {
 
 void NqCoreVelocityControlTool::setIndices(const std::vector<unsigned int>& indices) {
     m_Indices = indices;
+    *m_IsSolvedAhead = false;
 }
 
 bool NqCoreVelocityControlTool::calcJointRates(NqJacobianState* jacobianState, const NqReArray& jacobian,
@@ -318,8 +354,7 @@ bool NqCoreVelocityControlTool::calcJointRatesAB(NqJacobianState* jacobianState,
         pivotsFit = pivotsFit && (i < m_N ? m_Indices[i] < m_N : m_Indices[i] == i);
     }
     if (nullGradient.size() < m_NullDimension || velocity.size() < m_M || !pivotsFit ||
-        !hasShape(m_PrimaryMatrix, m_N, m_N) || !hasRows(m_PrimaryMatrix, m_N, m_N) ||
-        !hasRows(bRows, m_NullDimension, m_N)) {
+        !isFilled(m_PrimaryMatrix, m_N, m_N) || !hasRows(bRows, m_NullDimension, m_N)) {
         return reportVector();
     }
     if (!prep(m_PrimaryMatrix, m_Indices, m_M, m_N, bRows)) {
@@ -333,38 +368,26 @@ bool NqCoreVelocityControlTool::calcJointRatesAB(NqJacobianState* jacobianState,
     return solveTwice(velocity, jointRates, nullSpaceJointRates, determinant);
 }
 
-/// Puts the velocity on top of the right-hand side, whose lower part stands, and solves with it and without
-/// it.
+/// Puts the velocity on top of the right-hand side, whose lower part stands, and solves with it and with
+/// zeros in its place.
 bool NqCoreVelocityControlTool::solveTwice(const std::vector<double>& velocity,
                                            std::vector<double>& jointRates,
                                            std::vector<double>& nullSpaceJointRates, double& determinant) {
     std::vector<double>& stacked = *m_StackedRightHandSide;
-    std::copy_n(velocity.begin(), m_M, stacked.begin());
-    // A subclass may have replaced calc(), and the two vectors may be one.
-    if (typeid(*this) != typeid(NqCoreVelocityControlTool) || &jointRates == &nullSpaceJointRates) {
-        calc(m_PrimaryMatrix, m_Indices, stacked, jointRates, determinant);
-        std::fill_n(stacked.begin(), m_M, 0.0);
-        calc(m_PrimaryMatrix, m_Indices, stacked, nullSpaceJointRates, determinant);
-        return true;
-    }
-    growTo(m_N, jointRates);
-    growTo(m_N, nullSpaceJointRates);
-    m_Pairs->resize(2 * m_N);
-    Pair* const x = reinterpret_cast<Pair*>(m_Pairs->data());
+    std::vector<double>& nullPart = *m_NullRightHandSide;
+    nullPart.resize(m_N);
     for (unsigned i = 0; i < m_N; ++i) {
-        x[i] = Pair{stacked[i], i < m_M ? 0.0 : stacked[i]};
+        nullPart[i] = i < m_M ? 0.0 : stacked[i];
+        stacked[i] = i < m_M ? velocity[i] : stacked[i];
     }
-    determinant = solveInPlace(m_PrimaryMatrix, m_Indices, x);
-    for (unsigned i = 0; i < m_N; ++i) {
-        jointRates[i] = x[i][0];
-        nullSpaceJointRates[i] = x[i][1];
-    }
-    std::fill_n(stacked.begin(), m_M, 0.0);
+    *m_IsSolvedAhead = false;
+    calc(m_PrimaryMatrix, m_Indices, stacked, jointRates, determinant);
+    calc(m_PrimaryMatrix, m_Indices, nullPart, nullSpaceJointRates, determinant);
     return true;
 }
 
 void NqCoreVelocityControlTool::resize() {
-    if (!hasShape(m_PrimaryMatrix, m_N, m_N)) {
+    if (!isFilled(m_PrimaryMatrix, m_N, m_N)) {
         m_PrimaryMatrix.setToZeros(m_N, m_N);
     }
     if (!hasShape(m_NullSpace, m_N, m_NullDimension)) {
@@ -383,13 +406,14 @@ bool NqCoreVelocityControlTool::prep(NqReArray& primaryMatrix, std::vector<unsig
     while (indices.size() < n) {
         indices.push_back(static_cast<unsigned>(indices.size()));
     }
-    completeFactoring(
-        primaryMatrix, indices, m, n, Ties::LastWins, [&](const std::vector<unsigned int>& columnOrder) {
-            for (unsigned r = m; r < n; ++r) {
-                std::transform(columnOrder.begin(), columnOrder.end(), primaryMatrix[r].begin(),
-                               [row = bRows[r - m].data()](unsigned column) { return row[column]; });
-            }
-        });
+    completeFactoring(primaryMatrix, indices, m, n, Ties::LastWins,
+                      [&](unsigned firstRow, unsigned firstColumn) {
+                          for (unsigned r = firstRow; r < n; ++r) {
+                              for (unsigned c = firstColumn; c < n; ++c) {
+                                  primaryMatrix[r][c] = bRows[r - m][(*m_ColumnOrder)[c]];
+                              }
+                          }
+                      });
     return true;
 }
 
@@ -417,19 +441,19 @@ bool NqCoreVelocityControlTool::prep(NqJacobianState* jacobianState, NqReArray& 
         weightedNullSpace = nullSpace;
     }
     reportZeroColumns(weightedNullSpace, n);
-    completeFactoring(primaryMatrix, indices, m, n, Ties::FirstWins,
-                      [&](const std::vector<unsigned int>& columnOrder) {
-                          fillTransposed(weightedNullSpace, columnOrder, m, primaryMatrix);
-                      });
+    completeFactoring(
+        primaryMatrix, indices, m, n, Ties::FirstWins, [&](unsigned firstRow, unsigned firstColumn) {
+            fillTransposed(weightedNullSpace, *m_ColumnOrder, m, firstRow, firstColumn, primaryMatrix);
+        });
     return true;
 }
 
-/// Has rows m to n - 1 filled by `fillLowerRows(columnOrder)`, with column columnOrder[c] of the caller at c,
-/// which is the order of `indices`; eliminates them, and merges the interchanges of both stages in `indices`.
-template <typename FillLowerRows>
+/// Has `fill(firstRow, firstColumn)` write the lower rows from there on, with column m_ColumnOrder[c] of the
+/// caller at c, which is the order of `indices`; eliminates them, and merges the interchanges of both stages
+/// in `indices`.
+template <typename Fill>
 void NqCoreVelocityControlTool::completeFactoring(NqReArray& matrix, std::vector<unsigned int>& indices,
-                                                  unsigned m, unsigned n, Ties ties,
-                                                  const FillLowerRows& fillLowerRows) {
+                                                  unsigned m, unsigned n, Ties ties, const Fill& fill) {
     std::vector<unsigned int>& columnOrder = *m_ColumnOrder;
     columnOrder.resize(n);
     std::iota(columnOrder.begin(), columnOrder.end(), 0u);
@@ -439,24 +463,20 @@ void NqCoreVelocityControlTool::completeFactoring(NqReArray& matrix, std::vector
     *m_FirstPivots = indices;
     m_SecondPivots->resize(indices.size());
     std::iota(m_SecondPivots->begin(), m_SecondPivots->end(), 0u);
-    fillLowerRows(columnOrder);
-    if (!eliminateInPanels(matrix, m, n, ties)) {
-        // A pivot that lies before its own row: take everything back, and go the narrow way.
-        for (unsigned c = n; c-- > m;) {
-            swapColumns(matrix, c, (*m_SecondPivots)[c], m);
-            (*m_SecondPivots)[c] = c;
-        }
-        fillLowerRows(columnOrder);
-        eliminateInOrder(matrix, m, n, ties);
-    }
+    eliminate(matrix, m, n, ties, fill);
     matrix.combineIndices(*m_FirstPivots, *m_SecondPivots, indices);
 }
 
 /// Eliminates the lower rows a few pivots at a time, each along whole rows. To the last bit the same as
-/// eliminateInOrder(), as every element gets the same terms in the same order, as long as no column changes
-/// places with one that is done with. Where that would happen this stops and returns false.
-NQ_WIDE_ROWS bool NqCoreVelocityControlTool::eliminateInPanels(NqReArray& matrix, unsigned m, unsigned n,
-                                                               Ties ties) {
+/// column by column, as every element gets the same terms in the same order.
+///
+/// A row of zeros (or of NaN) keeps the pivot of the row before. Its column may be done with already, and
+/// changes places all the same: what the rows below have in it was their multiplier, and becomes an element
+/// that is still to be eliminated, by the multipliers that they have now.
+template <typename Fill>
+NQ_WIDE_ROWS void NqCoreVelocityControlTool::eliminate(NqReArray& matrix, unsigned m, unsigned n, Ties ties,
+                                                       const Fill& fill) {
+    fill(m, 0);
     for (unsigned first = 0; first < m; first += PanelWidth) {
         Panel panel(first);
         for (unsigned c = first; c < std::min(first + PanelWidth, m); ++c) {
@@ -467,20 +487,33 @@ NQ_WIDE_ROWS bool NqCoreVelocityControlTool::eliminateInPanels(NqReArray& matrix
         }
     }
     unsigned p = 0;
-    for (unsigned first = m; first < n; first += PanelWidth) {
+    for (unsigned first = m, behind = m; first < n; first = behind) {
         Panel panel(first);
-        const unsigned behind = std::min(first + PanelWidth, n);
+        behind = std::min(first + PanelWidth, n);
         for (unsigned c = first; c < behind; ++c) {
             std::vector<double>& row = matrix[c];
             panel.eliminate(row.data(), n);
             p = choosePivot(row, c, n, ties == Ties::LastWins, p);
-            if (p < c) {
-                return false;
+            const bool isDoneWith = p < c;
+            if (isDoneWith) {
+                for (unsigned r = c + 1; r < n; ++r) {
+                    double unused[PanelWidth];
+                    panel.multipliers(matrix[r].data(), unused);
+                }
+                fill(c + 1, c);
             }
             if (p != c) {
                 swapColumns(matrix, c, p, n);
+                std::swap((*m_ColumnOrder)[c], (*m_ColumnOrder)[p]);
             }
             (*m_SecondPivots)[c] = p;
+            if (isDoneWith) {
+                for (unsigned r = c + 1; r < n; ++r) {
+                    addAllMultiples(matrix, r, c, n);
+                }
+                panel = Panel(c);
+                behind = std::min(c + PanelWidth, n);
+            }
             if (row[c] == 0.0) {
                 row[c] = kRepairedPivot;
             }
@@ -488,43 +521,6 @@ NQ_WIDE_ROWS bool NqCoreVelocityControlTool::eliminateInPanels(NqReArray& matrix
         }
         for (unsigned r = behind; r < n; ++r) {
             panel.eliminate(matrix[r].data(), n);
-        }
-    }
-    return true;
-}
-
-/// Eliminates the lower rows column by column. A row of zeros (or of NaN) keeps the pivot of the row before,
-/// whose column may be done with already; it changes places all the same.
-void NqCoreVelocityControlTool::eliminateInOrder(NqReArray& matrix, unsigned m, unsigned n, Ties ties) {
-    const auto reduced = [&matrix](unsigned r, unsigned column, unsigned terms) {
-        double element = matrix[r][column];
-        for (unsigned k = 0; k < terms; ++k) {
-            element -= matrix[k][column] * matrix[r][k];
-        }
-        return element;
-    };
-    unsigned p = 0;
-    for (unsigned c = 0; c < n; ++c) {
-        const unsigned below = std::max(c + 1, m);
-        if (c >= m) {
-            for (unsigned j = c; j < n; ++j) {
-                matrix[c][j] = reduced(c, j, c);
-            }
-            p = choosePivot(matrix[c], c, n, ties == Ties::LastWins, p);
-            if (p != c) {
-                swapColumns(matrix, c, p, n);
-            }
-            (*m_SecondPivots)[c] = p;
-        }
-        for (unsigned r = below; r < n; ++r) {
-            matrix[r][c] = reduced(r, c, c);
-        }
-        if (c >= m && matrix[c][c] == 0.0) {
-            matrix[c][c] = kRepairedPivot;
-        }
-        const double reciprocal = 1.0 / matrix[c][c];
-        for (unsigned r = below; r < n; ++r) {
-            matrix[r][c] *= reciprocal;
         }
     }
 }
@@ -543,7 +539,24 @@ bool NqCoreVelocityControlTool::calc(const NqReArray& factoredMatrix,
         return false;
     }
     growTo(n, solution);
-    std::copy_n(rightHandSide.begin(), n, solution.begin());
-    determinant = solveInPlace(factoredMatrix, indices, solution.data());
+    // Of the two solves of one step the first does both, abreast, and the second finds its result waiting.
+    const bool isOwnSystem = &factoredMatrix == &m_PrimaryMatrix && &indices == &m_Indices;
+    std::vector<std::array<double, 2>>& both = *m_BothSolutions;
+    if (isOwnSystem && &rightHandSide == &*m_StackedRightHandSide) {
+        both.resize(n);
+        for (unsigned i = 0; i < n; ++i) {
+            store(both[i], Lanes{rightHandSide[i], (*m_NullRightHandSide)[i]});
+        }
+        *m_Determinant = solveInPlace(factoredMatrix, indices, both.data());
+        *m_IsSolvedAhead = true;
+        std::ranges::transform(both, solution.begin(), [](const auto& pair) { return pair[0]; });
+        determinant = *m_Determinant;
+    } else if (isOwnSystem && &rightHandSide == &*m_NullRightHandSide && *m_IsSolvedAhead) {
+        std::ranges::transform(both, solution.begin(), [](const auto& pair) { return pair[1]; });
+        determinant = *m_Determinant;
+    } else {
+        std::copy_n(rightHandSide.begin(), n, solution.begin());
+        determinant = solveInPlace(factoredMatrix, indices, solution.data());
+    }
     return true;
 }

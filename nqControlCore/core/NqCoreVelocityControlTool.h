@@ -3,6 +3,7 @@
 #include <nqControlCore/foundation/math/NqUncopied.h>
 #include <nqControlCore/foundation/matrix/NqReArray.h>
 
+#include <array>
 #include <vector>
 
 class NqJacobianState;
@@ -17,9 +18,11 @@ class NqJacobianState;
 /// same system with v = 0. One factoring serves both solves and the determinant of A.
 ///
 /// Nothing decides about rank: at a singularity the joint rates become huge or infinite, and the caller
-/// judges by the determinant. A call leaves nothing behind that a later call depends on, but memory is kept:
-/// a control step of the same n and m as the one before allocates nothing. One tool serves one thread at a
-/// time.
+/// judges by the determinant. Beware of a metric with fewer rows than joints: joints beyond it weigh nothing,
+/// which can make A singular behind an ordinary determinant, as a zero pivot that is taken for 1.0e-300 and
+/// the 1.0e+300 that it makes of the next one cancel. A call leaves nothing behind that a later call depends
+/// on, but memory is kept: a control step of the same n and m as the one before allocates nothing. One tool
+/// serves one thread at a time.
 class NqCoreVelocityControlTool {
 public:
     NqCoreVelocityControlTool() = default;
@@ -54,8 +57,8 @@ public:
     ///
     /// @param jacobianState  says whether known zeros of J are passed over; may be null
     /// @param jacobian       J, m rows of n entries, m not above n
-    /// @param metric         W: n by n, or n by 1 for a diagonal one. Joints beyond a smaller metric weigh 0.
-    ///                       An empty one fails, silently, unless m is 0.
+    /// @param metric         W: n by n, or n by 1 for a diagonal one. Joints beyond a smaller metric weigh 0,
+    ///                       see above. An empty one fails, silently, unless m is 0.
     /// @param gradient       g, at least n entries, in joint space
     /// @param alpha          scale of the gradient
     /// @param velocity       v, at least m entries
@@ -115,11 +118,11 @@ private:
 
     bool solveTwice(const std::vector<double>& velocity, std::vector<double>& jointRates,
                     std::vector<double>& nullSpaceJointRates, double& determinant);
-    template <typename FillLowerRows>
+    template <typename Fill>
     void completeFactoring(NqReArray& matrix, std::vector<unsigned int>& indices, unsigned m, unsigned n,
-                           Ties ties, const FillLowerRows& fillLowerRows);
-    bool eliminateInPanels(NqReArray& matrix, unsigned m, unsigned n, Ties ties);
-    void eliminateInOrder(NqReArray& matrix, unsigned m, unsigned n, Ties ties);
+                           Ties ties, const Fill& fill);
+    template <typename Fill>
+    void eliminate(NqReArray& matrix, unsigned m, unsigned n, Ties ties, const Fill& fill);
 
     NqReArray m_PrimaryMatrix;
     NqReArray m_NullSpace;
@@ -131,7 +134,10 @@ private:
     unsigned int m_NullDimension = 0;
 
     NqUncopied<std::vector<double>> m_StackedRightHandSide;
-    NqUncopied<std::vector<double>> m_Pairs; ///< both right-hand sides, then both solutions, side by side
+    NqUncopied<std::vector<double>> m_NullRightHandSide;            ///< the same with v = 0
+    NqUncopied<std::vector<std::array<double, 2>>> m_BothSolutions; ///< of these two
+    NqUncopied<double> m_Determinant;
+    NqUncopied<bool> m_IsSolvedAhead; ///< whether m_BothSolutions and m_Determinant hold
     NqUncopied<std::vector<unsigned int>> m_FirstPivots;
     NqUncopied<std::vector<unsigned int>> m_SecondPivots;
     NqUncopied<std::vector<unsigned int>> m_ColumnOrder;

@@ -10,9 +10,74 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
+#include <functional>
+
 namespace {
 
 using Reals = std::vector<double>;
+
+/// The names of a document's elements, in order.
+std::string elements(const NqXmlObject& object) {
+    const std::string document = nqWritten(object);
+    std::string names;
+    for (std::size_t i = document.find('<'); i != std::string::npos; i = document.find('<', i + 1)) {
+        if (std::isalpha(static_cast<unsigned char>(document[i + 1]))) {
+            names += document.substr(i + 1, document.find_first_of(" />", i) - i - 1) + ' ';
+        }
+    }
+    return names;
+}
+
+/// Whether each of the changes makes an object differ from a default one, also in its copy, and in what is
+/// read of its file.
+template <typename Object>
+void expectCompared(const std::string& names, const std::vector<std::function<void(Object&)>>& changes) {
+    EXPECT_EQ(elements(Object()), names);
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        Object changed, assigned;
+        changes[i](changed);
+        assigned = changed;
+        EXPECT_TRUE(changed == assigned && changed == Object(changed) && !(changed == Object()))
+            << names << i;
+    }
+}
+
+TEST(ControlRecords, HaveTheirElementsAndCompareTheirFields) {
+    const NqXmlVectorType<NqXmlRealVector> vectors{NqXmlRealVector{1.0}};
+    const NqXmlRealVector vector{1.0};
+    expectCompared<NqCoreResult>(
+        "coreResultToken baseComponent nullSpaceComponent primaryDeterminant coreIsAB ",
+        {[&](NqCoreResult& r) { r.setBaseComponent(vector); },
+         [&](NqCoreResult& r) { r.setNullSpaceComponent(vector); },
+         [&](NqCoreResult& r) { r.setPrimaryDeterminant(1.0); }});
+    expectCompared<NqControlParameters>(
+        "controlParameters accelerationLimits decelerationLimits velocityLimits ",
+        {[&](NqControlParameters& p) { p.setAccelerationLimits(vector); },
+         [&](NqControlParameters& p) { p.setDecelerationLimits(vector); },
+         [&](NqControlParameters& p) { p.setVelocityLimits(vector); },
+         [&](NqControlParameters& p) { p.setSingularityProximityThreshold(1.0); }});
+    using Velocity = NqManipulatorEndEffectorVelocity;
+    expectCompared<Velocity>("manipulatorEndEffectorVelocityToken generalEndEffectorVelocities ",
+                             {[&](Velocity& v) { v.setGeneralEndEffectorVelocities(vectors); }});
+    using Force = NqManipulatorEndEffectorForce;
+    expectCompared<Force>("manipulatorEndEffectorForce generalEndEffectorForces ",
+                          {[&](Force& f) { f.setGeneralEndEffectorForces(vectors); }});
+    using Acceleration = NqManipulatorEndEffectorAcceleration;
+    expectCompared<Acceleration>(
+        "manipulatorEndEffectorAcceleration offsetTransformations generalEndEffectorAccelerations ",
+        {[&](Acceleration& a) { a.generalEndEffectorAccelerations() = vectors; },
+         [&](Acceleration& a) { a.setOffsetTransformations({NqCoordinateSystemTransformation()}); }});
+    const std::function<void(NqSupplementalControlState&)> changes[] = {
+        [&](auto& s) { s.setPreviousEndEffectorVelocities({Velocity()}); },
+        [&](auto& s) { s.setPreviousActualVelocityStates({NqVelocityState()}); },
+        [&](auto& s) { s.previousState().setPositionStates({NqPositionState()}); }};
+    for (const auto& change : changes) {
+        NqSupplementalControlState state;
+        change(state);
+        EXPECT_TRUE(state == NqSupplementalControlState(state) && !(state == NqSupplementalControlState()));
+    }
+}
 
 TEST(NqCoreResult, SplitsRatesAndFindsTheirCoordinates) {
     NqCoreResult result;
@@ -37,6 +102,23 @@ TEST(NqCoreResult, SplitsRatesAndFindsTheirCoordinates) {
     other.setCoreIsAB(true);
     other.setMatrix(rates);
     EXPECT_TRUE(other == result && nqThroughXml(other).coreIsAB() && nqThroughXml(other) == result);
+}
+
+TEST(NqCoreResult, CoordinatesNeitherOverflowNorVanish) {
+    for (const double scale : {1e-250, 1.0, 1e250}) {
+        NqCoreResult result;
+        result.setBaseComponent({2.0 * scale, 0.0, scale});
+        result.setNullSpaceComponent({0.0, -4.0 * scale, scale});
+        NqReArray rates;
+        rates = Reals{6.0 * scale, 8.0 * scale, scale};
+        double x = 9.0, y = 9.0;
+        EXPECT_TRUE(result.getComponentCoordinates(rates, x, y));
+        EXPECT_NEAR(x, 3.0, 1e-14);
+        EXPECT_NEAR(y, -2.0, 1e-14);
+        // All rates count for the scale, those beyond the components too: here the rest vanishes beside it.
+        rates = Reals{6.0 * scale, 8.0 * scale, scale, scale * 1e200};
+        EXPECT_FALSE(result.getComponentCoordinates(rates, x, y));
+    }
 }
 
 TEST(NqVelocityControlData, KnowsWhetherItsDeterminantWasSet) {
@@ -77,9 +159,6 @@ TEST(NqMotionSets, StackTheirVectors) {
     NqManipulatorEndEffectorForce force;
     force.setGeneralEndEffectorForces(velocity.generalEndEffectorVelocities());
     EXPECT_EQ(nqThroughXml(force), force);
-    NqSupplementalControlState state;
-    state.setPreviousEndEffectorVelocities({velocity});
-    EXPECT_FALSE(state == NqSupplementalControlState());
 }
 
 } // namespace

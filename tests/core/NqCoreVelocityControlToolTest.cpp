@@ -331,20 +331,143 @@ TEST(CoreVelocityControlTool, WrongSizes) {
     EXPECT_EQ(capture.lines().size(), 1u);
 }
 
+/// Watches prep and calc, and has its own way with both: a calc that gives `factor` times the solution, found
+/// by `calcs` solves in each call, and preps with other lower rows.
+class MeddlingTool : public NqCoreVelocityControlTool {
+public:
+    double factor = 3.0;
+    unsigned calcs = 1;
+    NqReArray bRows;
+    std::vector<Numbers> rightHandSides;
+    std::size_t capacity = 0;
+    unsigned preps = 0;
+
+protected:
+    bool prep(NqReArray& matrix, Indices& indices, unsigned m, unsigned n, const NqReArray&) override {
+        ++preps;
+        return NqCoreVelocityControlTool::prep(matrix, indices, m, n, bRows);
+    }
+    bool prep(NqJacobianState* state, NqReArray& matrix, Indices& indices, unsigned m, unsigned,
+              const NqReArray& metric, NqReArray& nullSpace, NqReArray& weighted) override {
+        ++preps;
+        return NqCoreVelocityControlTool::prep(state, matrix, indices, m, 0, metric, nullSpace, weighted);
+    }
+    bool calc(const NqReArray& matrix, const Indices& indices, const Numbers& rightHandSide,
+              Numbers& solution, double& determinant) override {
+        rightHandSides.push_back(rightHandSide);
+        capacity = rightHandSide.capacity();
+        for (unsigned i = 0; i < calcs; ++i) {
+            NqCoreVelocityControlTool::calc(matrix, indices, rightHandSide, solution, determinant);
+        }
+        for (double& entry : solution) {
+            entry *= factor;
+        }
+        calcs = std::max(calcs, 1u); // none but the first time
+        return true;
+    }
+};
+
+TEST(CoreVelocityControlTool, SubclassesHaveTheirWay) {
+    NqRandom random(4);
+    const Problem problem(random, 9, 4);
+    NqCoreVelocityControlTool plain;
+    plain.setWeightFlag(false);
+    NqJacobianState state;
+    state.setJacobian(problem.jacobian);
+    const NqReArray bRows = nqRandomArray(random, 5, 9);
+    for (const bool ab : {false, true}) {
+        for (const unsigned calcs : {1u, 2u, 0u}) {
+            SCOPED_TRACE(calcs);
+            MeddlingTool tool;
+            tool.calcs = calcs;
+            tool.bRows = bRows;
+            Outcome expected =
+                ab ? problem.solveAB(plain, &state, bRows, problem.gradient) : problem.solve(plain);
+            for (double& rate : expected.nullRates) {
+                rate *= 3.0;
+            }
+            for (double& rate : expected.rates) {
+                rate *= 3.0;
+            }
+            if (calcs == 0) {
+                expected.rates.clear();
+            }
+            expectSame(ab ? problem.solveAB(tool, &state, -bRows, problem.gradient) : problem.solve(tool),
+                       expected);
+            ASSERT_TRUE(tool.preps == 1 && tool.rightHandSides.size() == 2);
+            for (unsigned i = 0; i < 9; ++i) {
+                EXPECT_EQ(tool.rightHandSides[1][i], i < 4 ? 0.0 : tool.rightHandSides[0][i]);
+                EXPECT_TRUE(i >= 4 || tool.rightHandSides[0][i] == problem.velocity[i]);
+            }
+        }
+    }
+    Outcome both;
+    EXPECT_TRUE(plain.calcJointRates(nullptr, problem.jacobian, problem.metric, problem.gradient,
+                                     problem.alpha, problem.velocity, 9, both.rates, both.rates,
+                                     both.determinant));
+    EXPECT_EQ(both.rates, problem.solve(plain).nullRates) << "written last";
+}
+
+TEST(CoreVelocityControlTool, MatricesFromOutsideMayBeRagged) {
+    NqRandom random(8);
+    const Problem problem(random, 6, 2);
+    NqCoreVelocityControlTool plain, tool;
+    const Outcome expected = problem.solve(plain);
+    for (const unsigned row : {1u, 5u}) {
+        NqReArray ragged(6, 6);
+        ragged.assign(row, Numbers(5 - row)); // too short, or empty
+        tool.setPrimaryMatrix(ragged);
+        expectSame(problem.solve(tool), expected);
+        EXPECT_EQ(tool.primaryMatrix(), plain.primaryMatrix());
+    }
+}
+
+TEST(CoreVelocityControlTool, PassesOverKnownZerosOnlyWhereTheStateSaysSo) {
+    // Two constraints of one branch, whose own joints come first: the zeros of the other joints' columns.
+    NqReArray jacobian =
+        nqArray({{4.0, 1.0, 0, 0, 0, 0, 0, 0}, {-1.0, 3.0, -0.0, -0.0, -0.0, -0.0, -0.0, -0.0}});
+    NqReArray metric;
+    metric.setToIdentity(8, 8);
+    const Numbers zeros(8);
+    const auto remaining = [&](bool isSparse, bool isKnown) {
+        NqJacobianState state;
+        state.setUseSparseNullSpace(isSparse);
+        state.setSparsity(isKnown ? std::vector<std::vector<bool>>(2, {1, 1, 0, 0, 0, 0, 0, 0})
+                                  : std::vector<std::vector<bool>>(2, std::vector<bool>(8, true)));
+        NqCoreVelocityControlTool tool;
+        Numbers rates, nullRates;
+        double determinant = 0.0;
+        EXPECT_TRUE(tool.calcJointRates(&state, jacobian, metric, zeros, 1.0, zeros, 8, rates, nullRates,
+                                        determinant));
+        NqReArray upper = tool.primaryMatrix();
+        upper.resizeArray(2, 8);
+        return nqNegativeZeros(upper);
+    };
+    EXPECT_EQ(remaining(true, true), 6u);
+    EXPECT_EQ(remaining(true, false), 0u);
+    EXPECT_EQ(remaining(false, true), 0u);
+}
+
 TEST(CoreVelocityControlTool, CopiesCarryTheResultButNoScratch) {
     NqRandom random(3);
-    NqCoreVelocityControlTool tool;
-    tool.setWeightFlag(false);
-    Problem(random, 5, 2).solve(tool);
-    const NqCoreVelocityControlTool copy(tool);
-    EXPECT_TRUE(copy.primaryMatrix() == tool.primaryMatrix() &&
-                copy.weightedNullSpace() == tool.nullSpace() && copy.indices() == tool.indices() &&
+    const Problem large(random, 40, 2), small(random, 3, 2);
+    MeddlingTool warm;
+    warm.setWeightFlag(false);
+    large.solve(warm);
+    MeddlingTool copy(warm), assigned;
+    EXPECT_TRUE(copy.primaryMatrix() == warm.primaryMatrix() && copy.nullSpace() == warm.nullSpace() &&
+                copy.weightedNullSpace() == warm.nullSpace() && copy.indices() == warm.indices() &&
                 !copy.weightFlag());
-    NqUncopied<int> scratch, other;
-    *scratch = 4;
-    EXPECT_EQ(*NqUncopied<int>(scratch), 0);
-    scratch = other;
-    EXPECT_EQ(*scratch, 4);
+    small.solve(copy);
+    EXPECT_LT(copy.capacity, 40u) << "begins with an empty right-hand side";
+    assigned.NqCoreVelocityControlTool::operator=(warm);
+    EXPECT_TRUE(assigned.primaryMatrix() == warm.primaryMatrix() && !assigned.weightFlag());
+    small.solve(assigned);
+    EXPECT_LT(assigned.capacity, 40u) << "kept its own";
+    warm.NqCoreVelocityControlTool::operator=(NqCoreVelocityControlTool());
+    EXPECT_TRUE(warm.weightFlag() && warm.indices().empty());
+    small.solve(warm);
+    EXPECT_GE(warm.capacity, 40u) << "kept its own";
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <ctime>
 #include <fstream>
 #include <locale>
 
@@ -17,6 +18,18 @@ std::string joint(const std::string& type, const std::string& parent, const std:
            "'/><child link='" + child + "'/>" + content + "</joint>";
 }
 const std::string kLimit = "<limit lower='-1.5' upper='2.5' velocity='3' effort='4'/>";
+
+std::string robot(const std::string& content) {
+    return "<robot name='r'>" + content + "</robot>";
+}
+/// Links a, b and c, on the third line, with joints.
+std::string abc(const std::string& joints) {
+    return robot("\n\n<link name='a'/><link name='b'/><link name='c'/>" + joints);
+}
+/// The same with c fixed to a, and b joined to a.
+std::string ab(const std::string& type, const std::string& content = "") {
+    return abc(joint("fixed", "a", "c") + joint(type, "a", "b", content));
+}
 
 TEST(UrdfReader, JointsInertialDataAndOrder) {
     // A locale of decimal commas changes nothing.
@@ -35,12 +48,13 @@ TEST(UrdfReader, JointsInertialDataAndOrder) {
             joint("revolute", "a", "z", "<axis xyz='0 0 2'/><mimic joint='a-b' multiplier='2'/>" + kLimit) +
             joint("continuous", "z", "c", "<limit velocity='5' effort='6'/>") +
             joint("prismatic", "a", "b", "<axis xyz='0 1 0'/>" + kLimit) +
-            "<x:joint name='no joint'/></robot>",
+            "\n\n<x:joint name='no joint'/><xacro:include filename='undeclared'/></robot>",
         m);
     std::locale::global(before);
     ASSERT_TRUE(done) << prints.text();
-    ASSERT_EQ(prints.lines().size(), 1u);
-    EXPECT_EQ(prints.lines()[0].first, 3u);
+    ASSERT_EQ(prints.lines().size(), 2u);
+    EXPECT_TRUE(prints.lines()[0].first == 3 && prints.lines()[1].first == 3);
+    EXPECT_TRUE(prints.contains("line 3: <x:joint> is passed by") && prints.contains("(2 in all)"));
     EXPECT_TRUE(prints.contains("\"a-z\" mimics \"a-b\""));
 
     EXPECT_EQ(m.manipulatorLabel(), "r");
@@ -56,6 +70,8 @@ TEST(UrdfReader, JointsInertialDataAndOrder) {
     EXPECT_TRUE(continuous.isContinuous());
     EXPECT_EQ(continuous.rateLimit(), 5.0);
     EXPECT_EQ(continuous.effortLimit(), 6.0);
+    EXPECT_EQ(m.linkByIndex(1)->joint().jointMotion(0.0, 2.0),
+              NqGeneralMotion(NqVector(), NqVector(0, 0, 2)));
     EXPECT_EQ(m.linkByIndex(2)->joint().jointMotion(0.0, 1.0),
               NqGeneralMotion(NqVector(0, 0, 1), NqVector()));
     EXPECT_EQ(m.linkByIndex(0)->primaryFrameOffset(), NqCoordinateSystemTransformation());
@@ -67,6 +83,14 @@ TEST(UrdfReader, JointsInertialDataAndOrder) {
     EXPECT_NEAR(mass.secondMoment().iyy(), 1.0 + 2.0, 1e-15);
     EXPECT_NEAR(mass.secondMoment().izz(), 3.0 + 2.0, 1e-15);
     EXPECT_NEAR(mass.secondMoment().ixy(), 0.0, 1e-15);
+}
+
+TEST(UrdfReader, FixedJointsMimicNothingAndHaveNoLimits) {
+    NqPrintCapture prints;
+    NqIndividualManipulator m;
+    EXPECT_TRUE(NqUrdfReader::readString(
+        ab("fixed", "<mimic joint='a-c'/><limit lower='2' upper='1' effort='-1' velocity='-1'/>"), m));
+    EXPECT_EQ(prints.text(), "");
 }
 
 struct BadDescription {
@@ -88,17 +112,6 @@ TEST_P(UrdfReaderRefuses, AndLeavesTheManipulator) {
     EXPECT_TRUE(prints.contains(GetParam().complaint)) << prints.text();
 }
 
-std::string robot(const std::string& content) {
-    return "<robot name='r'>" + content + "</robot>";
-}
-/// Links a, b and c, on the third line, with joints.
-std::string abc(const std::string& joints) {
-    return robot("\n\n<link name='a'/><link name='b'/><link name='c'/>" + joints);
-}
-/// The same with c fixed to a, and b joined to a.
-std::string ab(const std::string& type, const std::string& content = "") {
-    return abc(joint("fixed", "a", "c") + joint(type, "a", "b", content));
-}
 std::string inertial(const std::string& mass) {
     return robot("<link name='a'><inertial>" + mass +
                  "<inertia ixx='1' ixy='0' ixz='0' iyy='1' iyz='0' izz='1'/></inertial></link>");
@@ -112,6 +125,13 @@ std::string chain(int links) {
     return text;
 }
 
+std::string attributes(int count) {
+    std::string text;
+    while (count-- > 0) {
+        text += " a" + std::to_string(count) + "=''";
+    }
+    return text;
+}
 std::string nested(int depth) {
     std::string text;
     while (depth-- > 0) {
@@ -142,13 +162,22 @@ const std::vector<BadDescription> kBadDescriptions = {
     {"UnknownType", ab("screw"), "a-b"},
     {"NoLimits", ab("revolute"), "a-b"},
     {"ZeroAxis", ab("continuous", "<axis xyz='0 0 0'/>"), "joint \"a-b\""},
+    {"NegativeRate", ab("continuous", "<limit velocity='-1' effort='1'/>"), "\"a-b\" has a negative limit"},
+    {"NegativeEffort", ab("revolute", "<limit upper='1' velocity='1' effort='-1'/>"),
+     "\"a-b\" has a negative limit"},
+    {"ReversedLimits", ab("prismatic", "<limit lower='2' upper='1' velocity='1' effort='1'/>"),
+     "\"a-b\" has its lower limit above the upper one"},
+    {"NanLimit", ab("revolute", "<limit lower='nan' upper='1' velocity='1' effort='1'/>"),
+     "lower of <limit> isn't finite numbers in joint \"a-b\""},
     {"NanAxis", ab("continuous", "<axis xyz='0 nan 1'/>"), "xyz of <axis>"},
     {"InfiniteOrigin", ab("fixed", "<origin xyz='0 1e999 0'/>"), "xyz of <origin>"},
     {"TextForNumber", ab("fixed", "<origin rpy='0 %s%n 0'/>"), "line 3: rpy of <origin>"},
     {"TwoNumbers", ab("fixed", "<origin xyz='0 0'/>"), "2 elements"},
     {"NegativeMass", inertial("<mass value='-1'/>"), "link \"a\" has a negative mass"},
+    {"NanMass", inertial("<mass value='nan'/>"), "value of <mass>"},
     {"MassMissing", inertial(""), "mass"},
     {"EntityBomb", "<!DOCTYPE robot [<!ENTITY a 'aa'>]>" + robot("<link name='&a;'/>"), "document type"},
+    {"ManyAttributes", "\n<robot name='r' " + attributes(300) + "/>", "line 2: too many attributes"},
     {"DeepNesting", robot(nested(100000)), "line 1"},
     {"TooManyLinks", robot(chain(5000)), "more than 4096 links"},
     {"LongChainWithALoop", robot(chain(4000) + "<link name='p'/>" + joint("fixed", "p", "p")), "loop"},
@@ -156,6 +185,19 @@ const std::vector<BadDescription> kBadDescriptions = {
 
 INSTANTIATE_TEST_SUITE_P(Texts, UrdfReaderRefuses, testing::ValuesIn(kBadDescriptions),
                          [](const auto& test) { return test.param.name; });
+
+TEST(UrdfReader, ManyChildrenInOneJointCostNoMoreThanInMany) {
+    std::string children;
+    for (int i = 0; i < 20000; ++i) {
+        children += "<child link='" + std::to_string(i) + "'/>";
+    }
+    NqPrintCapture prints;
+    NqIndividualManipulator manipulator;
+    const std::clock_t start = std::clock();
+    EXPECT_FALSE(NqUrdfReader::readString(
+        abc("<joint name='j' type='fixed'>" + children + "<parent link='a'/></joint>"), manipulator));
+    EXPECT_LT(std::clock() - start, 2 * CLOCKS_PER_SEC);
+}
 
 // Not among the others, which every run of any test makes.
 TEST(UrdfReader, TextsThatAreTooLargeAreRefused) {

@@ -43,3 +43,13 @@ inline bool nqSameBits(const std::vector<double>& a, const std::vector<double>& 
         return std::isnan(x) ? std::isnan(y) : x == y && std::signbit(x) == std::signbit(y);
     });
 }
+
+/// Tells known zeros that were passed over from those that were worked on: these have lost their sign.
+inline unsigned nqNegativeZeros(const NqReArray& array) {
+    unsigned count = 0;
+    for (unsigned i = 0; i < array.rows(); ++i) {
+        count += static_cast<unsigned>(std::ranges::count_if(
+            array[i], [](double entry) { return entry == 0.0 && std::signbit(entry); }));
+    }
+    return count;
+}

@@ -148,6 +148,35 @@ TEST(ReArray, WrongShapesPrintALineAndTouchNothing) {
     }
 }
 
+TEST(ReArray, RefusalsNameTheOperation) {
+    NqReArray wide(kWide), square(kSquare), result;
+    const std::pair<std::string, std::function<void()>> attempts[] = {
+        {"operator*", [&] { result = kWide * kWide; }},
+        {"transform", [&] { kWide.transform(kWide, result); }},
+        {"transposeTransform", [&] { kWide.transposeTransform(kSquare, result); }},
+        {"leftTransposeTransform", [&] { kWide.leftTransposeTransform(NqReArray(3, 1), result); }},
+        {"underconstrainedNormal", [&] { kRagged.underconstrainedNormal(result); }},
+        {"overconstrainedNormal", [&] { kRagged.overconstrainedNormal(result); }},
+        {"addSelfOuterProduct",
+         [&] {
+             wide.addSelfOuterProduct({1.0, 2.0});
+         }},
+        {"addWeightedSelfOuterProduct", [&] { square.addWeightedSelfOuterProduct({1.0}, 2.0); }},
+        {"choleskyBackSubstitution", [&] { square.choleskyBackSubstitution(kRagged, result); }},
+        {"choleskyBackSubstitution", [&] { wide.choleskyBackSubstitution(kSquare, result); }},
+        {"choleskyBackSubstitutionOnTranspose",
+         [&] { square.choleskyBackSubstitutionOnTranspose(kWide, result); }},
+        {"lowerTriangularForwardSubstitution",
+         [&] { square.lowerTriangularForwardSubstitution(NqReArray(3, 1), result); }},
+        {"lowerTriangularForwardSubstitutionOnTranspose",
+         [&] { square.lowerTriangularForwardSubstitutionOnTranspose(square, square); }}};
+    for (const auto& [name, attempt] : attempts) {
+        NqPrintCapture capture;
+        attempt();
+        EXPECT_EQ(capture.text(), "NqReArray::" + name + "(): bad dimensions on input...\n");
+    }
+}
+
 TEST(ReArray, BinaryFormKeepsEveryBitAndRefusesTheRest) {
     for (const NqReArray& array : {NqReArray(3, 0), nqArray({{-0.0, 1e-310}, {INFINITY, -1.0 / 3.0}})}) {
         std::stringstream stream;

@@ -3,6 +3,7 @@
 #include <nqControlCore/foundation/manipulator/NqIndividualManipulator.h>
 #include <nqControlCore/foundation/text/NqPrint.h>
 #include <nqControlCore/foundation/text/NqTextConversion.h>
+#include <nqControlCore/foundation/xml/NqXmlInputGuard.h>
 
 #include <console_bridge/console.h>
 #include <libxml/parser.h>
@@ -81,6 +82,10 @@ bool isFiniteList(std::string_view text) {
 class CleanDescription {
 public:
     bool read(const Source& source, const std::string& text) {
+        NqXmlInputGuard guard;
+        if (const char* trouble = guard.troubleIn(text)) {
+            return source.refuse("line %u: %s", guard.line(), trouble);
+        }
         const std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)> parser(xmlNewParserCtxt(),
                                                                                   xmlFreeParserCtxt);
         const int options = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
@@ -94,12 +99,16 @@ public:
                 "line %d: %s", error ? error->line : 0,
                 std::string(nqTrimmed(error && error->message ? error->message : "not XML")));
         }
-        if (document->intSubset) {
-            return source.refuse("a document type is not accepted");
-        }
         xmlNode* robot = xmlDocGetRootElement(document.get());
         if (view(robot->name) != "robot" || !keepKinematics(source, robot)) {
             return source.refuse("no robot to be read");
+        }
+        if (m_NumberOfPrefixed > 0) {
+            source.print(
+                Nq::PrintReadTrouble,
+                "line %d: <%s> is passed by; elements with a prefix (%u in all) aren't known, those of "
+                "xacro are to be expanded first",
+                m_PrefixedLine, m_Prefixed, m_NumberOfPrefixed);
         }
         if (m_NumberOfLinks > kMostLinks) {
             return source.refuse("more than %u links", kMostLinks);
@@ -129,13 +138,30 @@ private:
         const auto kept = kKeptChildren.find(view(element->name));
         for (xmlNode *child = element->children, *next = nullptr; child; child = next) {
             next = child->next;
-            const bool isPlain = child->type == XML_ELEMENT_NODE && !(child->ns && child->ns->prefix);
-            if (!isPlain || kept == kKeptChildren.end() || !kept->second.contains(view(child->name))) {
+            const bool isPlain =
+                child->type == XML_ELEMENT_NODE && kept != kKeptChildren.end() && !notePrefix(child);
+            if (!isPlain || !kept->second.contains(view(child->name))) {
                 xmlUnlinkNode(child);
                 xmlFreeNode(child);
             } else if (!isSound(source, child) || !keepKinematics(source, child)) {
                 return false;
             }
+        }
+        return true;
+    }
+
+    /// Whether an element's name has a prefix, declared or not; the first such element is remembered.
+    bool notePrefix(const xmlNode* element) {
+        std::string name(view(element->name));
+        if (element->ns && element->ns->prefix) {
+            name.insert(0, std::string(view(element->ns->prefix)) + ":");
+        }
+        if (name.find(':') == std::string::npos) {
+            return false;
+        }
+        if (m_NumberOfPrefixed++ == 0) {
+            m_Prefixed = name;
+            m_PrefixedLine = xmlGetLineNo(element);
         }
         return true;
     }
@@ -146,17 +172,18 @@ private:
             const std::string attributeName(view(entry->name));
             if (kNumbers.contains(attributeName) &&
                 !isFiniteList(attribute(element, attributeName.c_str()))) {
-                return source.refuse("line %d: %s of <%s> isn't finite numbers", xmlGetLineNo(element),
-                                     attributeName, std::string(name));
+                return source.refuse("line %d: %s of <%s> isn't finite numbers%s", xmlGetLineNo(element),
+                                     attributeName, std::string(name), placeOf(element));
             }
         }
         if (name == "link") {
             ++m_NumberOfLinks;
         } else if (name == "joint") {
             m_JointOrder.emplace(attribute(element, "name"), m_JointOrder.size());
+            m_JointParent = parentOf(element);
         } else if (name == "child") {
             const std::string child = attribute(element, "link");
-            if (!m_Parents.emplace(child, parentOf(element)).second) {
+            if (!m_Parents.emplace(child, m_JointParent).second) {
                 return source.refuse("line %d: link \"%s\" is the child of two joints", xmlGetLineNo(element),
                                      child);
             }
@@ -164,11 +191,18 @@ private:
         return true;
     }
 
-    /// The parent link that the joint around this element names.
-    static std::string parentOf(const xmlNode* element) {
-        for (xmlNode* sibling = element->parent->children; sibling; sibling = sibling->next) {
-            if (sibling->type == XML_ELEMENT_NODE && view(sibling->name) == "parent") {
-                return attribute(sibling, "link");
+    /// Says which joint an element stands in, if it does.
+    static std::string placeOf(const xmlNode* element) {
+        return view(element->parent->name) == "joint"
+                   ? " in joint \"" + attribute(element->parent, "name") + '"'
+                   : std::string();
+    }
+
+    /// The parent link that a joint names.
+    static std::string parentOf(const xmlNode* joint) {
+        for (xmlNode* child = joint->children; child; child = child->next) {
+            if (child->type == XML_ELEMENT_NODE && view(child->name) == "parent") {
+                return attribute(child, "link");
             }
         }
         return {};
@@ -196,6 +230,10 @@ private:
     std::size_t m_NumberOfLinks = 0;
     std::map<std::string, std::size_t> m_JointOrder;
     std::map<std::string, std::string> m_Parents; ///< by child link
+    std::string m_JointParent;                    ///< of the joint in work
+    std::string m_Prefixed;                       ///< the first element with a prefix
+    long m_PrefixedLine = 0;
+    unsigned m_NumberOfPrefixed = 0;
 };
 
 /// Takes the error messages of the URDF parser, which go to one handler of the process. There is one such
@@ -282,14 +320,20 @@ bool describe(const Source& source, const urdf::Joint& joint, NqJointDescription
         return source.refuse("joint \"%s\" is floating or planar, which isn't supported", joint.name);
     }
     description = NqJointDescription(type, joint.name);
-    if (joint.limits) {
+    if (joint.limits && type != NqJointDescription::Fixed) {
+        if (joint.limits->velocity < 0.0 || joint.limits->effort < 0.0) {
+            return source.refuse("joint \"%s\" has a negative limit", joint.name);
+        }
         if (joint.type != urdf::Joint::CONTINUOUS) {
+            if (joint.limits->lower > joint.limits->upper) {
+                return source.refuse("joint \"%s\" has its lower limit above the upper one", joint.name);
+            }
             description.setPositionLimits(joint.limits->lower, joint.limits->upper);
         }
         description.setRateLimit(joint.limits->velocity);
         description.setEffortLimit(joint.limits->effort);
     }
-    if (joint.mimic) {
+    if (joint.mimic && type != NqJointDescription::Fixed) {
         source.print(Nq::PrintReadTrouble, "joint \"%s\" mimics \"%s\" but is taken as a joint of its own",
                      joint.name, joint.mimic->joint_name);
     }

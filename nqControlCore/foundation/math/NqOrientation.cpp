@@ -1,5 +1,7 @@
 #include <nqControlCore/foundation/math/NqOrientation.h>
 
+#include <nqControlCore/foundation/math/NqMath.h>
+
 #include <limits>
 
 namespace {
@@ -11,12 +13,13 @@ constexpr double kUnitLengthTolerance = 16.0 * std::numeric_limits<double>::epsi
 } // namespace
 
 void NqOrientation::setFromAngleAxis(double angle, const NqVector& axis) {
-    const double length = axis.mag();
+    const NqVector scaled = axis * NqMath::scaleForSquares(axis.x(), axis.y(), axis.z());
+    const double length = scaled.mag();
     if (length == 0.0) {
         *this = NqOrientation();
         return;
     }
-    const NqVector u = (std::sin(0.5 * angle) / length) * axis;
+    const NqVector u = (std::sin(0.5 * angle) / length) * scaled;
     *this = NqOrientation(std::cos(0.5 * angle), u[0], u[1], u[2]);
 }
 
@@ -28,6 +31,11 @@ void NqOrientation::getAngleAxis(double& angle, NqVector& axis) const {
 }
 
 void NqOrientation::setFromQuaternion(double q0, double q1, double q2, double q3) {
+    const double scale = NqMath::scaleForSquares(q0, q1, q2, q3);
+    q0 *= scale;
+    q1 *= scale;
+    q2 *= scale;
+    q3 *= scale;
     const double squared = q0 * q0 + q1 * q1 + q2 * q2 + q3 * q3;
     if (squared == 0.0) {
         *this = NqOrientation();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <nqControlCore/foundation/math/NqMath.h>
 #include <nqControlCore/foundation/math/NqVector.h>
 
 /// A vector in the plane: x, y, by index 0 and 1 or by name. The index is not checked.
@@ -36,10 +37,12 @@ public:
     constexpr double magSquared() const { return x() * x() + y() * y(); }
     double mag() const { return std::sqrt(magSquared()); }
 
-    /// This vector at length 1; the x axis for the zero vector.
+    /// This vector at length 1, however short or long it is; the x axis for the zero vector.
     NqPlanarVector unitVector() const {
-        const double length = mag();
-        return length == 0.0 ? NqPlanarVector(1.0, 0.0) : *this / length;
+        const double scale = NqMath::scaleForSquares(x(), y());
+        const NqPlanarVector scaled(x() * scale, y() * scale);
+        const double length = scaled.mag();
+        return length == 0.0 ? NqPlanarVector(1.0, 0.0) : scaled / length;
     }
 
 private:

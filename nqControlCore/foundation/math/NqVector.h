@@ -1,5 +1,7 @@
 #pragma once
 
+#include <nqControlCore/foundation/math/NqMath.h>
+
 #include <cmath>
 
 /// A vector in three dimensions: x, y, z, by index 0 to 2 or by name. The index is not checked.
@@ -61,10 +63,11 @@ public:
     constexpr double magSquared() const { return dot(*this); }
     double mag() const { return std::sqrt(magSquared()); }
 
-    /// This vector at length 1; the x axis for the zero vector.
+    /// This vector at length 1, however short or long it is; the x axis for the zero vector.
     NqVector unitVector() const {
-        const double length = mag();
-        return length == 0.0 ? xVector(1.0) : *this / length;
+        const NqVector scaled = *this * NqMath::scaleForSquares(x(), y(), z());
+        const double length = scaled.mag();
+        return length == 0.0 ? xVector(1.0) : scaled / length;
     }
     /// Brings this vector to length 1, as unitVector() does.
     NqVector& normalize() { return *this = unitVector(); }

@@ -230,9 +230,24 @@ public:
     virtual double sum() const;
 
 private:
+    /// Prints that operands don't fit the operation. False.
+    static bool refuse(const char* operation);
     bool isRectangular() const;
     bool isSquare() const;
     bool hasShapeOf(const NqReArray& other) const;
+    template <typename Beats>
+    double extreme(const char* operation, const Beats& beats) const;
+
+    // What public operations share; `operation` is the one that a refusal names.
+    bool multiply(const char* operation, const NqReArray& array, NqReArray& result) const;
+    bool multiplyByTranspose(const char* operation, const NqReArray& array, NqReArray& result) const;
+    bool multiplyTransposed(const char* operation, const NqReArray& array, NqReArray& result) const;
+    bool addOuterProduct(const char* operation, const std::vector<double>& v, double weight);
+    bool substituteInRows(const char* operation, const NqReArray& rightHandSides, NqReArray& solution,
+                          bool withBack) const;
+    bool substituteInColumns(const char* operation, const NqReArray& rightHandSides, NqReArray& solution,
+                             bool withBack) const;
+
     bool factor(std::vector<unsigned int>& pivots, double& sign, bool skipZeros);
     bool fitsNullSpace(const char* operation, const NqReArray& basis, unsigned m) const;
     bool zerosHold(unsigned m, const std::vector<unsigned int>& zeroStart,

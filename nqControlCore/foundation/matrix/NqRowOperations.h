@@ -6,10 +6,9 @@
 #include <utility>
 
 /// Marks a function whose row operations are worth the widest vectors that the machine has: it is compiled
-/// for these too, where the compiler can, and the one that fits is chosen when the program starts. Its
-/// results are the same to the last bit, since products are never contracted.
-#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__linux__) &&                 \
-    defined(__OPTIMIZE__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+/// for these too, where compiler and C library can choose the one that fits when the program starts (the
+/// build finds that out). Its results are the same to the last bit, since products are never contracted.
+#if defined(NQ_HAVE_TARGET_CLONES) && defined(__OPTIMIZE__)
 #define NQ_WIDE_ROWS __attribute__((target_clones("avx2", "default")))
 #else
 #define NQ_WIDE_ROWS

@@ -7,6 +7,7 @@
 #include <nqControlCore/foundation/xml/NqXmlWriter.h>
 
 #include <algorithm>
+#include <memory>
 
 void NqXmlBaseVariableCompoundType::accept(NqXmlObjectVisitor* visitor) const {
     NqXmlObject::accept(visitor);

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <nqControlCore/foundation/xml/NqXmlBasicType.h>
+#include <nqControlCore/xml/NqXmlOwned.h>
 #include <nqControlCore/xml/NqXmlVectorType.h>
 
 #include <map>
-#include <memory>
 
 /// A persistent object whose elements are objects of many classes: the name of an element tells which class
 /// to make.
@@ -86,24 +86,24 @@ protected:
     bool writeLibrarySchema(NqXmlSchema& schema) const;
 
     /// A new T for an element: by the creators of this object or else, while it is read, of the one around
-    /// it. Null where neither has such a class under the name.
+    /// it. Without an object where neither has such a class under the name.
     template <typename T>
-    std::unique_ptr<T> newComponent(const NqToken& token) const {
-        auto component = asComponent<T>(newObjectFromToken(token));
+    NqXmlOwned<T> newComponent(const NqToken& token) const {
+        T* component = asComponent<T>(newObjectFromToken(token));
         if (!component && m_OuterContext) {
             component = asComponent<T>(m_OuterContext->newObjectFromToken(token));
         }
-        return component;
+        return NqXmlOwned<T>(component);
     }
 
 private:
     template <typename T>
-    static std::unique_ptr<T> asComponent(NqXmlObject* object) {
+    static T* asComponent(NqXmlObject* object) {
         auto* component = dynamic_cast<T*>(object);
         if (!component) {
             delete object;
         }
-        return std::unique_ptr<T>(component);
+        return component;
     }
 
     bool readLibraries(NqXmlReader& reader);

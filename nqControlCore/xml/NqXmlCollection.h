@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <iosfwd>
 #include <string>
+#include <utility>
 
 class NqToken;
 class NqXmlObject;
@@ -26,6 +27,32 @@ bool checkRange(const char* signature, unsigned first, unsigned last, std::size_
 /// The same for a range that must not be empty, reported in the name of the operation.
 bool checkFilledRange(const char* signature, const char* operation, unsigned first, unsigned last,
                       std::size_t size);
+
+/// Moves the first `count` elements to the end. False where `count` isn't below the size.
+template <typename Elements>
+bool leftRotate(Elements& elements, unsigned count) {
+    if (count >= elements.size()) {
+        return false;
+    }
+    Elements rotated;
+    rotated.reserve(elements.size());
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+        rotated.push_back(std::move(elements[(i + count) % elements.size()]));
+    }
+    elements.swap(rotated);
+    return true;
+}
+
+/// Whether the operation is true for every element; ends at the first for which it isn't.
+template <typename Elements, typename Operation>
+bool forAll(const Elements& elements, Operation operation) {
+    for (const auto& element : elements) {
+        if (!operation(element)) {
+            return false;
+        }
+    }
+    return true;
+}
 
 /// Writes the size as the count attribute of the element that the writer has open.
 bool writeCount(NqXmlWriter& writer, std::size_t size);

@@ -6,7 +6,6 @@
 #include <nqControlCore/xml/NqXmlCollection.h>
 #include <nqControlCore/xml/NqXmlMapEntryReading.h>
 
-#include <algorithm>
 #include <iterator>
 #include <map>
 
@@ -88,7 +87,7 @@ public:
     }
 
     bool write(NqXmlWriter& writer) const override {
-        return NqXmlObject::write(writer) && std::ranges::all_of(m_Entries, [&](const auto& entry) {
+        return NqXmlObject::write(writer) && NqXmlCollection::forAll(m_Entries, [&](const auto& entry) {
                    return NqXmlCollection::writePair(writer, entry.first, NqXml::NqValueToken, entry.second);
                });
     }

@@ -4,37 +4,40 @@
 
 #include <cstddef>
 #include <iterator>
-#include <memory>
 #include <new>
 #include <type_traits>
 #include <utility>
 
-/// Owns one object of a class derived from T, and is never without it but when moved from. A copy owns a
-/// clone, and two are equal when their objects are of one class and equal.
+/// Owns one object of a class derived from T. It is without one only when it was given null or moved from:
+/// then it may be tested, moved, replaced and destroyed. A copy owns a clone, and two are equal when their
+/// objects are of one class and equal.
 template <typename T>
 class NqXmlOwned {
 public:
-    explicit NqXmlOwned(std::unique_ptr<T> object) : m_Object(std::move(object)) {}
+    explicit NqXmlOwned(T* object) noexcept : m_Object(object) {}
     explicit NqXmlOwned(const T& object) : m_Object(static_cast<T*>(object.clone())) {
         if (!m_Object) {
             throw std::bad_alloc(); // as any container does when there is no memory for a copy
         }
     }
     NqXmlOwned(const NqXmlOwned& other) : NqXmlOwned(*other) {}
-    NqXmlOwned(NqXmlOwned&&) noexcept = default;
-    NqXmlOwned& operator=(const NqXmlOwned& other) { return *this = NqXmlOwned(other); }
-    NqXmlOwned& operator=(NqXmlOwned&&) noexcept = default;
-    ~NqXmlOwned() = default;
+    NqXmlOwned(NqXmlOwned&& other) noexcept : m_Object(std::exchange(other.m_Object, nullptr)) {}
+    NqXmlOwned& operator=(NqXmlOwned other) noexcept {
+        std::swap(m_Object, other.m_Object);
+        return *this;
+    }
+    ~NqXmlOwned() { delete m_Object; }
 
+    explicit operator bool() const { return m_Object != nullptr; }
     T& operator*() { return *m_Object; }
     const T& operator*() const { return *m_Object; }
-    T* operator->() { return m_Object.get(); }
-    const T* operator->() const { return m_Object.get(); }
+    T* operator->() { return m_Object; }
+    const T* operator->() const { return m_Object; }
 
     friend bool operator==(const NqXmlOwned& a, const NqXmlOwned& b) { return a->equality(&*b); }
 
 private:
-    std::unique_ptr<T> m_Object;
+    T* m_Object;
 };
 
 /// Walks over the objects that a container of NqXmlOwned holds. Wrapped is the container's iterator, and T

@@ -5,7 +5,6 @@
 #include <nqControlCore/xml/NqXmlCollection.h>
 #include <nqControlCore/xml/NqXmlCollectionReading.h>
 
-#include <algorithm>
 #include <set>
 
 /// A set of XML objects of one type, in rising order. In a file it has the form of an NqXmlVectorType.
@@ -57,7 +56,7 @@ public:
         const bool isBasic = !empty() && m_Elements.begin()->isBasicType();
         return NqXmlObject::write(writer) && NqXmlCollection::writeCount(writer, size()) &&
                NqXmlCollection::beginList(writer, isBasic) &&
-               std::ranges::all_of(
+               NqXmlCollection::forAll(
                    m_Elements,
                    [&](const T& element) { return NqXmlCollection::writeEntry(writer, element); }) &&
                NqXmlCollection::endList(writer, isBasic);

@@ -1,10 +1,9 @@
 #pragma once
 
+#include <nqControlCore/foundation/xml/NqXmlSchema.h>
 #include <nqControlCore/xml/NqXmlBaseVariableCompoundType.h>
 #include <nqControlCore/xml/NqXmlMapEntryReading.h>
-#include <nqControlCore/xml/NqXmlOwned.h>
 
-#include <algorithm>
 #include <map>
 
 /// Heap objects of classes derived from V by keys; it owns them, and V may be abstract.
@@ -75,7 +74,7 @@ public:
     }
 
     bool write(NqXmlWriter& writer) const override {
-        return Variable::write(writer) && std::ranges::all_of(m_Entries, [&](const auto& entry) {
+        return Variable::write(writer) && NqXmlCollection::forAll(m_Entries, [&](const auto& entry) {
                    return NqXmlCollection::writePair(writer, entry.first, entry.second->token(),
                                                      *entry.second);
                });
@@ -99,7 +98,7 @@ protected:
         if (!entry.readKey(key) || !entry.nextValue()) {
             return false;
         }
-        std::unique_ptr<V> value = this->template newComponent<V>(reader.token());
+        NqXmlOwned<V> value = this->template newComponent<V>(reader.token());
         if (!value) {
             NqXmlCollection::reportUnregistered(reader, __PRETTY_FUNCTION__, kRead);
             return false;

@@ -1,9 +1,7 @@
 #pragma once
 
 #include <nqControlCore/xml/NqXmlBaseVariableCompoundType.h>
-#include <nqControlCore/xml/NqXmlOwned.h>
 
-#include <algorithm>
 #include <vector>
 
 /// A list of heap objects of classes derived from T, which it owns; T may be abstract.
@@ -70,7 +68,9 @@ public:
     virtual void append(const NqXmlVariableVectorType& other) {
         Elements copies = other.m_Elements;
         m_Elements.reserve(m_Elements.size() + copies.size());
-        std::ranges::move(copies, std::back_inserter(m_Elements));
+        for (NqXmlOwned<T>& copy : copies) {
+            m_Elements.push_back(std::move(copy));
+        }
     }
     virtual void assign(unsigned count, const T& value) {
         Elements copies(count, NqXmlOwned<T>(value));
@@ -112,13 +112,7 @@ public:
     }
 
     /// Moves the first `count` elements to the end. False where `count` isn't below the size.
-    virtual bool leftRotate(unsigned count) {
-        if (count >= m_Elements.size()) {
-            return false;
-        }
-        std::rotate(m_Elements.begin(), m_Elements.begin() + count, m_Elements.end());
-        return true;
-    }
+    virtual bool leftRotate(unsigned count) { return NqXmlCollection::leftRotate(m_Elements, count); }
 
     /// Replaces the elements by those of the file. An element of which no class is known is reported, and
     /// makes the result false. A wrong count is only reported.
@@ -154,7 +148,7 @@ protected:
         if (NqXml::NqAddLibrariesToken.names(token)) {
             return Variable::readValueFromToken(token, reader);
         }
-        std::unique_ptr<T> element = this->template newComponent<T>(token);
+        NqXmlOwned<T> element = this->template newComponent<T>(token);
         if (!element) {
             NqXmlCollection::reportUnregistered(reader, __PRETTY_FUNCTION__,
                                                 "NqXmlVariableVectorType::readValueFromToken()");
@@ -162,7 +156,7 @@ protected:
         }
         const bool good = element->read(reader);
         if (reader.good()) { // an element at which the document breaks off is a fragment
-            m_Elements.emplace_back(std::move(element));
+            m_Elements.push_back(std::move(element));
         }
         return good;
     }
@@ -179,7 +173,7 @@ private:
     }
 
     bool writeElements(NqXmlWriter& writer) const {
-        return std::ranges::all_of(m_Elements, [&](const NqXmlOwned<T>& element) {
+        return NqXmlCollection::forAll(m_Elements, [&](const NqXmlOwned<T>& element) {
             return NqXmlCollection::writeNamed(writer, element->token(), *element);
         });
     }

@@ -2,11 +2,11 @@
 
 #include <nqControlCore/foundation/xml/NqXmlConcrete.h>
 #include <nqControlCore/foundation/xml/NqXmlTokens.h>
+#include <nqControlCore/foundation/xml/NqXmlVectorBasicType.h>
 #include <nqControlCore/xml/NqXmlCollection.h>
 #include <nqControlCore/xml/NqXmlCollectionReading.h>
 #include <nqControlCore/xml/NqXmlWrapper.h>
 
-#include <algorithm>
 #include <initializer_list>
 #include <type_traits>
 #include <vector>
@@ -98,13 +98,7 @@ public:
     }
 
     /// Moves the first `count` elements to the end. False where `count` isn't below the size.
-    virtual bool leftRotate(unsigned count) {
-        if (count >= m_Elements.size()) {
-            return false;
-        }
-        std::rotate(m_Elements.begin(), m_Elements.begin() + count, m_Elements.end());
-        return true;
-    }
+    virtual bool leftRotate(unsigned count) { return NqXmlCollection::leftRotate(m_Elements, count); }
 
     /// Replaces the elements by those of the file. An element that is bad in itself keeps its place, with
     /// what could be read of it, and makes the result false. A wrong count is only reported.
@@ -145,7 +139,7 @@ private:
     static bool isBasicList() { return Wrapper().isBasicType(); }
 
     bool writeElements(NqXmlWriter& writer) const {
-        return std::ranges::all_of(m_Elements, [&](const T& element) {
+        return NqXmlCollection::forAll(m_Elements, [&](const T& element) {
             if constexpr (std::is_same_v<T, Wrapper>) {
                 return NqXmlCollection::writeEntry(writer, element);
             } else {

@@ -1,5 +1,16 @@
 #include <nqControlCore/xml/NqControlCoreTokens.h>
 
+#include <nqControlCore/core/NqControlParameters.h>
+#include <nqControlCore/core/NqCoreResult.h>
+#include <nqControlCore/core/NqManipulatorEndEffectorAcceleration.h>
+#include <nqControlCore/core/NqManipulatorEndEffectorForce.h>
+#include <nqControlCore/core/NqManipulatorEndEffectorVelocity.h>
+#include <nqControlCore/endeffector/NqEndEffectorMap.h>
+#include <nqControlCore/endeffector/NqEndEffectorVector.h>
+#include <nqControlCore/foundation/manipulator/NqAccelerationState.h>
+#include <nqControlCore/foundation/manipulator/NqPositionState.h>
+#include <nqControlCore/foundation/manipulator/NqVelocityState.h>
+
 #include <gtest/gtest.h>
 
 #include <map>
@@ -108,6 +119,25 @@ TEST(NqToken, OwnsWhatIsNoConstant) {
     EXPECT_EQ(copy, late);
     EXPECT_EQ(copy, NqToken(copy.c_str())); // wherever the text is divided
     EXPECT_TRUE(kMine < copy && !(copy < kMine) && NqToken("a") < NqToken("\xC3"));
+}
+
+template <typename... Records>
+std::string namesOf() {
+    std::string names;
+    ((names += std::string(Records().token().localName()) + " "), ...);
+    return names;
+}
+
+TEST(NqControlCoreTokens, NameTheRecords) {
+    using namespace NqControlCore;
+    EXPECT_EQ((namesOf<NqCoreResult, NqControlParameters, NqManipulatorEndEffectorVelocity,
+                       NqManipulatorEndEffectorForce, NqManipulatorEndEffectorAcceleration,
+                       NqEndEffectorRelativeLinkData, NqEndEffectorVector, NqEndEffectorMap>()),
+              "coreResultToken controlParameters manipulatorEndEffectorVelocityToken "
+              "manipulatorEndEffectorForce manipulatorEndEffectorAcceleration relativeLinkData "
+              "endEffectorVector endEffectorMap ");
+    EXPECT_EQ((namesOf<NqPositionState, NqVelocityState, NqAccelerationState>()),
+              "positionState velocityState accelerationState ");
 }
 
 TEST(NqToken, NamesWithoutNamespaceAreThoseOfTheParent) {

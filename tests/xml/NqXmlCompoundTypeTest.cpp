@@ -91,6 +91,42 @@ TEST(NqXmlCompoundType, ComparesObjectsOfOneClass) {
     EXPECT_TRUE(NqTestTile().equality(std::make_unique<NqTestTile>().get()));
 }
 
+/// Counts the tables that are made for it.
+class NqCountedTile : public NqXmlConcrete<NqCountedTile, NqTestTile> {
+public:
+    static const NqToken& classToken() { return NqControlCore::NqColumnToken; }
+    static inline unsigned theTables = 0;
+
+protected:
+    NqXmlComponentMap* newComponentMap() const override {
+        ++theTables;
+        return NqTestTile::newComponentMap();
+    }
+};
+
+TEST(NqXmlCompoundType, KeepsTablesThatAreKnownOutside) {
+    const NqCountedTile tile;
+    for (unsigned i = 1; i <= 3; ++i) { // elements and attributes, for each document
+        nqWritten(tile);
+        EXPECT_EQ(NqCountedTile::theTables, 2 * i);
+    }
+    const NqXmlComponentMap& map = tile.componentMap();
+    const unsigned tables = NqCountedTile::theTables;
+    nqWritten(tile);
+    EXPECT_EQ(NqCountedTile::theTables, tables);
+    EXPECT_EQ(map.begin()->object, &tile.m_Side);
+
+    NqTestSquare square;
+    NqXmlBasicType<int> extra(7);
+    square.registerComponent("extra", &extra);
+    const std::string document = nqWritten(square);
+    EXPECT_NE(document.find("<extra>7</extra>"), std::string::npos);
+    extra = 0;
+    ASSERT_TRUE(NqXmlDocument::readString(document, square));
+    EXPECT_EQ(extra, 7);
+    EXPECT_EQ(nqWritten(square), document);
+}
+
 // What would lose components in silence does not compile; see also NqXmlMisuse.cpp.
 template <typename Token>
 concept NqNamesAComponent = requires(Token&& token) {

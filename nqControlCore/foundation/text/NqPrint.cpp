@@ -2,23 +2,29 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 #include <mutex>
 
 namespace Nq {
 
 namespace {
 
-/// Held while a line goes out and while the sink changes, so that no sink runs once it has been replaced. A
-/// sink may itself print or set a sink.
-std::recursive_mutex& printMutex() {
-    static std::recursive_mutex theMutex;
-    return theMutex;
-}
-
 constexpr std::string_view kFlagsWidthPrecision = "-+ #0123456789.";
 constexpr std::string_view kLengthModifiers = "hljztL";
 
 } // namespace
+
+struct Print::State {
+    /// Held while a line goes out and while the sink changes, so that no sink runs once it has been replaced.
+    /// A sink may itself print or set a sink.
+    std::recursive_mutex mutex;
+    std::shared_ptr<const Sink> sink;
+};
+
+Print::State& Print::state() {
+    static auto& theState = *new State; // static objects may print as late as they go
+    return theState;
+}
 
 Print::Stream::Stream(Print& print, unsigned printType, const char* functionSignature)
     : m_Print(print), m_PrintType(printType) {
@@ -36,8 +42,8 @@ Print& Print::instance() {
 
 void Print::setSink(Sink sink) {
     auto replacement = sink ? std::make_shared<const Sink>(std::move(sink)) : nullptr;
-    const std::scoped_lock lock(printMutex());
-    m_Sink.swap(replacement);
+    const std::scoped_lock lock(state().mutex);
+    state().sink.swap(replacement);
 }
 
 Print::Stream Print::ostream(unsigned printType, const char* functionSignature) {
@@ -45,8 +51,9 @@ Print::Stream Print::ostream(unsigned printType, const char* functionSignature) 
 }
 
 void Print::emit(unsigned printType, const std::string& text) {
-    const std::scoped_lock lock(printMutex());
-    if (const std::shared_ptr<const Sink> sink = m_Sink) { // kept while it runs, even if it replaces itself
+    const std::scoped_lock lock(state().mutex);
+    if (const std::shared_ptr<const Sink> sink =
+            state().sink) { // kept while it runs, even if it replaces itself
         (*sink)(printType, text);
     } else {
         std::fwrite(text.data(), 1, text.size(), stderr);

@@ -2,7 +2,6 @@
 
 #include <functional>
 #include <initializer_list>
-#include <memory>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -90,7 +89,8 @@ private:
     static void append(std::string& out, std::string_view conversion, const Argument& argument);
     void emit(unsigned printType, const std::string& text);
 
-    std::shared_ptr<const Sink> m_Sink;
+    struct State;
+    static State& state();
 };
 
 } // namespace Nq

@@ -49,6 +49,11 @@ bool NqXmlBasicType<T>::setValueFromString(const std::string& text) {
     }
 }
 
+template <typename T>
+bool NqXmlBasicType<T>::writeSchemaType(NqXmlSchema& schema) {
+    return schema.writeSimpleType(typeid(T));
+}
+
 template class NqXmlBasicType<double>;
 template class NqXmlBasicType<int>;
 template class NqXmlBasicType<unsigned int>;

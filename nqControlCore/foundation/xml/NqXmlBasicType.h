@@ -2,7 +2,6 @@
 
 #include <nqControlCore/foundation/xml/NqXmlValueType.h>
 
-#include <compare>
 #include <concepts>
 #include <string>
 
@@ -46,7 +45,7 @@ public:
     /// "true", "false", "1" or "0". False, and the value kept, where the text is no such value.
     bool setValueFromString(const std::string& text);
 
-    static bool writeSchemaType(NqXmlSchema& schema) { return schema.writeSimpleType(typeid(T)); }
+    static bool writeSchemaType(NqXmlSchema& schema);
 };
 
 extern template class NqXmlBasicType<double>;

@@ -2,7 +2,6 @@
 
 #include <nqControlCore/foundation/xml/NqToken.h>
 
-#include <algorithm>
 #include <vector>
 
 class NqXmlObject;
@@ -18,21 +17,10 @@ public:
     };
 
     /// Binds a name to a field. A name that is registered again keeps its place and takes the new field.
-    void add(const NqToken& token, NqXmlObject* object, bool isReadOnly) {
-        const auto entry = std::ranges::find(m_Entries, token, &Entry::token);
-        if (entry != m_Entries.end()) {
-            *entry = {token, object, isReadOnly};
-        } else {
-            m_Entries.push_back({token, object, isReadOnly});
-        }
-    }
+    void add(const NqToken& token, NqXmlObject* object, bool isReadOnly);
 
     /// The entry that a name in a file stands for, null if there is none.
-    const Entry* find(const NqToken& token) const {
-        const auto entry =
-            std::ranges::find_if(m_Entries, [&](const Entry& e) { return e.token.names(token); });
-        return entry == m_Entries.end() ? nullptr : &*entry;
-    }
+    const Entry* find(const NqToken& token) const;
 
     std::size_t size() const { return m_Entries.size(); }
     bool empty() const { return m_Entries.empty(); }

@@ -6,7 +6,60 @@
 #include <nqControlCore/foundation/xml/NqXmlSchema.h>
 #include <nqControlCore/foundation/xml/NqXmlWriter.h>
 
+#include <memory>
+#include <utility>
+
+struct NqXmlCompoundType::Tables {
+    std::unique_ptr<NqXmlComponentMap> components;
+    std::unique_ptr<NqXmlComponentMap> attributes;
+    std::unique_ptr<SpecialDescriptorMap> specialDescriptors;
+    bool isRegistering = false;
+    bool isComplete = false; ///< registerComponents() has filled them
+    bool isExtended = false; ///< they hold what registerComponents() has not given
+};
+
+/// Makes the tables for an operation, and drops them behind it if they weren't there before.
+class NqXmlCompoundType::TablesInUse {
+public:
+    explicit TablesInUse(const NqXmlCompoundType& object)
+        : m_Object(object), m_WereThere(object.m_Tables != nullptr) {
+        object.ensureTables();
+    }
+    TablesInUse(const TablesInUse&) = delete;
+    TablesInUse& operator=(const TablesInUse&) = delete;
+    ~TablesInUse() {
+        if (!m_WereThere && !m_Object.m_Tables->isExtended) {
+            delete std::exchange(m_Object.m_Tables, nullptr);
+        }
+    }
+
+private:
+    const NqXmlCompoundType& m_Object;
+    bool m_WereThere;
+};
+
+NqXmlCompoundType::~NqXmlCompoundType() {
+    delete m_Tables;
+}
+
+NqXmlCompoundType::Tables& NqXmlCompoundType::tables() const {
+    if (!m_Tables) {
+        m_Tables = new Tables;
+    }
+    return *m_Tables;
+}
+
+void NqXmlCompoundType::ensureTables() const {
+    ensureInitialized();
+    if (!tables().isComplete) {
+        m_Tables->isComplete = m_Tables->isRegistering = true;
+        const_cast<NqXmlCompoundType*>(this)->registerComponents(); // which fills mutable tables alone
+        m_Tables->isRegistering = false;
+    }
+}
+
 void NqXmlCompoundType::accept(NqXmlObjectVisitor* visitor) const {
+    const TablesInUse inUse(*this);
     NqXmlObject::accept(visitor);
     for (const auto* map : {&attributeComponentMap(), &componentMap()}) {
         for (const auto& entry : *map) {
@@ -16,13 +69,13 @@ void NqXmlCompoundType::accept(NqXmlObjectVisitor* visitor) const {
 }
 
 bool NqXmlCompoundType::xmlInit() {
-    if (!xmlInitialized()) {
-        registerComponents();
-    }
-    return NqXmlObject::xmlInit();
+    const bool initialized = NqXmlObject::xmlInit();
+    ensureTables();
+    return initialized;
 }
 
 bool NqXmlCompoundType::read(NqXmlReader& reader) {
+    const TablesInUse inUse(*this);
     if (!NqXmlObject::read(reader)) {
         return false;
     }
@@ -40,10 +93,12 @@ bool NqXmlCompoundType::readAttribute(NqXmlReader& reader) {
 }
 
 bool NqXmlCompoundType::write(NqXmlWriter& writer) const {
+    const TablesInUse inUse(*this);
     return NqXmlObject::write(writer) && writeAttributes(writer) && writeElements(writer);
 }
 
 bool NqXmlCompoundType::writeSchema(NqXmlSchema& schema) const {
+    const TablesInUse inUse(*this);
     return NqXmlObject::writeSchema(schema) && schema.beginComplexType() && writeSchemaElements(schema) &&
            schema.endContent() && writeSchemaAttributes(schema) && schema.endComplexType();
 }
@@ -137,34 +192,42 @@ bool NqXmlCompoundType::writeSchemaElements(NqXmlSchema& schema) const {
 
 void NqXmlCompoundType::registerComponents() {}
 
+void NqXmlCompoundType::registerIn(NqXmlComponentMap& map, const NqToken& token, NqXmlObject* component,
+                                   bool isReadOnly) {
+    map.add(token, component, isReadOnly);
+    m_Tables->isExtended = m_Tables->isExtended || !m_Tables->isRegistering;
+}
+
 void NqXmlCompoundType::registerComponent(const NqToken& token, NqXmlObject* component) {
-    createComponentMap().add(token, component, false);
+    registerIn(createComponentMap(), token, component, false);
 }
 
 void NqXmlCompoundType::registerComponentReadOnly(const NqToken& token, NqXmlObject* component) {
-    createComponentMap().add(token, component, true);
+    registerIn(createComponentMap(), token, component, true);
 }
 
 const NqXmlComponentMap& NqXmlCompoundType::componentMap() const {
-    ensureInitialized();
+    ensureTables();
     return createComponentMap();
 }
 
 void NqXmlCompoundType::registerAttributeComponent(const NqToken& token, NqXmlObject* component) {
-    createAttributeComponentMap().add(token, component, false);
+    registerIn(createAttributeComponentMap(), token, component, false);
 }
 
 void NqXmlCompoundType::registerAttributeComponentReadOnly(const NqToken& token, NqXmlObject* component) {
-    createAttributeComponentMap().add(token, component, true);
+    registerIn(createAttributeComponentMap(), token, component, true);
 }
 
 const NqXmlComponentMap& NqXmlCompoundType::attributeComponentMap() const {
     static const NqXmlComponentMap theEmptyMap;
-    ensureInitialized();
-    return m_AttributeComponents ? *m_AttributeComponents : theEmptyMap;
+    ensureTables();
+    return m_Tables->attributes ? *m_Tables->attributes : theEmptyMap;
 }
 
 NqXmlCompoundType::SpecialDescriptorMap& NqXmlCompoundType::specialDescriptorMap() {
+    ensureTables();
+    m_Tables->isExtended = true; // as it may be
     return createSpecialDescriptorMap();
 }
 
@@ -201,33 +264,36 @@ bool NqXmlCompoundType::readAttributeFromToken(const NqToken& token, NqXmlReader
     return good;
 }
 
-std::unique_ptr<NqXmlComponentMap> NqXmlCompoundType::newComponentMap() const {
-    return std::make_unique<NqXmlComponentMap>();
+NqXmlComponentMap* NqXmlCompoundType::newComponentMap() const {
+    return new NqXmlComponentMap;
 }
 
-std::unique_ptr<NqXmlCompoundType::SpecialDescriptorMap> NqXmlCompoundType::newSpecialDescriptorMap() {
-    return std::make_unique<SpecialDescriptorMap>();
+NqXmlCompoundType::SpecialDescriptorMap* NqXmlCompoundType::newSpecialDescriptorMap() const {
+    return new SpecialDescriptorMap;
 }
 
 NqXmlComponentMap& NqXmlCompoundType::createComponentMap() const {
-    if (!m_Components) {
-        m_Components = newComponentMap();
+    Tables& own = tables();
+    if (!own.components) {
+        own.components.reset(newComponentMap());
     }
-    return *m_Components;
+    return *own.components;
 }
 
 NqXmlComponentMap& NqXmlCompoundType::createAttributeComponentMap() {
-    if (!m_AttributeComponents) {
-        m_AttributeComponents = newComponentMap();
+    Tables& own = tables();
+    if (!own.attributes) {
+        own.attributes.reset(newComponentMap());
     }
-    return *m_AttributeComponents;
+    return *own.attributes;
 }
 
 NqXmlCompoundType::SpecialDescriptorMap& NqXmlCompoundType::createSpecialDescriptorMap() {
-    if (!m_SpecialDescriptors) {
-        m_SpecialDescriptors = newSpecialDescriptorMap();
+    Tables& own = tables();
+    if (!own.specialDescriptors) {
+        own.specialDescriptors.reset(newSpecialDescriptorMap());
     }
-    return *m_SpecialDescriptors;
+    return *own.specialDescriptors;
 }
 
 bool NqXmlCompoundType::isReadOnlyComponent(const NqToken& token) const {

@@ -5,19 +5,21 @@
 
 #include <concepts>
 #include <map>
-#include <memory>
 #include <tuple>
 
 /// A persistent object with named components: fields of its own that are written as elements or attributes.
 ///
-/// A class registers its components in registerComponents(), its base's first. The tables are made when they
-/// are first needed and belong to one object: a copy makes its own. Most classes get all of this, and their
-/// clone, equality and so on, from NqXmlPersistent.
+/// A class registers its components in registerComponents(), its base's first. The tables belong to one
+/// object and are made when they are needed: what a read or write makes for itself is gone behind it, so that
+/// an object in memory costs no more than its fields. Whoever asks for a table, or adds to it from outside,
+/// keeps it for the life of the object. Most classes get all of this, and their clone, equality and so on,
+/// from NqXmlPersistent.
 class NqXmlCompoundType : public NqXmlObject {
 public:
     using SpecialDescriptorMap = std::map<NqToken, unsigned int>;
 
     NqXmlCompoundType() = default;
+    ~NqXmlCompoundType() override;
     NqXmlCompoundType(const NqXmlCompoundType& other) noexcept : NqXmlObject(other) {}
     NqXmlCompoundType& operator=(const NqXmlCompoundType& other) noexcept {
         NqXmlObject::operator=(other);
@@ -84,8 +86,9 @@ protected:
     /// Reads the attribute component of that name from the reader's current attribute; others are passed by.
     virtual bool readAttributeFromToken(const NqToken& token, NqXmlReader& reader);
 
-    virtual std::unique_ptr<NqXmlComponentMap> newComponentMap() const;
-    virtual std::unique_ptr<SpecialDescriptorMap> newSpecialDescriptorMap();
+    /// New tables, owned by the caller, and those of this object, which are made if there are none.
+    virtual NqXmlComponentMap* newComponentMap() const;
+    virtual SpecialDescriptorMap* newSpecialDescriptorMap() const;
     virtual NqXmlComponentMap& createComponentMap() const;
     virtual NqXmlComponentMap& createAttributeComponentMap();
     virtual SpecialDescriptorMap& createSpecialDescriptorMap();
@@ -100,12 +103,17 @@ private:
     friend struct NqXmlComponentAccess;
     static std::tuple<> components() { return {}; } ///< what classes without a list of their own inherit
 
+    struct Tables;
+    class TablesInUse;
+
+    Tables& tables() const;
+    void ensureTables() const;
+    void registerIn(NqXmlComponentMap& map, const NqToken& token, NqXmlObject* component, bool isReadOnly);
+
     template <typename WriteComponent>
     bool writeComponents(NqXmlWriter& writer, const NqXmlComponentMap& map,
                          const NqXmlComponentMap& (NqXmlCompoundType::*mapOf)() const,
                          WriteComponent writeComponent) const;
 
-    mutable std::unique_ptr<NqXmlComponentMap> m_Components;
-    mutable std::unique_ptr<NqXmlComponentMap> m_AttributeComponents;
-    mutable std::unique_ptr<SpecialDescriptorMap> m_SpecialDescriptors;
+    mutable Tables* m_Tables = nullptr;
 };

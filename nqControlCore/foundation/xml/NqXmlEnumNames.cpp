@@ -21,11 +21,11 @@ const NqXmlEnumNames& NqXmlEnumNames::with(long long value, std::string_view nam
     if (known != m_Longer.end()) {
         return **known;
     }
-    std::unique_ptr<NqXmlEnumNames> longer(new NqXmlEnumNames);
+    auto* longer = new NqXmlEnumNames;
     longer->m_Names = m_Names;
     std::erase_if(longer->m_Names, [&](const Name& old) { return old.second == name; });
     longer->m_Names.emplace_back(value, name);
-    return *m_Longer.emplace_back(std::move(longer));
+    return *m_Longer.emplace_back(longer);
 }
 
 const std::string* NqXmlEnumNames::nameOf(long long value) const {

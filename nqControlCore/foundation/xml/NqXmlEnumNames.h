@@ -1,6 +1,5 @@
 #pragma once
 
-#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -28,5 +27,5 @@ private:
     NqXmlEnumNames() = default;
 
     std::vector<Name> m_Names;
-    mutable std::vector<std::unique_ptr<const NqXmlEnumNames>> m_Longer; ///< that were made from this
+    mutable std::vector<const NqXmlEnumNames*> m_Longer; ///< that were made from this
 };

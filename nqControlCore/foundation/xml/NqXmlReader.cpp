@@ -138,7 +138,9 @@ NqXmlReader::NqXmlReader(const std::string& fileName, std::string_view document)
     m_Implementation->open(this);
 }
 
-NqXmlReader::~NqXmlReader() = default;
+NqXmlReader::~NqXmlReader() {
+    delete m_Implementation;
+}
 
 unsigned NqXmlReader::attributeCount() const {
     return static_cast<unsigned>(m_Implementation->attributes.size());

@@ -2,7 +2,6 @@
 
 #include <nqControlCore/foundation/xml/NqToken.h>
 
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -114,5 +113,5 @@ private:
     void reportAt(unsigned line, const std::string& message);
     void fail(const std::string& message);
 
-    std::unique_ptr<Implementation> m_Implementation;
+    Implementation* const m_Implementation;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <nqControlCore/foundation/xml/NqXmlVectorBasicType.h>
+#include <nqControlCore/foundation/xml/NqXmlNumberList.h>
+#include <nqControlCore/foundation/xml/NqXmlValueType.h>
 
 #include <array>
 
@@ -13,17 +14,21 @@ class NqXmlRealTupleType : public NqXmlValueType<Derived, T> {
 public:
     using NqXmlValueType<Derived, T>::NqXmlValueType;
 
-    std::string toText() const { return nqToText(Derived::toNumbers(this->m_Value).data(), Count); }
+    std::string toText() const {
+        return NqXmlNumberList::toText(Derived::toNumbers(this->m_Value).data(), Count);
+    }
 
     /// Takes exactly `Count` numbers; false, and the value kept, for anything else.
     bool setValueFromString(const std::string& text) {
-        std::vector<double> numbers;
-        if (!nqAppendNumbers(text, numbers) || numbers.size() != Count) {
+        std::array<double, Count> numbers;
+        if (!NqXmlNumberList::take(text, numbers.data(), Count)) {
             return false;
         }
         this->m_Value = Derived::fromNumbers(numbers.data());
         return true;
     }
 
-    static bool writeSchemaType(NqXmlSchema& schema) { return schema.writeListType(typeid(double), Count); }
+    static bool writeSchemaType(NqXmlSchema& schema) {
+        return NqXmlNumberList::writeSchemaType(schema, Count);
+    }
 };

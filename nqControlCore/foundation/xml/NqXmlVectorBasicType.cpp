@@ -1,28 +1,32 @@
 #include <nqControlCore/foundation/xml/NqXmlVectorBasicType.h>
 
-#include <nqControlCore/foundation/text/NqTextConversion.h>
+#include <nqControlCore/foundation/xml/NqXmlNumberList.h>
 
-std::string nqToText(const double* numbers, std::size_t count, unsigned columns) {
-    std::string text;
-    for (std::size_t i = 0; i < count; ++i) {
-        if (i != 0) {
-            text += columns != 0 && i % columns == 0 ? '\n' : ' ';
-        }
-        text += NqDOUBLE2STRING(numbers[i]);
-    }
-    return text;
+template <typename Element>
+std::string NqXmlVectorBasicType<Element>::toText() const {
+    return NqXmlNumberList::toText(this->m_Value.data(), this->m_Value.size());
 }
 
-bool nqAppendNumbers(std::string_view text, std::vector<double>& numbers) {
-    constexpr std::string_view kWhiteSpace = " \t\r\n";
-    for (std::size_t start = text.find_first_not_of(kWhiteSpace); start != std::string_view::npos;) {
-        const std::size_t end = text.find_first_of(kWhiteSpace, start);
-        double number = 0.0;
-        if (!nqParseReal(text.substr(start, end - start), number)) {
-            return false;
-        }
-        numbers.push_back(number);
-        start = end == std::string_view::npos ? end : text.find_first_not_of(kWhiteSpace, end);
+template <typename Element>
+bool NqXmlVectorBasicType<Element>::setValueFromString(const std::string& text) {
+    Numbers numbers;
+    if (!NqXmlNumberList::append(text, numbers)) {
+        return false;
     }
+    this->m_Value = std::move(numbers);
     return true;
 }
+
+template <typename Element>
+bool NqXmlVectorBasicType<Element>::writeSchemaType(NqXmlSchema& schema) {
+    return NqXmlNumberList::writeSchemaType(schema);
+}
+
+template <typename Element>
+bool NqXmlVectorBasicType<Element>::write(NqXmlWriter& writer) const {
+    return NqXmlObject::write(writer) &&
+           writer.data(NqXmlNumberList::toText(this->m_Value.data(), this->m_Value.size(),
+                                               writer.numOfContentColumns()));
+}
+
+template class NqXmlVectorBasicType<NqXmlBasicType<double>>;

@@ -2,14 +2,9 @@
 
 #include <nqControlCore/foundation/xml/NqXmlBasicType.h>
 
+#include <initializer_list>
 #include <string_view>
 #include <vector>
-
-/// Numbers separated by white space, as one text; with so many on a line, unless `columns` is 0.
-std::string nqToText(const double* numbers, std::size_t count, unsigned columns = 0);
-
-/// Appends the numbers of a text separated by white space. False where something else stands in it.
-bool nqAppendNumbers(std::string_view text, std::vector<double>& numbers);
 
 /// A vector of basic values that stands in a file as one list, its entries separated by white space. The
 /// element type is NqXmlBasicType<double>; the storage is a plain std::vector<double>, and the object passes
@@ -53,23 +48,15 @@ public:
     auto begin() const { return this->m_Value.begin(); }
     auto end() const { return this->m_Value.end(); }
 
-    std::string toText() const { return nqToText(this->m_Value.data(), this->m_Value.size()); }
-    bool setValueFromString(const std::string& text) {
-        Numbers numbers;
-        if (!nqAppendNumbers(text, numbers)) {
-            return false;
-        }
-        this->m_Value = std::move(numbers);
-        return true;
-    }
-    static bool writeSchemaType(NqXmlSchema& schema) { return schema.writeListType(typeid(Number)); }
+    std::string toText() const;
+    bool setValueFromString(const std::string& text);
+    static bool writeSchemaType(NqXmlSchema& schema);
 
     /// As other values, on as many lines as the writer's number of content columns says.
-    bool write(NqXmlWriter& writer) const override {
-        return NqXmlObject::write(writer) && writer.data(nqToText(this->m_Value.data(), this->m_Value.size(),
-                                                                  writer.numOfContentColumns()));
-    }
+    bool write(NqXmlWriter& writer) const override;
 };
+
+extern template class NqXmlVectorBasicType<NqXmlBasicType<double>>;
 
 /// The real vector that crosses most interfaces.
 using NqXmlRealVector = NqXmlVectorBasicType<NqXmlBasicType<double>>;

@@ -87,7 +87,7 @@ struct NqXmlWriter::Implementation {
 NqXmlWriter::NqXmlWriter(const std::string& fileName, std::ostream& stream)
     : m_Implementation(new Implementation(fileName, stream)) {
     if (auto* buffer =
-            xmlOutputBufferCreateIO(Implementation::writeBytes, nullptr, m_Implementation.get(), nullptr)) {
+            xmlOutputBufferCreateIO(Implementation::writeBytes, nullptr, m_Implementation, nullptr)) {
         m_Implementation->writer = xmlNewTextWriter(buffer);
     }
     check(m_Implementation->writer != nullptr && stream.good());
@@ -99,6 +99,7 @@ NqXmlWriter::~NqXmlWriter() {
         xmlTextWriterEndDocument(m_Implementation->writer);
         xmlFreeTextWriter(m_Implementation->writer);
     }
+    delete m_Implementation;
 }
 
 bool NqXmlWriter::check(bool succeeded) {

@@ -3,7 +3,6 @@
 #include <nqControlCore/foundation/xml/NqToken.h>
 
 #include <iosfwd>
-#include <memory>
 #include <string>
 #include <typeinfo>
 
@@ -114,6 +113,6 @@ private:
     bool checkName(const std::string& name);
     bool refuse(const char* complaint);
 
-    std::unique_ptr<Implementation> m_Implementation;
+    Implementation* const m_Implementation;
     const Default* m_Default = nullptr;
 };

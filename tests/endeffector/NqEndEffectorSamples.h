@@ -32,6 +32,8 @@ struct NqEndEffectorTraits {
     std::string whyNoError{};          ///< why errors aren't those of the placement, if they aren't
     std::string whyNoBaseMotion{};     ///< why the columns of the base aren't its motion, if they aren't
     std::string whyNoAcceleration{};   ///< why accelerations aren't those of the velocity, if they aren't
+    std::string whyNotDriven{};        ///< why the filter doesn't lead to a placement, if it doesn't
+    bool hasThreeHalves = true;        ///< whether a mode word stands for that profile
     std::string whyNoRelativeMotion{}; ///< why relative modes play no part, if they don't
 };
 

@@ -320,6 +320,116 @@ TEST_P(EveryEndEffector, RowsLieWhereTheyShouldAndNowhereElse) {
     EXPECT_TRUE(std::equal(alone.begin(), alone.end(), v.begin() + 1, v.end()));
 }
 
+TEST_P(EveryEndEffector, RowsGrowAndThenStay) {
+    const unsigned doc = endEffector->doc();
+    NqManipulatorActiveState state = nqRandomState(model, random);
+    const NqReArray alone = jacobian(state);
+    NqReArray stacked;
+    Sparsity fresh;
+    endEffector->insertSparsityComponent(manipulator, 0, {}, fixedBase, fresh);
+    Sparsity bits;
+    for (unsigned use = 0; use < 4; ++use) {
+        const unsigned row = use % 2 * doc;
+        endEffector->insertJacobianComponent(manipulator, row, {}, fixedBase, state, stacked);
+        endEffector->insertSparsityComponent(manipulator, row, {}, fixedBase, bits);
+        for (unsigned r = 0; r < doc; ++r) {
+            EXPECT_EQ(stacked[row + r], alone[r]) << "use " << use;
+            EXPECT_EQ(bits[row + r], fresh[r]) << "use " << use;
+        }
+        EXPECT_EQ(stacked.rows(), use == 0 ? doc : 2 * doc);
+    }
+
+    // Rows that are there lose their old bits, or get more where they are too few.
+    Sparsity old(doc, std::vector<bool>(fresh[0].size() + 3, true));
+    endEffector->insertSparsityComponent(manipulator, 0, {}, fixedBase, old);
+    EXPECT_EQ(old, fresh);
+    Sparsity narrow(doc, std::vector<bool>(1, true));
+    endEffector->insertSparsityComponent(manipulator, 1, {}, fixedBase, narrow);
+    ASSERT_EQ(narrow.size(), doc + 1);
+    EXPECT_EQ(narrow[0], std::vector<bool>(1, true)) << "a row of others";
+    for (unsigned r = 0; r < doc; ++r) {
+        ASSERT_EQ(narrow[1 + r].size(), fresh[r].size());
+        for (std::size_t c = 1; c < fresh[r].size(); ++c) {
+            EXPECT_EQ(narrow[1 + r][c], fresh[r][c]);
+        }
+    }
+}
+
+TEST_P(EveryEndEffector, LinksOfOtherManipulatorsMoveNoColumns) {
+    NqManipulatorActiveState state = nqRandomState(model, random);
+    NqPrintCapture capture;
+    for (const std::string& label : {model.relativeLink, std::string("on another manipulator")}) {
+        EXPECT_EQ(jacobian(state, relativeTo(label, RelativeData::relativeModeExternal)), jacobian(state));
+    }
+    EXPECT_EQ(capture.text(), "");
+}
+
+TEST_P(EveryEndEffector, WithoutFilteringTheWholeWayIsAskedFor) {
+    if (!kind.traits.whyNotDriven.empty()) {
+        RecordProperty("leftOut", kind.traits.whyNotDriven);
+        return;
+    }
+    constexpr double way = 1e-5; // so short that the way is straight
+    constexpr double timeStep = 0.002;
+    endEffector->setFilteringActive(false);
+    for (unsigned pose = 0; pose < poses; ++pose) {
+        NqManipulatorActiveState state = randomState(kind.traits.whyNoBaseMotion.empty());
+        NqManipulatorActiveState there = nqMoved(state, way);
+        NqEndEffectorPlacement target;
+        endEffector->calculatePlacement(manipulator, there, target);
+        const NqXmlRealVector still(endEffector->doc());
+        NqXmlRealVector command;
+        endEffector->filterEndEffectorVelocity(manipulator, target, still, still, timeStep, state, command);
+        std::vector<double> expected;
+        ASSERT_TRUE(jacobian(state).transform(rates(state), expected));
+        for (double& entry : expected) {
+            entry *= way / timeStep;
+        }
+        expectNear(command, expected, 1e-3 * way / timeStep, "command");
+    }
+}
+
+TEST_P(EveryEndEffector, ModeWordsAreTakenInAllSpellings) {
+    const NqLabelVector& labels = endEffector->editingLabels();
+    unsigned place = 0;
+    while (place < labels.size() && labels[place].value() != "Velocity Profile Type") {
+        ++place;
+    }
+    if (place == labels.size()) {
+        return;
+    }
+    struct Word {
+        const char* word;
+        const char* mode;
+    };
+    const char* third = kind.traits.hasThreeHalves ? "threeHalves" : "";
+    for (const Word& each :
+         {Word{"proportional", "proportional"}, Word{"Proportional", "proportional"},
+          Word{"PROPORTIONAL", "proportional"}, Word{"trapezoidal", "trapezoidal"},
+          Word{"Trapezoidal", "trapezoidal"}, Word{"TRAPEZOIDAL", "trapezoidal"}, Word{"threeHalves", third},
+          Word{"threehalves", third}, Word{"ThreeHalves", third}, Word{"THREEHALVES", third},
+          Word{"TrapeZoidal", ""}, Word{"", ""}}) {
+        for (const char* before : {"proportional", "trapezoidal"}) {
+            for (const char* word : {before, each.word}) {
+                NqLabelVector values = endEffector->editableValues();
+                values[place] = std::string(word);
+                endEffector->setEditableValues(values);
+            }
+            EXPECT_EQ(endEffector->editableValues()[place].value(), *each.mode ? each.mode : before)
+                << each.word << " after " << before;
+        }
+    }
+}
+
+TEST_P(EveryEndEffector, OneSetterSetsAccelerationAndDeceleration) {
+    endEffector->setAccelerationThreshold(0.6875);
+    const std::string text = nqWritten(*endEffector);
+    if (text.find("ccelerationThreshold>0.6875<") != std::string::npos) {
+        EXPECT_EQ(endEffector->accelerationThreshold(), 0.6875);
+        EXPECT_NE(text.find("ecelerationThreshold>0.6875<"), std::string::npos) << text;
+    }
+}
+
 TEST_P(EveryEndEffector, UnknownLabelsAreReportedAndHarmless) {
     NqManipulatorActiveState state = nqRandomState(model, random);
     NqPrintCapture capture;

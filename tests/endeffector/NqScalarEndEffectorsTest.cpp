@@ -142,6 +142,10 @@ TEST_F(NqPlanarNumbers, DistanceKeepsTheChainWhoseLinkIsKnown) {
     distance.setLabelOne("one");
     EXPECT_TRUE(distance.changeLinkLabel("one", "lost"));
     EXPECT_FALSE(distance.changeLinkLabel("one", "lost"));
+    distance.setLabelTwo("two");
+    EXPECT_TRUE(distance.changeLinkLabel("two", "second"));
+    EXPECT_EQ(distance.labelTwo(), "second");
+    EXPECT_EQ(distance.labelOne(), "lost");
     distance.setLabelTwo("hand");
     NqPrintCapture capture;
     // From the origin to the hand: only the elbow changes the distance.

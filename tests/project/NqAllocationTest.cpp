@@ -5,7 +5,9 @@
 #include <nqControlCore/expression/NqExpressionBaseUnary.h>
 #include <nqControlCore/expression/NqExpressionContainer.h>
 #include <nqControlCore/expression/NqExpressionIdentityMatrix.h>
+#include <nqControlCore/foundation/manipulator/NqGravitationalTorqueTool.h>
 #include <nqControlCore/foundation/manipulator/NqJacobianState.h>
+#include <nqControlCore/foundation/manipulator/NqMatrixDTool.h>
 
 #include <gtest/gtest.h>
 
@@ -235,6 +237,34 @@ TEST_P(ControlStep, AllocatesNothingOnceWarm) {
         }
     }
     EXPECT_TRUE(isSolved || model.manipulator->numberOfJoints() < 6);
+}
+
+TEST_P(ControlStep, MassesAllocateNothingOnceWarm) {
+    const NqIndividualManipulator& manipulator = *nqTestModels()[GetParam()].manipulator;
+    NqManipulatorActiveState state(manipulator);
+    NqPositionState positions = state.positionState();
+    NqGravitationalTorqueTool gravity;
+    NqMatrixDTool momenta;
+    NqReArray matrix, row;
+    std::vector<double> torques;
+    const auto step = [&] {
+        positions.setJointPosition(0, positions.jointPositions()[0] + 0.1);
+        state.setPositionState(positions);
+        gravity.setManipulator(manipulator);
+        gravity.jointTorques(state, torques);
+        gravity.jointTorqueGradient(0, state).fill(row);
+        momenta.setManipulator(manipulator);
+        momenta.momentumMatrix(momenta.compositeMoments(state), NqOrientation(), matrix);
+        return manipulator.linearMomentum(state).x() + manipulator.angularMomentum(state).x() +
+               manipulator.centerOfMass(state.activePositionState()).x() +
+               manipulator.compositeMassProperties(state).mass();
+    };
+    step();
+    EXPECT_EQ(allocationsOf([&] {
+                  step();
+                  step();
+              }),
+              0u);
 }
 
 INSTANTIATE_TEST_SUITE_P(Models, ControlStep, testing::Range<std::size_t>(0, nqTestModels().size()),

@@ -121,10 +121,7 @@ void NqKinematicTree::computeSecondMoments(const std::vector<NqCoordinateSystemT
     composites.resize(m_Entries.size());
     moments.angularMomenta.resize(m_Entries.size());
     moments.angularMomenta[0] = NqVector();
-    for (std::size_t i = 0; i < m_Entries.size(); ++i) {
-        composites[i] = m_SecondMoments[i];
-        composites[i].transformBy(frames[i].orientation());
-    }
+    NqSecondMoment::rotateAll(m_SecondMoments, frames, composites);
     const NqVector& origin = frames[0].translation();
     for (std::size_t i = m_Entries.size() - 1; i > 0; --i) {
         const Entry& entry = m_Entries[i];

@@ -52,9 +52,13 @@ public:
     /// Acceleration of an entry's DH frame, in its own axes.
     const NqGeneralMotion& localAcceleration(const NqKinematicTree& tree, std::size_t entry);
     /// Linear momentum of all entries together, in the axes of the system frame.
-    const NqVector& linearMomentum(const NqKinematicTree& tree);
+    const NqVector& linearMomentum(const NqKinematicTree& tree) {
+        return m_ActiveVelocityState.linearMomentum(tree, m_ActivePositionState);
+    }
     /// Their angular momentum about the origin of the base frame.
-    const NqVector& angularMomentum(const NqKinematicTree& tree);
+    const NqVector& angularMomentum(const NqKinematicTree& tree) {
+        return m_ActiveVelocityState.angularMomentum(tree, m_ActivePositionState);
+    }
 
 private:
     NqManipulatorActivePositionState m_ActivePositionState;

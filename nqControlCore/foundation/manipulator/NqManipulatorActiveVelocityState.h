@@ -29,6 +29,24 @@ private:
     /// Brings the velocities up to date with the rates and the positions.
     void update(const NqKinematicTree& tree, NqManipulatorActivePositionState& positions);
 
+    /// A momentum of the whole manipulator, and what it was computed from.
+    struct Momentum {
+        std::uint64_t generation = 0;
+        std::uint64_t positionGeneration = 0;
+        NqVector value;
+    };
+
+    // Momenta for the rates and the positions, in the axes of the system frame; link velocities are not
+    // needed.
+
+    const NqVector& linearMomentum(const NqKinematicTree& tree, NqManipulatorActivePositionState& positions);
+    /// About the origin of the base frame.
+    const NqVector& angularMomentum(const NqKinematicTree& tree, NqManipulatorActivePositionState& positions);
+    /// The cached one, or a new sum: of the base's part, and of each joint's rate times its part.
+    template <typename OfBase>
+    const NqVector& momentum(Momentum& cached, std::uint64_t positionGeneration, OfBase ofBase,
+                             const std::vector<NqVector>& ofUnitRates);
+
     NqVelocityState m_VelocityState;
     std::optional<std::size_t> m_NumberOfJoints;
 
@@ -38,5 +56,6 @@ private:
     std::vector<NqGeneralMotion> m_Velocities;
     NqStampedCache<NqGeneralMotion> m_LocalVelocities;
     NqStampedCache<NqGeneralMotion> m_PrimaryVelocities;
-    NqStampedCache<NqVector> m_Momenta; ///< linear, angular
+    Momentum m_LinearMomentum;
+    Momentum m_AngularMomentum;
 };

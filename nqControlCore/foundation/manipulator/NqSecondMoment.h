@@ -1,7 +1,8 @@
 #pragma once
 
-#include <nqControlCore/foundation/math/NqOrientation.h>
-#include <nqControlCore/foundation/math/NqVector.h>
+#include <nqControlCore/foundation/math/NqCoordinateSystemTransformation.h>
+
+#include <vector>
 
 /// Second moment of a mass distribution, as the inertia tensor about the origin of the frame that it is given
 /// in: the sum over all mass of dm (|p|^2 1 - p p^T). The products of inertia stand as they are in that
@@ -51,18 +52,43 @@ public:
 
     /// Rotates the mass distribution: R I R^T.
     constexpr NqSecondMoment& transformBy(const NqOrientation& orientation) {
-        const NqVector x = orientation.xAxis(), z = orientation.zAxis(), y = z.cross(x);
-        // The columns of R I.
-        const NqVector a = ixx() * x + ixy() * y + ixz() * z;
-        const NqVector b = ixy() * x + iyy() * y + iyz() * z;
-        const NqVector c = ixz() * x + iyz() * y + izz() * z;
-        const auto element = [&](unsigned row, unsigned column) {
-            return a[row] * x[column] + b[row] * y[column] + c[row] * z[column];
-        };
-        return *this = {element(0, 0), element(0, 1), element(0, 2),
-                        element(1, 1), element(1, 2), element(2, 2)};
+        double q[4] = {};
+        orientation.getQuaternion(q[0], q[1], q[2], q[3]);
+        const NqSecondMoment original = *this;
+        rotate(q, original.m_Elements, m_Elements);
+        return *this;
     }
 
+    /// result[i] = R[i] I[i] R[i]^T, with the rotations of `frames`; the same bits as one by one, but sooner.
+    static void rotateAll(const std::vector<NqSecondMoment>& moments,
+                          const std::vector<NqCoordinateSystemTransformation>& frames,
+                          std::vector<NqSecondMoment>& result);
+
 private:
+    /// With quaternions q, scalar first. A number may be several that are worked on side by side.
+    template <typename Number>
+    static constexpr void rotate(const Number (&q)[4], const Number (&elements)[6], Number (&result)[6]) {
+        const Number &s = q[0], &x = q[1], &y = q[2], &z = q[3];
+        // The columns a, b, c of R; the last is the image of z, and the middle one their cross product.
+        const Number a0 = 1.0 - 2.0 * (y * y + z * z), a1 = 2.0 * (x * y + s * z), a2 = 2.0 * (x * z - s * y);
+        const Number c0 = 2.0 * (x * z + s * y), c1 = 2.0 * (y * z - s * x), c2 = 1.0 - 2.0 * (x * x + y * y);
+        const Number b0 = c1 * a2 - c2 * a1, b1 = c2 * a0 - c0 * a2, b2 = c0 * a1 - c1 * a0;
+        const Number &xx = elements[0], &xy = elements[1], &xz = elements[2];
+        const Number &yy = elements[3], &yz = elements[4], &zz = elements[5];
+        // Rows of R I.
+        const Number u0 = xx * a0 + xy * b0 + xz * c0, u1 = xy * a0 + yy * b0 + yz * c0,
+                     u2 = xz * a0 + yz * b0 + zz * c0;
+        const Number v0 = xx * a1 + xy * b1 + xz * c1, v1 = xy * a1 + yy * b1 + yz * c1,
+                     v2 = xz * a1 + yz * b1 + zz * c1;
+        const Number w0 = xx * a2 + xy * b2 + xz * c2, w1 = xy * a2 + yy * b2 + yz * c2,
+                     w2 = xz * a2 + yz * b2 + zz * c2;
+        result[0] = u0 * a0 + u1 * b0 + u2 * c0;
+        result[1] = u0 * a1 + u1 * b1 + u2 * c1;
+        result[2] = u0 * a2 + u1 * b2 + u2 * c2;
+        result[3] = v0 * a1 + v1 * b1 + v2 * c1;
+        result[4] = v0 * a2 + v1 * b2 + v2 * c2;
+        result[5] = w0 * a2 + w1 * b2 + w2 * c2;
+    }
+
     double m_Elements[6] = {}; ///< the upper triangle, by rows
 };

@@ -5,6 +5,7 @@
 #include <nqControlCore/xml/NqXmlOwned.h>
 
 #include <algorithm>
+#include <memory>
 #include <optional>
 
 /// Holds a tree of nodes by its top element, which it owns; T is the class of the nodes, a

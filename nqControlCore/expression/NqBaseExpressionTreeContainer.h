@@ -1,12 +1,17 @@
 #pragma once
 
 #include <nqControlCore/foundation/xml/NqXmlObjectVisitor.h>
+#include <nqControlCore/foundation/xml/NqXmlReader.h>
+#include <nqControlCore/foundation/xml/NqXmlSchema.h>
+#include <nqControlCore/foundation/xml/NqXmlTokens.h>
 #include <nqControlCore/xml/NqXmlBaseVariableCompoundType.h>
+#include <nqControlCore/xml/NqXmlCollection.h>
 #include <nqControlCore/xml/NqXmlOwned.h>
 
 #include <algorithm>
-#include <memory>
 #include <optional>
+#include <string>
+#include <utility>
 
 /// Holds a tree of nodes by its top element, which it owns; T is the class of the nodes, a
 /// NqBaseExpressionTreeElement.
@@ -57,7 +62,7 @@ public:
         }
         m_TopElement.reset();
         if (element) {
-            m_TopElement.emplace(std::unique_ptr<T>(element));
+            m_TopElement.emplace(element);
         }
         setTopElementContainerToThis();
     }
@@ -65,7 +70,9 @@ public:
     bool read(NqXmlReader& reader) override {
         m_TopElement.reset();
         m_ElementsRead = 0;
-        return Variable::read(reader);
+        const bool good = Variable::read(reader);
+        setTopElementContainerToThis();
+        return good;
     }
 
     bool write(NqXmlWriter& writer) const override {
@@ -103,7 +110,7 @@ protected:
         if (!takesElement(reader)) {
             return false;
         }
-        std::unique_ptr<T> element = this->template newComponent<T>(token);
+        NqXmlOwned<T> element = this->template newComponent<T>(token);
         if (!element) {
             NqXmlCollection::reportUnknown(reader);
             return false;
@@ -111,7 +118,7 @@ protected:
         element->setContainer(this);
         const bool good = element->read(reader);
         if (reader.good()) { // an element at which the document breaks off is a fragment
-            setAndDeleteTopElementPointer(element.release());
+            m_TopElement = std::move(element);
         }
         return good;
     }

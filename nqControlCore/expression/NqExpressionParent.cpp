@@ -2,8 +2,14 @@
 
 #include <nqControlCore/expression/NqExpressionContainer.h>
 #include <nqControlCore/foundation/text/NqPrint.h>
+#include <nqControlCore/foundation/xml/NqXmlReader.h>
+#include <nqControlCore/foundation/xml/NqXmlSchema.h>
+#include <nqControlCore/xml/NqXmlCollection.h>
 
 #include <algorithm>
+#include <memory>
+#include <string>
+#include <utility>
 
 template <unsigned Places>
 NqExpressionParent<Places>& NqExpressionParent<Places>::operator=(const NqExpressionParent& other) {
@@ -73,7 +79,7 @@ bool NqExpressionParent<Places>::readValueFromSpecialToken(const NqToken& token,
         NqXmlCollection::reportUnknown(reader);
         return false;
     }
-    std::unique_ptr<NqExpressionElement> child(static_cast<NqExpressionElement*>(object.release()));
+    NqXmlOwned<NqExpressionElement> child(static_cast<NqExpressionElement*>(object.release()));
     child->setContainer(container());
     const bool good = child->read(reader);
     if (reader.good()) { // a child at which the document breaks off is a fragment

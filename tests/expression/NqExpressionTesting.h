@@ -3,7 +3,7 @@
 #include "support/NqXmlRoundTrip.h"
 
 #include <nqControlCore/expression/NqExpressionContainer.h>
-#include <nqControlCore/foundation/text/NqTextConversion.h>
+#include <nqControlCore/foundation/xml/NqXmlVectorBasicType.h>
 
 #include <string>
 
@@ -35,7 +35,7 @@ inline std::string outer(const std::string& left, const std::string& right) {
 inline std::string textOf(const NqReArray& matrix) {
     std::string text;
     for (std::size_t i = 0; i < matrix.size(); ++i) {
-        text += nqToText(matrix[i].data(), matrix[i].size()) + ";";
+        text += NqXmlRealVector(matrix[i]).toText() + ";";
     }
     return text;
 }

@@ -57,7 +57,7 @@ public:
         }
         m_TopElement.reset();
         if (element) {
-            m_TopElement.emplace(std::unique_ptr<T>(element));
+            m_TopElement.emplace(element);
         }
         setTopElementContainerToThis();
     }
@@ -103,7 +103,7 @@ protected:
         if (!takesElement(reader)) {
             return false;
         }
-        std::unique_ptr<T> element = this->template newComponent<T>(token);
+        NqXmlOwned<T> element = this->template newComponent<T>(token);
         if (!element) {
             NqXmlCollection::reportUnknown(reader);
             return false;

@@ -4,6 +4,7 @@
 #include <nqControlCore/foundation/text/NqPrint.h>
 
 #include <algorithm>
+#include <memory>
 
 template <unsigned Places>
 NqExpressionParent<Places>& NqExpressionParent<Places>::operator=(const NqExpressionParent& other) {
@@ -77,7 +78,7 @@ bool NqExpressionParent<Places>::readValueFromSpecialToken(const NqToken& token,
     child->setContainer(container());
     const bool good = child->read(reader);
     if (reader.good()) { // a child at which the document breaks off is a fragment
-        m_Children[std::min(m_ChildrenRead++, Places - 1)].emplace(std::move(child));
+        m_Children[std::min(m_ChildrenRead++, Places - 1)].emplace(child.release());
     }
     return good;
 }

@@ -29,6 +29,9 @@ public:
     ~NqXmlOwned() { delete m_Object; }
 
     explicit operator bool() const { return m_Object != nullptr; }
+
+    /// Hands the object to the caller.
+    T* release() { return std::exchange(m_Object, nullptr); }
     T& operator*() { return *m_Object; }
     const T& operator*() const { return *m_Object; }
     T* operator->() { return m_Object; }

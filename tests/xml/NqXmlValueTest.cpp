@@ -176,33 +176,29 @@ TEST(NqXmlWriter, WritesWhatItIsTold) {
 }
 
 TEST(NqXmlWriter, IsFalseOnceAnythingFailed) {
-    const std::pair<const char*, std::function<bool(NqXmlWriter&)>> cases[] = {
-        {"a comment holds", [](NqXmlWriter& writer) { return writer.header("a", "b -- c"); }},
-        {"a comment holds", [](NqXmlWriter& writer) { return writer.header("a", "b-"); }},
-        {"one root",
-         [](NqXmlWriter& writer) {
-             return writer.writeStartTag("a") && writer.writeEndTag() && writer.writeStartTag("b");
-         }},
-        {"within the root", [](NqXmlWriter& writer) { return writer.content("a"); }},
-        {"within the root",
-         [](NqXmlWriter& writer) {
-             return writer.header("a", "") && writer.writeEndTag() && writer.data(" ");
-         }},
-        {"a name is none", [](NqXmlWriter& writer) { return writer.writeStartTag("a b"); }},
-        {"a name is none", [](NqXmlWriter& writer) { return writer.writeStartTag("a:b"); }},
-        {"a name is none",
-         [](NqXmlWriter& writer) {
-             writer.setAttributeName("1");
-             return writer.writeStartTag("a") && writer.data("b");
-         }},
-        {"", [](NqXmlWriter& writer) { return writer.writeEndTag(); }},
-        {"", [](NqXmlWriter& writer) { return writer.writeStartTag("a") && writer.attributeValue("b"); }}};
-    for (const auto& [message, drive] : cases) {
+    const auto expectRefused = [](const std::string& message, const auto& drive) {
         NqPrintCapture print;
         driven(drive, false);
         EXPECT_TRUE(print.contains(message)) << message << ": " << print.text();
-        EXPECT_EQ(print.contains("-- file: out.xml"), *message != '\0');
-    }
+        EXPECT_EQ(print.contains("-- file: out.xml"), !message.empty());
+    };
+    expectRefused("a comment holds", [](auto& writer) { return writer.header("a", "b -- c"); });
+    expectRefused("a comment holds", [](auto& writer) { return writer.header("a", "b-"); });
+    expectRefused("one root", [](auto& writer) {
+        return writer.header("a", "") && writer.writeEndTag() && writer.writeStartTag("b");
+    });
+    expectRefused("within the root", [](auto& writer) { return writer.content("a"); });
+    expectRefused("within the root", [](auto& writer) {
+        return writer.header("a", "") && writer.writeEndTag() && writer.data(" ");
+    });
+    expectRefused("a name is none", [](auto& writer) { return writer.writeStartTag("a b"); });
+    expectRefused("a name is none", [](auto& writer) { return writer.writeStartTag("a:b"); });
+    expectRefused("a name is none", [](auto& writer) {
+        writer.setAttributeName("1");
+        return writer.writeStartTag("a") && writer.data("b");
+    });
+    expectRefused("", [](auto& writer) { return writer.writeEndTag(); });
+    expectRefused("", [](auto& writer) { return writer.writeStartTag("a") && writer.attributeValue("b"); });
 }
 
 TEST(NqXmlWriter, RefusesWhatXmlCannotHold) {

@@ -5,9 +5,7 @@
 
 #include <algorithm>
 
-namespace NqXmlNumberList {
-
-std::string toText(const double* numbers, std::size_t count, unsigned columns) {
+std::string nqToText(const double* numbers, std::size_t count, unsigned columns) {
     std::string text;
     for (std::size_t i = 0; i < count; ++i) {
         if (i != 0) {
@@ -18,7 +16,7 @@ std::string toText(const double* numbers, std::size_t count, unsigned columns) {
     return text;
 }
 
-bool append(std::string_view text, std::vector<double>& numbers) {
+bool nqAppendNumbers(std::string_view text, std::vector<double>& numbers) {
     constexpr std::string_view kWhiteSpace = " \t\r\n";
     for (std::size_t start = text.find_first_not_of(kWhiteSpace); start != std::string_view::npos;) {
         const std::size_t end = text.find_first_of(kWhiteSpace, start);
@@ -32,17 +30,15 @@ bool append(std::string_view text, std::vector<double>& numbers) {
     return true;
 }
 
-bool take(std::string_view text, double* numbers, std::size_t count) {
+bool nqTakeNumbers(std::string_view text, double* numbers, std::size_t count) {
     std::vector<double> read;
-    if (!append(text, read) || read.size() != count) {
+    if (!nqAppendNumbers(text, read) || read.size() != count) {
         return false;
     }
     std::ranges::copy(read, numbers);
     return true;
 }
 
-bool writeSchemaType(NqXmlSchema& schema, std::size_t count) {
+bool nqWriteNumbersSchema(NqXmlSchema& schema, std::size_t count) {
     return schema.writeListType(typeid(double), count);
 }
-
-} // namespace NqXmlNumberList

@@ -7,19 +7,14 @@
 
 class NqXmlSchema;
 
-/// Numbers that stand in a file as one text, separated by white space.
-namespace NqXmlNumberList {
+/// Numbers separated by white space, as one text; with so many on a line, unless `columns` is 0.
+std::string nqToText(const double* numbers, std::size_t count, unsigned columns = 0);
 
-/// The text of the numbers; with so many on a line, unless `columns` is 0.
-std::string toText(const double* numbers, std::size_t count, unsigned columns = 0);
-
-/// Appends the numbers of a text. False where something else stands in it.
-bool append(std::string_view text, std::vector<double>& numbers);
+/// Appends the numbers of such a text. False where something else stands in it.
+bool nqAppendNumbers(std::string_view text, std::vector<double>& numbers);
 
 /// Takes exactly `count` numbers; false, and `numbers` untouched, for anything else.
-bool take(std::string_view text, double* numbers, std::size_t count);
+bool nqTakeNumbers(std::string_view text, double* numbers, std::size_t count);
 
-/// Describes a list; of exactly `count` numbers, unless that is 0.
-bool writeSchemaType(NqXmlSchema& schema, std::size_t count = 0);
-
-} // namespace NqXmlNumberList
+/// Describes such a text; of exactly `count` numbers, unless that is 0.
+bool nqWriteNumbersSchema(NqXmlSchema& schema, std::size_t count = 0);

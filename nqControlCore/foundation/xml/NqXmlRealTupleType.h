@@ -14,21 +14,17 @@ class NqXmlRealTupleType : public NqXmlValueType<Derived, T> {
 public:
     using NqXmlValueType<Derived, T>::NqXmlValueType;
 
-    std::string toText() const {
-        return NqXmlNumberList::toText(Derived::toNumbers(this->m_Value).data(), Count);
-    }
+    std::string toText() const { return nqToText(Derived::toNumbers(this->m_Value).data(), Count); }
 
     /// Takes exactly `Count` numbers; false, and the value kept, for anything else.
     bool setValueFromString(const std::string& text) {
         std::array<double, Count> numbers;
-        if (!NqXmlNumberList::take(text, numbers.data(), Count)) {
+        if (!nqTakeNumbers(text, numbers.data(), Count)) {
             return false;
         }
         this->m_Value = Derived::fromNumbers(numbers.data());
         return true;
     }
 
-    static bool writeSchemaType(NqXmlSchema& schema) {
-        return NqXmlNumberList::writeSchemaType(schema, Count);
-    }
+    static bool writeSchemaType(NqXmlSchema& schema) { return nqWriteNumbersSchema(schema, Count); }
 };

@@ -1,16 +1,14 @@
 #include <nqControlCore/foundation/xml/NqXmlVectorBasicType.h>
 
-#include <nqControlCore/foundation/xml/NqXmlNumberList.h>
-
 template <typename Element>
 std::string NqXmlVectorBasicType<Element>::toText() const {
-    return NqXmlNumberList::toText(this->m_Value.data(), this->m_Value.size());
+    return nqToText(this->m_Value.data(), this->m_Value.size());
 }
 
 template <typename Element>
 bool NqXmlVectorBasicType<Element>::setValueFromString(const std::string& text) {
     Numbers numbers;
-    if (!NqXmlNumberList::append(text, numbers)) {
+    if (!nqAppendNumbers(text, numbers)) {
         return false;
     }
     this->m_Value = std::move(numbers);
@@ -19,14 +17,13 @@ bool NqXmlVectorBasicType<Element>::setValueFromString(const std::string& text) 
 
 template <typename Element>
 bool NqXmlVectorBasicType<Element>::writeSchemaType(NqXmlSchema& schema) {
-    return NqXmlNumberList::writeSchemaType(schema);
+    return nqWriteNumbersSchema(schema);
 }
 
 template <typename Element>
 bool NqXmlVectorBasicType<Element>::write(NqXmlWriter& writer) const {
     return NqXmlObject::write(writer) &&
-           writer.data(NqXmlNumberList::toText(this->m_Value.data(), this->m_Value.size(),
-                                               writer.numOfContentColumns()));
+           writer.data(nqToText(this->m_Value.data(), this->m_Value.size(), writer.numOfContentColumns()));
 }
 
 template class NqXmlVectorBasicType<NqXmlBasicType<double>>;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <nqControlCore/foundation/xml/NqXmlBasicType.h>
+#include <nqControlCore/foundation/xml/NqXmlNumberList.h>
 
 #include <initializer_list>
 #include <string_view>

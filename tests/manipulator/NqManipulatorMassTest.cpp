@@ -96,7 +96,7 @@ TEST_P(EveryMass, GravityTorquesAreDerivativesOfThePotentialEnergy) {
         return -m_Manipulator.compositeMass() *
                m_Manipulator.centerOfMass(state.activePositionState()).dot(m_Gravity);
     };
-    std::vector<double> all;
+    std::vector<double> all(2, 7.0);
     m_Torques.jointTorques(m_State, all);
     ASSERT_EQ(all.size(), m_Joints);
     for (unsigned j = 0; j < m_Joints; ++j) {

@@ -135,6 +135,24 @@ TEST_F(ManipulatorState, MissingJointsCountAsZero) {
     EXPECT_TRUE(prints.contains("NqPositionState::setJointPosition(): no joint 3 among 3.\n"));
 }
 
+TEST_F(ManipulatorState, MomentaNeedNoOtherQueryBefore) {
+    NqPrintCapture prints;
+    NqManipulatorActiveState open, made(m_Arm);
+    for (const NqVector& axis : {NqVector(1, 0, 0), NqVector(0, 1, 0)}) {
+        m_Position.setBaseFrame(NqOrientation(0.5, axis));
+        open.setPositionState(m_Position);
+        made.setPositionState(m_Position);
+        if (axis.x() == 1.0) {
+            open.setVelocityState(NqVelocityState(NqXmlRealVector{1.0, -0.5}));
+            made.setVelocityState(NqVelocityState(NqXmlRealVector{1.0, -0.5, 0.0, 0.0, 0.0, 0.0, 0.0}));
+        }
+        m_Hand.localVelocity(made);
+        EXPECT_EQ(m_Arm.linearMomentum(open), m_Arm.linearMomentum(made));
+        EXPECT_EQ(m_Arm.angularMomentum(open), m_Arm.angularMomentum(made));
+    }
+    EXPECT_TRUE(prints.contains("2 values for 7 joints"));
+}
+
 TEST_F(ManipulatorState, XmlKeepsStates) {
     NqVelocityState velocity = nqThroughXml(m_Velocity);
     EXPECT_EQ(velocity, m_Velocity);

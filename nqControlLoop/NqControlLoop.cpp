@@ -7,6 +7,19 @@
 #include <numeric>
 #include <unordered_map>
 
+namespace {
+
+/// Below this share of the commanded velocities the motion begins to leave its path, and at this one it
+/// follows the least error alone.
+constexpr double kWhollyOnPath = 0.1;
+constexpr double kWhollyOffPath = 0.02;
+/// So many times the threshold a pivot may be and singular values still be asked for: pivots are seldom so
+/// much larger than the least singular value.
+constexpr double kPivotMargin = 10.0;
+constexpr double kEndless = std::numeric_limits<double>::infinity();
+
+} // namespace
+
 NqControlLoop::NqControlLoop(const NqIndividualManipulator& manipulator,
                              const NqControlLoopSettings& settings)
     : m_Manipulator(manipulator), m_Settings(settings), m_Joints(manipulator.numberOfJoints()),
@@ -106,7 +119,23 @@ void NqControlLoop::resize() {
     m_Metric = m_Weights;
     m_Gradient.assign(columns(), 0.0);
     m_Rates.resize(columns());
+    m_Limits.clear();
+    for (unsigned j = 0; j < m_Joints; ++j) {
+        m_Limits.push_back(limitsOf(j));
+    }
+    m_Bounds.assign(m_Joints,
+                    NqJointBounds(m_Limits.empty() ? NqJointBounds::Limits{} : m_Limits[0], 0.0, 0.0, 1.0));
+    m_Lower.assign(columns(), -kEndless);
+    m_Upper.assign(columns(), kEndless);
+    m_Sliding.assign(columns(), 0.0);
+    m_Wished = m_DampedGradient = m_Sliding;
+    m_DampedMetric.setToZeros(columns(), columns());
     m_Hard.command.resize(m_Hard.rows);
+    m_NoCommand.assign(m_Hard.rows, 0.0);
+    m_Tool.prepare(columns());
+    m_ReducedTool.prepare(columns());
+    m_Singularities.prepare(m_Hard.rows, columns());
+    m_LeastSquares.prepare(columns());
     m_Soft.command.resize(m_Soft.rows);
     m_Placements.resize(m_Constraints.size());
     m_Errors.resize(m_Parts.size());
@@ -114,6 +143,23 @@ void NqControlLoop::resize() {
     m_Accelerations.resize(m_Parts.size());
     stackConstraints();
     observe();
+}
+
+NqJointBounds::Limits NqControlLoop::limitsOf(unsigned j) const {
+    const NqManipulatorLink& link = *m_Manipulator.linkByIndex(j);
+    const NqJointDescription& joint = link.joint();
+    const auto& held = m_Settings.heldJoints();
+    bool isHeld = false;
+    for (const auto& label : held) {
+        isHeld = isHeld || label.value() == joint.name() || label.value() == link.linkLabel();
+    }
+    const auto& given = m_Settings.accelerationLimits();
+    const double time = m_Settings.accelerationTime();
+    const double acceleration = j < given.size() ? given[j]
+                                : time > 0.0     ? joint.rateLimit() / time
+                                                 : kEndless;
+    return {joint.lowerPositionLimit(), joint.upperPositionLimit(), isHeld ? 0.0 : joint.rateLimit(),
+            acceleration, m_Settings.approach()};
 }
 
 void NqControlLoop::setPositions(const std::vector<double>& positions) {
@@ -210,10 +256,10 @@ bool NqControlLoop::step() {
     stackConstraints();
     commandVelocities();
     weighSoftConstraints();
+    boundRates();
     if (!solve()) {
         return false;
     }
-    slowDown();
     measureVelocities();
     integrate();
     observe();
@@ -294,36 +340,136 @@ double NqControlLoop::crowding(unsigned j) const {
     return 1.0 + 0.25 * (upper - lower) * (upper - lower) * std::abs(excess) / (room * room);
 }
 
-/// Joint rates with J rates = command that otherwise descend the gradient under the metric.
-bool NqControlLoop::solve() {
-    return m_Tool.calcJointRates(nullptr, m_Hard.jacobian, m_Metric, m_Gradient, 1.0, m_Hard.command,
-                                 columns(), m_Rates, m_NullSpaceRates, m_Determinant) &&
-           std::all_of(m_Rates.begin(), m_Rates.end(), [](double rate) { return std::isfinite(rate); });
+void NqControlLoop::boundRates() {
+    for (unsigned j = 0; j < m_Joints; ++j) {
+        m_Bounds[j] =
+            NqJointBounds(m_Limits[j], m_Position.jointPositions()[j], m_Rates[j], m_Settings.timeStep());
+        m_Lower[j] = m_Bounds[j].lower;
+        m_Upper[j] = m_Bounds[j].upper;
+    }
 }
 
-/// Scales all rates alike, so that the end-effectors stay on their way, until every joint keeps its limits.
-void NqControlLoop::slowDown() {
-    m_Slowing = 1.0;
-    m_Brake = Brake::None;
-    const auto brake = [&](unsigned joint, Brake kind, double allowed) {
-        const double rate = std::abs(m_Rates[joint]);
-        if (allowed < m_Slowing * rate) {
-            m_Slowing = allowed / rate;
-            m_Brake = kind;
-            m_BrakingJoint = joint;
+/// How much of the commanded velocities there may be, so that after a slow stretch they don't rise faster
+/// than the end-effectors' own limits of acceleration allow.
+double NqControlLoop::greatestScale() const {
+    double rise = 1.0;
+    for (const Part& part : m_Parts) {
+        const Constraint& constraint = m_Constraints[part.endEffector];
+        const double speed = part.part.size(constraint.filtered.values().data());
+        const double change = part.part.accelerationLimit * m_Settings.timeStep();
+        if (constraint.isHard && change < rise * speed) {
+            rise = change / speed;
         }
-    };
-    const double approach = std::min(m_Settings.approach(), 1.0 / m_Settings.timeStep());
-    for (unsigned j = 0; j < m_Joints; ++j) {
-        const NqJointDescription& joint = m_Manipulator.linkByIndex(j)->joint();
-        const double position = m_Position.jointPositions()[j];
-        const double room =
-            m_Rates[j] > 0.0 ? joint.upperPositionLimit() - position : position - joint.lowerPositionLimit();
-        brake(j, Brake::Rate, joint.rateLimit());
-        brake(j, Brake::Range, std::max(room, 0.0) * approach);
     }
-    for (double& rate : m_Rates) {
-        rate *= m_Slowing;
+    return std::min(1.0, m_Scale + rise);
+}
+
+/// Share of the commanded velocities that the rates make, along these.
+double NqControlLoop::shareMade() const {
+    double made = 0.0;
+    double commanded = 0.0;
+    for (unsigned i = 0; i < m_Hard.rows; ++i) {
+        const auto& row = m_Hard.jacobian[i];
+        made += m_Hard.command[i] * std::inner_product(row.begin(), row.end(), m_Rates.begin(), 0.0);
+        commanded += m_Hard.command[i] * m_Hard.command[i];
+    }
+    return commanded > 0.0 ? std::clamp(made / commanded, 0.0, 1.0) : 1.0;
+}
+
+/// Joint rates with J rates = scale * command that otherwise descend the gradient under the metric.
+bool NqControlLoop::solve() {
+    using Outcome = NqLimitedVelocityTool::Outcome;
+    NqLimitedVelocityTool* tool = &m_Tool;
+    Outcome outcome = m_Tool.solve(m_Hard.jacobian, m_Metric, m_Gradient, m_Hard.command, m_Lower, m_Upper);
+    m_Determinant = outcome == Outcome::Failed ? 0.0 : m_Tool.determinant();
+    m_Lost = 0;
+    const double threshold = m_Settings.singularityThreshold();
+    if (outcome == Outcome::Failed || (m_Hard.rows > 0 && m_Tool.leastPivot() < kPivotMargin * threshold &&
+                                       m_Singularities.isNear(m_Hard.jacobian, m_Hard.rows, threshold))) {
+        m_Lost = m_Singularities.split(m_Hard.jacobian, m_Hard.rows, threshold);
+        if (m_Lost > 0) {
+            dampLostDirections();
+            tool = &m_ReducedTool;
+            outcome = tool->solve(m_Singularities.keptRows(), m_DampedMetric, m_DampedGradient,
+                                  m_Singularities.keptVelocity(), m_Lower, m_Upper);
+        }
+    }
+    m_Brake = Brake::None;
+    const double scale = outcome == Outcome::Failed || outcome == Outcome::Blocked ? 0.0 : tool->scale();
+    const double greatest = greatestScale();
+    if (outcome != Outcome::Unlimited && outcome != Outcome::Limited) {
+        noteBrake(*tool);
+    }
+    const double leaving = std::clamp((kWhollyOnPath - scale) / (kWhollyOnPath - kWhollyOffPath), 0.0, 1.0);
+    if (leaving < 1.0) {
+        if (scale > greatest) {
+            outcome = tool->solveAgain(greatest, m_Lower, m_Upper);
+        }
+        std::copy(tool->rates().begin(), tool->rates().end(), m_Rates.begin());
+    }
+    m_Scale = std::min(scale, greatest);
+    if (leaving > 0.0) {
+        leavePath(leaving, outcome == Outcome::Failed ? nullptr : tool);
+    }
+    m_Slowing = shareMade();
+    if (leaving > 0.0) {
+        m_Scale += leaving * (std::max(m_Slowing, m_Scale) - m_Scale);
+    }
+    return std::all_of(m_Rates.begin(), m_Rates.end(), [](double rate) { return std::isfinite(rate); });
+}
+
+/// The metric and the gradient with the lost directions in them.
+void NqControlLoop::dampLostDirections() {
+    const unsigned n = columns();
+    const bool isDiagonal = m_Metric.columns() == 1;
+    for (unsigned j = 0; j < n; ++j) {
+        if (isDiagonal) {
+            std::fill(m_DampedMetric[j].begin(), m_DampedMetric[j].end(), 0.0);
+            m_DampedMetric[j][j] = m_Metric[j][0];
+        } else {
+            std::copy(m_Metric[j].begin(), m_Metric[j].end(), m_DampedMetric[j].begin());
+        }
+    }
+    std::copy(m_Gradient.begin(), m_Gradient.end(), m_DampedGradient.begin());
+    m_Singularities.addCost(m_Hard.command, m_Settings.damping(), m_DampedMetric, m_DampedGradient);
+    m_Singularities.projectVelocity(m_Hard.command);
+}
+
+/// Turns the rates, by a share, towards those of the least error or, where the path is to be kept, towards
+/// rest.
+void NqControlLoop::leavePath(double share, const NqLimitedVelocityTool* tool) {
+    std::fill(m_Wished.begin(), m_Wished.end(), 0.0);
+    if (tool) {
+        std::copy(tool->nullSpaceRates().begin(), tool->nullSpaceRates().end(), m_Wished.begin());
+    }
+    const bool isHolding = m_Settings.blocked() == NqControlLoopSettings::Hold;
+    m_LeastSquares.solve(m_Hard.jacobian, m_Hard.rows, isHolding ? m_NoCommand : m_Hard.command, m_Wished,
+                         m_Weights, m_Settings.damping(), m_Lower, m_Upper, m_Sliding);
+    for (std::size_t k = 0; k < m_Rates.size(); ++k) {
+        m_Rates[k] = share < 1.0 ? (1.0 - share) * m_Rates[k] + share * m_Sliding[k] : m_Sliding[k];
+    }
+}
+
+/// Whom to blame: of the joints that are held, the one that weighs most against the path.
+void NqControlLoop::noteBrake(const NqLimitedVelocityTool& tool) {
+    double most = -1.0;
+    for (const NqBoundActiveSet::Hold& hold : tool.holds()) {
+        if (hold.unknown < m_Joints && std::abs(hold.multiplier) > most) {
+            most = std::abs(hold.multiplier);
+            m_BrakingJoint = hold.unknown;
+            const NqJointBounds& bounds = m_Bounds[hold.unknown];
+            switch (hold.isUpper ? bounds.upperCause : bounds.lowerCause) {
+            case NqJointBounds::Cause::Rate:
+                m_Brake = Brake::Rate;
+                break;
+            case NqJointBounds::Cause::Range:
+                m_Brake = Brake::Range;
+                break;
+            case NqJointBounds::Cause::Acceleration:
+                m_Brake = Brake::Acceleration;
+                break;
+            }
+        }
     }
 }
 
@@ -347,7 +493,7 @@ void NqControlLoop::integrate() {
     m_State.setVelocityState(m_Velocity);
     for (Constraint& constraint : m_Constraints) {
         for (std::size_t i = 0; i < constraint.filtered.size(); ++i) {
-            constraint.previous[i] = m_Slowing * constraint.filtered[i];
+            constraint.previous[i] = constraint.filtered[i];
         }
     }
     ++m_Steps;

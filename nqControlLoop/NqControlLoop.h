@@ -1,10 +1,13 @@
 #pragma once
 
+#include <nqControlLoop/NqBoundedLeastSquares.h>
 #include <nqControlLoop/NqControlLoopSettings.h>
 #include <nqControlLoop/NqControlTarget.h>
+#include <nqControlLoop/NqJointBounds.h>
+#include <nqControlLoop/NqLimitedVelocityTool.h>
+#include <nqControlLoop/NqSingularityFilter.h>
 #include <nqControlLoop/NqTargetKind.h>
 
-#include <nqControlCore/core/NqCoreVelocityControlTool.h>
 #include <nqControlCore/endeffector/NqEndEffectorVector.h>
 #include <nqControlCore/foundation/manipulator/NqIndividualManipulator.h>
 #include <nqControlCore/foundation/manipulator/NqManipulatorActiveState.h>
@@ -21,19 +24,25 @@
 ///
 /// Each step() asks the end-effectors for their Jacobian rows and for the velocities that their motion
 /// filters command towards their targets, solves for the joint rates that give just these velocities and, as
-/// far as they leave the joints free, descend towards a posture, slows the arm where a joint would leave its
-/// limits, and integrates the rates. Soft end-effectors take part through metric and gradient: with their
+/// far as they leave the joints free, descend towards a posture, all within the limits of the joints, and
+/// integrates the rates. Soft end-effectors take part through metric and gradient: with their
 /// rows S, their weights E and the velocities s that they command, x are of all joint rates that meet the
 /// hard rows those of the least
 ///     x^T A x + 2 g^T x + (S x - s)^T E (S x - s)
 /// with the joints' weights A and the gradient g towards the posture.
+///
+/// Limits of position, rate and acceleration hold in every step (NqJointBounds). A joint at a limit is held
+/// there and the others make its motion; where they can't, the motion slows along its path, and where it
+/// would come to a halt though the targets aren't reached, it leaves the path by the least error or stays, as
+/// the settings say (NqLimitedVelocityTool, NqBoundedLeastSquares). Near a singularity the direction that is
+/// being lost is damped (NqSingularityFilter).
 ///
 /// The loop reads no clock and no file, starts no thread, and allocates nothing after the first step. One
 /// object belongs to one thread.
 class NqControlLoop {
 public:
     /// What slowed a step.
-    enum class Brake { None, Rate, Range };
+    enum class Brake { None, Rate, Range, Acceleration };
 
     /// The manipulator must outlive the loop.
     explicit NqControlLoop(const NqIndividualManipulator& manipulator,
@@ -112,7 +121,7 @@ public:
     /// By how much the velocity changed in the last step, for the time of it.
     const std::vector<double>& accelerations() const { return m_Accelerations; }
 
-    /// Share of the commanded step that was made, 0 to 1, and who is to blame if it is below 1.
+    /// Share of the commanded step that was made, 0 to 1, and who is to blame if limits made it less than 1.
     double slowing() const { return m_Slowing; }
     Brake brake() const { return m_Brake; }
     unsigned brakingJoint() const { return m_BrakingJoint; }
@@ -153,12 +162,18 @@ private:
     void commandVelocities();
     void weighSoftConstraints();
     double crowding(unsigned joint) const;
+    void boundRates();
     bool solve();
-    void slowDown();
+    void dampLostDirections();
+    void leavePath(double share, const NqLimitedVelocityTool* tool);
+    void noteBrake(const NqLimitedVelocityTool& tool);
+    double greatestScale() const;
+    double shareMade() const;
     void integrate();
     void measureVelocities();
     void observe();
     unsigned columns() const;
+    NqJointBounds::Limits limitsOf(unsigned joint) const;
 
     const NqIndividualManipulator& m_Manipulator;
     NqControlLoopSettings m_Settings;
@@ -172,14 +187,27 @@ private:
     NqVelocityState m_Velocity;
     NqManipulatorActiveState m_State;
 
-    NqCoreVelocityControlTool m_Tool;
+    NqLimitedVelocityTool m_Tool;
+    NqLimitedVelocityTool m_ReducedTool; ///< where directions are lost
+    NqSingularityFilter m_Singularities;
+    NqBoundedLeastSquares m_LeastSquares;
+    std::vector<NqJointBounds::Limits> m_Limits; ///< of the joints
+    std::vector<NqJointBounds> m_Bounds;
+    std::vector<double> m_Lower; ///< of the rates in this step, those of the base included
+    std::vector<double> m_Upper;
+    std::vector<double> m_Wished;
+    std::vector<double> m_Sliding; ///< rates that leave the path
+    std::vector<double> m_NoCommand;
+    unsigned m_Lost = 0;  ///< directions, in the last step
+    double m_Scale = 1.0; ///< of the commanded velocities, in the last step
     Stack m_Hard;
     Stack m_Soft;
     NqReArray m_SoftWeights;
     NqReArray m_Metric;
     std::vector<double> m_Gradient;
+    NqReArray m_DampedMetric;
+    std::vector<double> m_DampedGradient;
     std::vector<double> m_Rates;
-    std::vector<double> m_NullSpaceRates;
     double m_Determinant = std::numeric_limits<double>::quiet_NaN();
     double m_Slowing = 1.0;
     Brake m_Brake = Brake::None;

@@ -16,6 +16,16 @@ constexpr double kWhollyOffPath = 0.02;
 /// So many times the threshold a pivot may be and singular values still be asked for: pivots are seldom so
 /// much larger than the least singular value.
 constexpr double kPivotMargin = 10.0;
+/// All rates below this (rad/s, m/s): the arm stands still.
+constexpr double kRest = 0.01;
+/// A share of the commanded velocities above this counts as all of it.
+constexpr double kHardlySlowed = 0.98;
+/// A least singular value below this is rounding: rows depend on each other, or no joint moves them.
+constexpr double kDependent = 1.0e-9;
+/// How fast the joints go to a posture, for their distance from it, 1/s.
+constexpr double kGoingGain = 5.0;
+/// How far the joints are moved to see what that brings, rad or m.
+constexpr double kProbe = 0.05;
 constexpr double kEndless = std::numeric_limits<double>::infinity();
 
 } // namespace
@@ -56,13 +66,17 @@ void NqControlLoop::addEndEffectors(const NqEndEffectorVector& endEffectors) {
     finishAdding();
 }
 
-bool NqControlLoop::addEndEffector(const std::string& name, const NqEndEffector& endEffector) {
+bool NqControlLoop::addEndEffector(const std::string& name, const NqEndEffector& endEffector,
+                                   bool isFiltered) {
     if (find(name) != m_Constraints.size()) {
         Nq::Print::instance().write(Nq::PrintFailure,
                                     "NqControlLoop::addEndEffector(): the name %s is taken.\n", name);
         return false;
     }
     add(name, endEffector);
+    if (!isFiltered) {
+        m_Constraints.back().endEffector->setFilteringActive(false);
+    }
     finishAdding();
     return true;
 }
@@ -110,6 +124,7 @@ unsigned NqControlLoop::columns() const {
 
 /// Gives all that depends on the number of joints and rows its size.
 void NqControlLoop::resize() {
+    m_IsValid = m_IsRefused = false;
     m_Weights.assign(columns(), 1.0);
     const auto& joints = m_Settings.jointWeights();
     std::copy_n(joints.begin(), std::min<std::size_t>(joints.size(), m_Joints), m_Weights.begin());
@@ -135,6 +150,8 @@ void NqControlLoop::resize() {
     m_Tool.prepare(columns());
     m_ReducedTool.prepare(columns());
     m_Singularities.prepare(m_Hard.rows, columns());
+    m_Probe.prepare(m_Hard.rows, columns());
+    m_Status.joints.reserve(m_Joints);
     m_LeastSquares.prepare(columns());
     m_Soft.command.resize(m_Soft.rows);
     m_Placements.resize(m_Constraints.size());
@@ -194,6 +211,7 @@ void NqControlLoop::setState(const NqPositionState& position, const NqVelocitySt
     }
     m_State.setPositionState(m_Position);
     m_State.setVelocityState(m_Velocity);
+    m_IsRefused = false;
     observe();
 }
 
@@ -227,11 +245,11 @@ bool NqControlLoop::setTarget(std::size_t e, const NqControlTarget& target) {
     return true;
 }
 
-void NqControlLoop::setTarget(std::size_t e, const NqEndEffectorPlacement& target) {
+void NqControlLoop::setTarget(std::size_t e, const NqEndEffectorPlacement& target, bool isInSystem) {
     Constraint& constraint = m_Constraints[e];
     constraint.target = target;
     constraint.hasTarget = true;
-    constraint.isTargetInSystem = false;
+    constraint.isTargetInSystem = isInSystem;
     std::fill(constraint.desired.begin(), constraint.desired.end(), 0.0);
     observe();
 }
@@ -252,17 +270,83 @@ NqEndEffectorPlacement NqControlLoop::relativePlacement(std::size_t e) {
     return placement;
 }
 
+std::vector<NqControlLoopCheck::Issue> NqControlLoop::validate() {
+    NqControlLoopCheck check(m_Manipulator);
+    check.checkRows(m_Hard.rows, columns());
+    check.checkJoints();
+    check.checkSettings(m_Settings);
+    for (const Constraint& constraint : m_Constraints) {
+        check.checkEndEffector(constraint.name, *constraint.endEffector, constraint.kind,
+                               constraint.hasTarget);
+        if (!m_Settings.isBaseFixed()) {
+            check.checkBaseColumns(constraint.name, *constraint.endEffector);
+        }
+    }
+    const auto areFinite = [](const auto& values) {
+        return std::all_of(values.begin(), values.end(), [](double value) { return std::isfinite(value); });
+    };
+    if (!areFinite(m_Position.jointPositions()) || !areFinite(m_Rates)) {
+        check.add(true, "the state is not finite");
+    }
+    if (check.issues().empty()) {
+        adviseOnRows(check);
+    }
+    return check.issues();
+}
+
+/// Rows that depend on each other where the arm is now.
+void NqControlLoop::adviseOnRows(NqControlLoopCheck& check) {
+    stackConstraints();
+    m_Probe.split(m_Hard.jacobian, m_Hard.rows, kDependent);
+    for (unsigned i = 0; i < m_Probe.lost(); ++i) {
+        std::string names;
+        for (const Constraint& constraint : m_Constraints) {
+            bool isIn = false;
+            for (unsigned r = 0; constraint.isHard && r < constraint.velocity.size(); ++r) {
+                isIn = isIn || std::abs(m_Probe.direction(i)[constraint.row + r]) > kDependent;
+            }
+            names += isIn ? (names.empty() ? "'" : " and '") + constraint.name + "'" : "";
+        }
+        check.add(false, "the rows of " + names +
+                             " depend on each other, or no joint moves them, where the arm is now");
+    }
+}
+
+/// Whether nothing is known to be wrong. What is, is said once.
+bool NqControlLoop::isReady() {
+    if (!m_IsValid && !m_IsRefused) {
+        m_IsValid = true;
+        for (const NqControlLoopCheck::Issue& issue : validate()) {
+            if (issue.isFatal) {
+                m_IsValid = false;
+                m_IsRefused = true;
+                Nq::Print::instance().write(Nq::PrintFailure, "NqControlLoop::step(): %s.\n", issue.text);
+            }
+        }
+    }
+    return m_IsValid;
+}
+
 bool NqControlLoop::step() {
+    if (!isReady()) {
+        m_Status.kind = NqControlLoopStatus::BadInput;
+        return false;
+    }
     stackConstraints();
     commandVelocities();
     weighSoftConstraints();
     boundRates();
-    if (!solve()) {
+    if (m_IsGoing) {
+        goOn();
+    } else if (!solve()) {
+        m_Status.kind = NqControlLoopStatus::BadInput;
+        std::copy_n(m_Velocity.jointVelocities().begin(), m_Joints, m_Rates.begin());
         return false;
     }
     measureVelocities();
     integrate();
     observe();
+    judge();
     return true;
 }
 
@@ -394,20 +478,22 @@ bool NqControlLoop::solve() {
                                   m_Singularities.keptVelocity(), m_Lower, m_Upper);
         }
     }
-    m_Brake = Brake::None;
+    m_Status.joints.clear();
+    m_Status.isCapped = tool->isCapped();
     const double scale = outcome == Outcome::Failed || outcome == Outcome::Blocked ? 0.0 : tool->scale();
     const double greatest = greatestScale();
-    if (outcome != Outcome::Unlimited && outcome != Outcome::Limited) {
-        noteBrake(*tool);
+    if (outcome == Outcome::Slowed || outcome == Outcome::Blocked) {
+        noteHolds(tool->holds());
     }
-    const double leaving = std::clamp((kWhollyOnPath - scale) / (kWhollyOnPath - kWhollyOffPath), 0.0, 1.0);
+    double leaving = std::clamp((kWhollyOnPath - scale) / (kWhollyOnPath - kWhollyOffPath), 0.0, 1.0);
+    if (leaving < 1.0 && scale > greatest) {
+        leaving = tool->solveAgain(greatest, m_Lower, m_Upper) == Outcome::Blocked ? 1.0 : leaving;
+    }
     if (leaving < 1.0) {
-        if (scale > greatest) {
-            outcome = tool->solveAgain(greatest, m_Lower, m_Upper);
-        }
         std::copy(tool->rates().begin(), tool->rates().end(), m_Rates.begin());
     }
     m_Scale = std::min(scale, greatest);
+    m_Leaving = leaving;
     if (leaving > 0.0) {
         leavePath(leaving, outcome == Outcome::Failed ? nullptr : tool);
     }
@@ -445,32 +531,228 @@ void NqControlLoop::leavePath(double share, const NqLimitedVelocityTool* tool) {
     const bool isHolding = m_Settings.blocked() == NqControlLoopSettings::Hold;
     m_LeastSquares.solve(m_Hard.jacobian, m_Hard.rows, isHolding ? m_NoCommand : m_Hard.command, m_Wished,
                          m_Weights, m_Settings.damping(), m_Lower, m_Upper, m_Sliding);
+    noteHolds(m_LeastSquares.holds());
     for (std::size_t k = 0; k < m_Rates.size(); ++k) {
         m_Rates[k] = share < 1.0 ? (1.0 - share) * m_Rates[k] + share * m_Sliding[k] : m_Sliding[k];
     }
 }
 
-/// Whom to blame: of the joints that are held, the one that weighs most against the path.
-void NqControlLoop::noteBrake(const NqLimitedVelocityTool& tool) {
-    double most = -1.0;
-    for (const NqBoundActiveSet::Hold& hold : tool.holds()) {
-        if (hold.unknown < m_Joints && std::abs(hold.multiplier) > most) {
-            most = std::abs(hold.multiplier);
-            m_BrakingJoint = hold.unknown;
+bool NqControlLoop::goTo(const std::vector<double>& posture) {
+    bool isGood = posture.size() == m_Joints;
+    for (unsigned j = 0; j < m_Joints && isGood; ++j) {
+        isGood =
+            posture[j] >= m_Limits[j].lower && posture[j] <= m_Limits[j].upper && std::isfinite(posture[j]);
+    }
+    if (!isGood) {
+        Nq::Print::instance().write(Nq::PrintFailure,
+                                    "NqControlLoop::goTo(): that is no posture of the manipulator.\n");
+        return false;
+    }
+    m_Going = posture;
+    m_IsGoing = true;
+    return true;
+}
+
+void NqControlLoop::follow() {
+    m_IsGoing = false;
+    for (Constraint& constraint : m_Constraints) {
+        std::copy(constraint.velocity.begin(), constraint.velocity.end(), constraint.previous.begin());
+    }
+}
+
+double NqControlLoop::leftToGo() const {
+    double left = 0.0;
+    for (std::size_t j = 0; j < m_Going.size(); ++j) {
+        left = std::max(left, std::abs(m_Going[j] - m_Position.jointPositions()[j]));
+    }
+    return left;
+}
+
+/// Rates along the straight line in joint space.
+void NqControlLoop::goOn() {
+    double scale = 1.0;
+    m_Wished.assign(columns(), 0.0);
+    for (unsigned j = 0; j < m_Joints; ++j) {
+        m_Wished[j] = kGoingGain * (m_Going[j] - m_Position.jointPositions()[j]);
+        const double rate = m_Limits[j].rate;
+        if (std::abs(m_Wished[j]) * scale > rate) {
+            scale = rate / std::abs(m_Wished[j]);
+        }
+    }
+    for (const Part& part : m_Parts) {
+        Constraint& constraint = m_Constraints[part.endEffector];
+        for (unsigned i = 0; i < constraint.velocity.size(); ++i) {
+            const auto& row = stackOf(constraint).jacobian[constraint.row + i];
+            constraint.change[i] = std::inner_product(row.begin(), row.end(), m_Wished.begin(), 0.0);
+        }
+        const double speed = part.part.size(constraint.change.data());
+        if (constraint.isHard && speed * scale > part.part.speedLimit) {
+            scale = part.part.speedLimit / speed;
+        }
+    }
+    for (unsigned j = 0; j < m_Joints; ++j) {
+        m_Rates[j] = std::clamp(scale * m_Wished[j], m_Lower[j], m_Upper[j]);
+    }
+    std::fill(m_Rates.begin() + m_Joints, m_Rates.end(), 0.0);
+    m_Status.joints.clear();
+    m_Lost = 0;
+    m_Leaving = 0.0;
+    m_Slowing = m_Scale = 1.0;
+}
+
+/// The joints that are held, and by what.
+void NqControlLoop::noteHolds(const std::vector<NqBoundActiveSet::Hold>& holds) {
+    m_Status.joints.clear();
+    for (const NqBoundActiveSet::Hold& hold : holds) {
+        if (hold.unknown < m_Joints) {
             const NqJointBounds& bounds = m_Bounds[hold.unknown];
-            switch (hold.isUpper ? bounds.upperCause : bounds.lowerCause) {
-            case NqJointBounds::Cause::Rate:
-                m_Brake = Brake::Rate;
-                break;
-            case NqJointBounds::Cause::Range:
-                m_Brake = Brake::Range;
-                break;
-            case NqJointBounds::Cause::Acceleration:
-                m_Brake = Brake::Acceleration;
-                break;
+            m_Status.joints.push_back({hold.unknown, hold.isUpper ? bounds.upperCause : bounds.lowerCause,
+                                       hold.isUpper, std::abs(hold.multiplier)});
+        }
+    }
+    std::sort(m_Status.joints.begin(), m_Status.joints.end(),
+              [](const auto& a, const auto& b) { return a.multiplier > b.multiplier; });
+}
+
+double NqControlLoop::largestError() const {
+    double error = 0.0;
+    for (std::size_t p = 0; p < m_Parts.size(); ++p) {
+        error = m_Constraints[m_Parts[p].endEffector].isHard ? std::max(error, m_Errors[p]) : error;
+    }
+    return error;
+}
+
+/// What there is to say about the step, once it was made.
+void NqControlLoop::judge() {
+    m_Status.distance = largestError();
+    m_Status.leastSingularValue = m_Lost > 0 ? m_Singularities.singularValue(0) : kEndless;
+    const double fastest = std::accumulate(m_Rates.begin(), m_Rates.end(), 0.0, [](double most, double rate) {
+        return std::max(most, std::abs(rate));
+    });
+    m_IsProbed = m_IsProbed && fastest < kRest;
+    double residual = 0.0;
+    for (std::size_t e = 0; e < m_Constraints.size(); ++e) {
+        const Constraint& constraint = m_Constraints[e];
+        for (std::size_t i = 0; constraint.isHard && i < constraint.velocity.size(); ++i) {
+            const double left = std::abs(constraint.filtered[i] - constraint.velocity[i]);
+            if (left > residual) {
+                residual = left;
+                m_Status.endEffector = e;
             }
         }
     }
+    const bool hasLimits = std::any_of(m_Status.joints.begin(), m_Status.joints.end(), [](const auto& joint) {
+        return joint.cause != NqJointBounds::Cause::Acceleration;
+    });
+    if (m_Status.distance <= m_Settings.tolerance()) {
+        m_Status.kind = NqControlLoopStatus::Reached;
+    } else if (m_Lost > 0 && fastest < kRest) {
+        judgeLostDirection();
+    } else if (m_Leaving > 0.0 && hasLimits) {
+        m_Status.kind = NqControlLoopStatus::Held;
+    } else {
+        m_Status.kind =
+            m_Slowing < kHardlySlowed ? NqControlLoopStatus::Slowed : NqControlLoopStatus::Running;
+    }
+}
+
+/// At rest, with directions that the joints can't make: which of these the command asks for.
+void NqControlLoop::judgeLostDirection() {
+    double most = 0.0;
+    unsigned lost = 0;
+    for (unsigned i = 0; i < m_Lost; ++i) {
+        const std::vector<double>& direction = m_Singularities.direction(i);
+        const double asked = std::abs(
+            std::inner_product(m_Hard.command.begin(), m_Hard.command.end(), direction.begin(), 0.0));
+        if (asked > most) {
+            most = asked;
+            lost = i;
+        }
+    }
+    const std::vector<double>& direction = m_Singularities.direction(lost);
+    m_Status.leastSingularValue = m_Singularities.singularValue(lost);
+    double largest = 0.0;
+    double next = 0.0;
+    for (std::size_t e = 0; e < m_Constraints.size(); ++e) {
+        const Constraint& constraint = m_Constraints[e];
+        if (!constraint.isHard) {
+            continue;
+        }
+        double size = 0.0;
+        for (unsigned i = 0; i < constraint.velocity.size(); ++i) {
+            size = std::max(size, std::abs(direction[constraint.row + i]));
+        }
+        if (size > largest) {
+            next = largest;
+            m_Status.other = m_Status.endEffector;
+            m_Status.endEffector = e;
+            largest = size;
+        } else if (size > next) {
+            next = size;
+            m_Status.other = e;
+        }
+    }
+    const Constraint& constraint = m_Constraints[m_Status.endEffector];
+    double part[6] = {};
+    for (unsigned i = 0; i < std::min<std::size_t>(6, constraint.velocity.size()); ++i) {
+        part[i] = direction[constraint.row + i];
+    }
+    const NqVector first(part[0], part[1], part[2]);
+    const NqVector second(part[3], part[4], part[5]);
+    m_Status.isAngular = second.mag() > first.mag() ||
+                         (!constraint.kind.parts().empty() && constraint.kind.parts()[0].isAngular);
+    m_Status.direction = second.mag() > first.mag() ? second : first;
+    if (m_Status.leastSingularValue < kDependent && next > kDependent) {
+        m_Status.kind = NqControlLoopStatus::Contradictory;
+        return;
+    }
+    if (!m_IsProbed) {
+        m_CanComeNearer = canComeNearer();
+        m_IsProbed = true;
+    }
+    m_Status.kind = !m_Status.joints.empty() ? NqControlLoopStatus::Held
+                    : m_CanComeNearer        ? NqControlLoopStatus::Singular
+                                             : NqControlLoopStatus::OutOfReach;
+}
+
+/// Whether some motion that the rows don't notice in first order brings the end-effectors nearer in second.
+/// The state is as before afterwards.
+bool NqControlLoop::canComeNearer() {
+    const double before = largestError();
+    const NqReArray& free = m_ReducedTool.nullSpace();
+    const NqPositionState here = m_Position;
+    bool isNearer = false;
+    for (unsigned c = 0; c < free.columns() && !isNearer; ++c) {
+        double largest = 0.0;
+        for (unsigned j = 0; j < m_Joints; ++j) {
+            largest = std::max(largest, std::abs(free[j][c]));
+        }
+        for (const double step : {kProbe, -kProbe}) {
+            for (unsigned j = 0; j < m_Joints && largest > 0.0; ++j) {
+                m_Position.jointPositions()[j] = here.jointPositions()[j] + step / largest * free[j][c];
+            }
+            m_State.setPositionState(m_Position);
+            observe();
+            isNearer = isNearer || largestError() < before - kProbe * kProbe * kProbe;
+        }
+    }
+    m_Position = here;
+    m_State.setPositionState(m_Position);
+    observe();
+    return isNearer;
+}
+
+double NqControlLoop::leastSingularValue() {
+    if (m_Hard.rows == 0) {
+        return std::numeric_limits<double>::quiet_NaN();
+    }
+    m_Probe.split(m_Hard.jacobian, m_Hard.rows, 0.0);
+    return m_Probe.singularValue(0);
+}
+
+double NqControlLoop::condition() {
+    const double least = leastSingularValue();
+    return m_Hard.rows == 0 ? least : m_Probe.singularValue(m_Hard.rows - 1) / least;
 }
 
 void NqControlLoop::integrate() {

@@ -147,8 +147,13 @@ void NqControlLoop::resize() {
     m_DampedMetric.setToZeros(columns(), columns());
     m_Hard.command.resize(m_Hard.rows);
     m_NoCommand.assign(m_Hard.rows, 0.0);
-    m_Tool.prepare(columns());
-    m_ReducedTool.prepare(columns());
+    if (m_Hard.rows <= columns()) {
+        m_Tool.prepare(columns(), m_Hard.rows);
+        m_ReducedTools.resize(m_Hard.rows + 1);
+        for (unsigned lost = 1; lost <= m_Hard.rows; ++lost) {
+            m_ReducedTools[lost].prepare(columns(), m_Hard.rows - lost);
+        }
+    }
     m_Singularities.prepare(m_Hard.rows, columns());
     m_Probe.prepare(m_Hard.rows, columns());
     m_Status.joints.reserve(m_Joints);
@@ -473,7 +478,7 @@ bool NqControlLoop::solve() {
         m_Lost = m_Singularities.split(m_Hard.jacobian, m_Hard.rows, threshold);
         if (m_Lost > 0) {
             dampLostDirections();
-            tool = &m_ReducedTool;
+            tool = &m_ReducedTools[m_Lost];
             outcome = tool->solve(m_Singularities.keptRows(), m_DampedMetric, m_DampedGradient,
                                   m_Singularities.keptVelocity(), m_Lower, m_Upper);
         }
@@ -497,6 +502,8 @@ bool NqControlLoop::solve() {
     if (leaving > 0.0) {
         leavePath(leaving, outcome == Outcome::Failed ? nullptr : tool);
     }
+    m_SolverSteps =
+        m_Tool.steps() + (tool == &m_Tool ? 0 : tool->steps()) + (leaving > 0.0 ? m_LeastSquares.steps() : 0);
     m_Slowing = shareMade();
     if (leaving > 0.0) {
         m_Scale += leaving * (std::max(m_Slowing, m_Scale) - m_Scale);
@@ -719,7 +726,7 @@ void NqControlLoop::judgeLostDirection() {
 /// The state is as before afterwards.
 bool NqControlLoop::canComeNearer() {
     const double before = largestError();
-    const NqReArray& free = m_ReducedTool.nullSpace();
+    const NqReArray& free = m_ReducedTools[m_Lost].nullSpace();
     const NqPositionState here = m_Position;
     bool isNearer = false;
     for (unsigned c = 0; c < free.columns() && !isNearer; ++c) {

@@ -128,7 +128,7 @@ public:
     double leastSingularValue();
     double condition();
     /// Steps of the active sets in the last step.
-    unsigned solverSteps() const { return m_Tool.steps() + m_ReducedTool.steps() + m_LeastSquares.steps(); }
+    unsigned solverSteps() const { return m_SolverSteps; }
 
     /// Present placements, in the system frame.
     const std::vector<NqCoordinateSystemTransformation>& placements() const { return m_Placements; }
@@ -220,7 +220,7 @@ private:
     NqManipulatorActiveState m_State;
 
     NqLimitedVelocityTool m_Tool;
-    NqLimitedVelocityTool m_ReducedTool; ///< where directions are lost
+    std::vector<NqLimitedVelocityTool> m_ReducedTools; ///< where directions are lost, by how many
     NqSingularityFilter m_Singularities;
     NqBoundedLeastSquares m_LeastSquares;
     std::vector<NqJointBounds::Limits> m_Limits; ///< of the joints
@@ -231,6 +231,7 @@ private:
     std::vector<double> m_Sliding; ///< rates that leave the path
     std::vector<double> m_NoCommand;
     unsigned m_Lost = 0;  ///< directions, in the last step
+    unsigned m_SolverSteps = 0;
     double m_Scale = 1.0; ///< of the commanded velocities, in the last step
     Stack m_Hard;
     Stack m_Soft;

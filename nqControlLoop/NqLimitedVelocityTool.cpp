@@ -67,7 +67,17 @@ private:
     double m_Weight;
 };
 
-void NqLimitedVelocityTool::prepare(unsigned n) {
+/// By a solve of that size, which sizes what the solver keeps to itself.
+void NqLimitedVelocityTool::prepare(unsigned n, unsigned m) {
+    NqReArray jacobian, metric;
+    jacobian.setToIdentity(m, n);
+    metric.setToIdentity(n, n);
+    const std::vector<double> zeros(n), ends(n, 1.0);
+    size(n);
+    solve(jacobian, metric, zeros, zeros, zeros, ends);
+}
+
+void NqLimitedVelocityTool::size(unsigned n) {
     m_Bounds.resize(n);
     for (auto* vector : {&m_Rates, &m_NullSpaceRates, &m_Path, &m_Limited, &m_Freedom, &m_RightHandSide}) {
         vector->assign(n, 0.0);
@@ -89,7 +99,7 @@ NqLimitedVelocityTool::solve(const NqReArray& jacobian, const NqReArray& metric,
                              const std::vector<double>& lower, const std::vector<double>& upper) {
     const auto n = static_cast<unsigned>(lower.size());
     if (m_Limited.size() != n) {
-        prepare(n);
+        size(n);
     }
     m_Rows = jacobian.rows();
     m_Steps = 0;

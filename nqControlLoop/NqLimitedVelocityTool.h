@@ -23,13 +23,12 @@ public:
         Failed     ///< no finite rates even without bounds; nothing is known but the sizes
     };
 
-    /// Sizes all workspace for n rates. Other sizes allocate when they are met.
-    void prepare(unsigned n);
+    /// Sizes all workspace for n rates and m rows. Other sizes allocate when they are met.
+    void prepare(unsigned n, unsigned m);
 
     /// @param jacobian  J, m by n, of full rank
     /// @param metric, gradient, velocity  W, g, v as calcJointRates() takes them
     /// @param lower, upper  bounds of the rates, lower not above upper; may be infinite
-    /// @param greatestScale  what s may be at most
     Outcome solve(const NqReArray& jacobian, const NqReArray& metric, const std::vector<double>& gradient,
                   const std::vector<double>& velocity, const std::vector<double>& lower,
                   const std::vector<double>& upper);
@@ -58,6 +57,8 @@ public:
     double leastPivot() const;
 
 private:
+    void size(unsigned n);
+
     class Response;
     class ScaledResponse;
 

@@ -1,5 +1,5 @@
-// One control loop in its smallest form: a point of the hand goes to a target, the other joints of the arm
-// stay as free as the three rows of that constraint leave them.
+// A control step from the parts of the core alone, without limits: a point of the hand goes to a target, the
+// other joints of the arm stay as free as the three rows of that constraint leave them.
 #include <nqControlCore/core/NqCoreVelocityControlTool.h>
 #include <nqControlCore/endeffector/NqPointEndEffector.h>
 #include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
@@ -7,7 +7,6 @@
 #include <cstdio>
 
 int main() {
-    // [README
     NqIndividualManipulator arm;
     if (!NqUrdfReader::readFile("models/arm7.urdf", arm)) {
         return 1;
@@ -39,7 +38,6 @@ int main() {
         }
         previous = command;
     }
-    // README]
 
     NqEndEffectorPlacement reached;
     state.setPositionState(position);

@@ -7,6 +7,29 @@
 #include <numeric>
 #include <unordered_map>
 
+namespace {
+
+/// Below this share of the commanded velocities the motion begins to leave its path, and at this one it
+/// follows the least error alone.
+constexpr double kWhollyOnPath = 0.1;
+constexpr double kWhollyOffPath = 0.02;
+/// So many times the threshold a pivot may be and singular values still be asked for: pivots are seldom so
+/// much larger than the least singular value.
+constexpr double kPivotMargin = 10.0;
+/// All rates below this (rad/s, m/s): the arm stands still.
+constexpr double kRest = 0.01;
+/// A share of the commanded velocities above this counts as all of it.
+constexpr double kHardlySlowed = 0.98;
+/// A least singular value below this is rounding: rows depend on each other, or no joint moves them.
+constexpr double kDependent = 1.0e-9;
+/// How fast the joints go to a posture, for their distance from it, 1/s.
+constexpr double kGoingGain = 5.0;
+/// How far the joints are moved to see what that brings, rad or m.
+constexpr double kProbe = 0.05;
+constexpr double kEndless = std::numeric_limits<double>::infinity();
+
+} // namespace
+
 NqControlLoop::NqControlLoop(const NqIndividualManipulator& manipulator,
                              const NqControlLoopSettings& settings)
     : m_Manipulator(manipulator), m_Settings(settings), m_Joints(manipulator.numberOfJoints()),
@@ -43,13 +66,17 @@ void NqControlLoop::addEndEffectors(const NqEndEffectorVector& endEffectors) {
     finishAdding();
 }
 
-bool NqControlLoop::addEndEffector(const std::string& name, const NqEndEffector& endEffector) {
+bool NqControlLoop::addEndEffector(const std::string& name, const NqEndEffector& endEffector,
+                                   bool isFiltered) {
     if (find(name) != m_Constraints.size()) {
         Nq::Print::instance().write(Nq::PrintFailure,
                                     "NqControlLoop::addEndEffector(): the name %s is taken.\n", name);
         return false;
     }
     add(name, endEffector);
+    if (!isFiltered) {
+        m_Constraints.back().endEffector->setFilteringActive(false);
+    }
     finishAdding();
     return true;
 }
@@ -97,6 +124,7 @@ unsigned NqControlLoop::columns() const {
 
 /// Gives all that depends on the number of joints and rows its size.
 void NqControlLoop::resize() {
+    m_IsValid = m_IsRefused = false;
     m_Weights.assign(columns(), 1.0);
     const auto& joints = m_Settings.jointWeights();
     std::copy_n(joints.begin(), std::min<std::size_t>(joints.size(), m_Joints), m_Weights.begin());
@@ -106,7 +134,30 @@ void NqControlLoop::resize() {
     m_Metric = m_Weights;
     m_Gradient.assign(columns(), 0.0);
     m_Rates.resize(columns());
+    m_Limits.clear();
+    for (unsigned j = 0; j < m_Joints; ++j) {
+        m_Limits.push_back(limitsOf(j));
+    }
+    m_Bounds.assign(m_Joints,
+                    NqJointBounds(m_Limits.empty() ? NqJointBounds::Limits{} : m_Limits[0], 0.0, 0.0, 1.0));
+    m_Lower.assign(columns(), -kEndless);
+    m_Upper.assign(columns(), kEndless);
+    m_Sliding.assign(columns(), 0.0);
+    m_Wished = m_DampedGradient = m_Sliding;
+    m_DampedMetric.setToZeros(columns(), columns());
     m_Hard.command.resize(m_Hard.rows);
+    m_NoCommand.assign(m_Hard.rows, 0.0);
+    if (m_Hard.rows <= columns()) {
+        m_Tool.prepare(columns(), m_Hard.rows);
+        m_ReducedTools.resize(m_Hard.rows + 1);
+        for (unsigned lost = 1; lost <= m_Hard.rows; ++lost) {
+            m_ReducedTools[lost].prepare(columns(), m_Hard.rows - lost);
+        }
+    }
+    m_Singularities.prepare(m_Hard.rows, columns());
+    m_Probe.prepare(m_Hard.rows, columns());
+    m_Status.joints.reserve(m_Joints);
+    m_LeastSquares.prepare(columns());
     m_Soft.command.resize(m_Soft.rows);
     m_Placements.resize(m_Constraints.size());
     m_Errors.resize(m_Parts.size());
@@ -114,6 +165,23 @@ void NqControlLoop::resize() {
     m_Accelerations.resize(m_Parts.size());
     stackConstraints();
     observe();
+}
+
+NqJointBounds::Limits NqControlLoop::limitsOf(unsigned j) const {
+    const NqManipulatorLink& link = *m_Manipulator.linkByIndex(j);
+    const NqJointDescription& joint = link.joint();
+    const auto& held = m_Settings.heldJoints();
+    bool isHeld = false;
+    for (const auto& label : held) {
+        isHeld = isHeld || label.value() == joint.name() || label.value() == link.linkLabel();
+    }
+    const auto& given = m_Settings.accelerationLimits();
+    const double time = m_Settings.accelerationTime();
+    const double acceleration = j < given.size() ? given[j]
+                                : time > 0.0     ? joint.rateLimit() / time
+                                                 : kEndless;
+    return {joint.lowerPositionLimit(), joint.upperPositionLimit(), isHeld ? 0.0 : joint.rateLimit(),
+            acceleration, m_Settings.approach()};
 }
 
 void NqControlLoop::setPositions(const std::vector<double>& positions) {
@@ -148,6 +216,7 @@ void NqControlLoop::setState(const NqPositionState& position, const NqVelocitySt
     }
     m_State.setPositionState(m_Position);
     m_State.setVelocityState(m_Velocity);
+    m_IsRefused = false;
     observe();
 }
 
@@ -181,11 +250,11 @@ bool NqControlLoop::setTarget(std::size_t e, const NqControlTarget& target) {
     return true;
 }
 
-void NqControlLoop::setTarget(std::size_t e, const NqEndEffectorPlacement& target) {
+void NqControlLoop::setTarget(std::size_t e, const NqEndEffectorPlacement& target, bool isInSystem) {
     Constraint& constraint = m_Constraints[e];
     constraint.target = target;
     constraint.hasTarget = true;
-    constraint.isTargetInSystem = false;
+    constraint.isTargetInSystem = isInSystem;
     std::fill(constraint.desired.begin(), constraint.desired.end(), 0.0);
     observe();
 }
@@ -206,17 +275,83 @@ NqEndEffectorPlacement NqControlLoop::relativePlacement(std::size_t e) {
     return placement;
 }
 
+std::vector<NqControlLoopCheck::Issue> NqControlLoop::validate() {
+    NqControlLoopCheck check(m_Manipulator);
+    check.checkRows(m_Hard.rows, columns());
+    check.checkJoints();
+    check.checkSettings(m_Settings);
+    for (const Constraint& constraint : m_Constraints) {
+        check.checkEndEffector(constraint.name, *constraint.endEffector, constraint.kind,
+                               constraint.hasTarget);
+        if (!m_Settings.isBaseFixed()) {
+            check.checkBaseColumns(constraint.name, *constraint.endEffector);
+        }
+    }
+    const auto areFinite = [](const auto& values) {
+        return std::all_of(values.begin(), values.end(), [](double value) { return std::isfinite(value); });
+    };
+    if (!areFinite(m_Position.jointPositions()) || !areFinite(m_Rates)) {
+        check.add(true, "the state is not finite");
+    }
+    if (check.issues().empty()) {
+        adviseOnRows(check);
+    }
+    return check.issues();
+}
+
+/// Rows that depend on each other where the arm is now.
+void NqControlLoop::adviseOnRows(NqControlLoopCheck& check) {
+    stackConstraints();
+    m_Probe.split(m_Hard.jacobian, m_Hard.rows, kDependent);
+    for (unsigned i = 0; i < m_Probe.lost(); ++i) {
+        std::string names;
+        for (const Constraint& constraint : m_Constraints) {
+            bool isIn = false;
+            for (unsigned r = 0; constraint.isHard && r < constraint.velocity.size(); ++r) {
+                isIn = isIn || std::abs(m_Probe.direction(i)[constraint.row + r]) > kDependent;
+            }
+            names += isIn ? (names.empty() ? "'" : " and '") + constraint.name + "'" : "";
+        }
+        check.add(false, "the rows of " + names +
+                             " depend on each other, or no joint moves them, where the arm is now");
+    }
+}
+
+/// Whether nothing is known to be wrong. What is, is said once.
+bool NqControlLoop::isReady() {
+    if (!m_IsValid && !m_IsRefused) {
+        m_IsValid = true;
+        for (const NqControlLoopCheck::Issue& issue : validate()) {
+            if (issue.isFatal) {
+                m_IsValid = false;
+                m_IsRefused = true;
+                Nq::Print::instance().write(Nq::PrintFailure, "NqControlLoop::step(): %s.\n", issue.text);
+            }
+        }
+    }
+    return m_IsValid;
+}
+
 bool NqControlLoop::step() {
+    if (!isReady()) {
+        m_Status.kind = NqControlLoopStatus::BadInput;
+        return false;
+    }
     stackConstraints();
     commandVelocities();
     weighSoftConstraints();
-    if (!solve()) {
+    boundRates();
+    if (m_IsGoing) {
+        goOn();
+    } else if (!solve()) {
+        m_Status.kind = NqControlLoopStatus::BadInput;
+        std::copy_n(m_Velocity.jointVelocities().begin(), m_Joints, m_Rates.begin());
         return false;
     }
-    slowDown();
     measureVelocities();
     integrate();
     observe();
+    judge();
     return true;
 }
 
@@ -294,37 +429,337 @@ double NqControlLoop::crowding(unsigned j) const {
     return 1.0 + 0.25 * (upper - lower) * (upper - lower) * std::abs(excess) / (room * room);
 }
 
-/// Joint rates with J rates = command that otherwise descend the gradient under the metric.
-bool NqControlLoop::solve() {
-    return m_Tool.calcJointRates(nullptr, m_Hard.jacobian, m_Metric, m_Gradient, 1.0, m_Hard.command,
-                                 columns(), m_Rates, m_NullSpaceRates, m_Determinant) &&
-           std::all_of(m_Rates.begin(), m_Rates.end(), [](double rate) { return std::isfinite(rate); });
+void NqControlLoop::boundRates() {
+    for (unsigned j = 0; j < m_Joints; ++j) {
+        m_Bounds[j] =
+            NqJointBounds(m_Limits[j], m_Position.jointPositions()[j], m_Rates[j], m_Settings.timeStep());
+        m_Lower[j] = m_Bounds[j].lower;
+        m_Upper[j] = m_Bounds[j].upper;
+    }
 }
 
-/// Scales all rates alike, so that the end-effectors stay on their way, until every joint keeps its limits.
-void NqControlLoop::slowDown() {
-    m_Slowing = 1.0;
-    m_Brake = Brake::None;
-    const auto brake = [&](unsigned joint, Brake kind, double allowed) {
-        const double rate = std::abs(m_Rates[joint]);
-        if (allowed < m_Slowing * rate) {
-            m_Slowing = allowed / rate;
-            m_Brake = kind;
-            m_BrakingJoint = joint;
+/// How much of the commanded velocities there may be, so that after a slow stretch they don't rise faster
+/// than the end-effectors' own limits of acceleration allow.
+double NqControlLoop::greatestScale() const {
+    double rise = 1.0;
+    for (const Part& part : m_Parts) {
+        const Constraint& constraint = m_Constraints[part.endEffector];
+        const double speed = part.part.size(constraint.filtered.values().data());
+        const double change = part.part.accelerationLimit * m_Settings.timeStep();
+        if (constraint.isHard && change < rise * speed) {
+            rise = change / speed;
         }
-    };
-    const double approach = std::min(m_Settings.approach(), 1.0 / m_Settings.timeStep());
+    }
+    return std::min(1.0, m_Scale + rise);
+}
+
+/// Share of the commanded velocities that the rates make, along these.
+double NqControlLoop::shareMade() const {
+    double made = 0.0;
+    double commanded = 0.0;
+    for (unsigned i = 0; i < m_Hard.rows; ++i) {
+        const auto& row = m_Hard.jacobian[i];
+        made += m_Hard.command[i] * std::inner_product(row.begin(), row.end(), m_Rates.begin(), 0.0);
+        commanded += m_Hard.command[i] * m_Hard.command[i];
+    }
+    return commanded > 0.0 ? std::clamp(made / commanded, 0.0, 1.0) : 1.0;
+}
+
+/// Joint rates with J rates = scale * command that otherwise descend the gradient under the metric.
+bool NqControlLoop::solve() {
+    using Outcome = NqLimitedVelocityTool::Outcome;
+    NqLimitedVelocityTool* tool = &m_Tool;
+    Outcome outcome = m_Tool.solve(m_Hard.jacobian, m_Metric, m_Gradient, m_Hard.command, m_Lower, m_Upper);
+    m_Determinant = outcome == Outcome::Failed ? 0.0 : m_Tool.determinant();
+    m_Lost = 0;
+    const double threshold = m_Settings.singularityThreshold();
+    if (outcome == Outcome::Failed || (m_Hard.rows > 0 && m_Tool.leastPivot() < kPivotMargin * threshold &&
+                                       m_Singularities.isNear(m_Hard.jacobian, m_Hard.rows, threshold))) {
+        m_Lost = m_Singularities.split(m_Hard.jacobian, m_Hard.rows, threshold);
+        if (m_Lost > 0) {
+            dampLostDirections();
+            tool = &m_ReducedTools[m_Lost];
+            outcome = tool->solve(m_Singularities.keptRows(), m_DampedMetric, m_DampedGradient,
+                                  m_Singularities.keptVelocity(), m_Lower, m_Upper);
+        }
+    }
+    m_Status.joints.clear();
+    m_Status.isCapped = tool->isCapped();
+    const double scale = outcome == Outcome::Failed || outcome == Outcome::Blocked ? 0.0 : tool->scale();
+    const double greatest = greatestScale();
+    if (outcome == Outcome::Slowed || outcome == Outcome::Blocked) {
+        noteHolds(tool->holds());
+    }
+    double leaving = std::clamp((kWhollyOnPath - scale) / (kWhollyOnPath - kWhollyOffPath), 0.0, 1.0);
+    if (leaving < 1.0 && scale > greatest) {
+        leaving = tool->solveAgain(greatest, m_Lower, m_Upper) == Outcome::Blocked ? 1.0 : leaving;
+    }
+    if (leaving < 1.0) {
+        std::copy(tool->rates().begin(), tool->rates().end(), m_Rates.begin());
+    }
+    m_Scale = std::min(scale, greatest);
+    m_Leaving = leaving;
+    if (leaving > 0.0) {
+        leavePath(leaving, outcome == Outcome::Failed ? nullptr : tool);
+    }
+    m_SolverSteps =
+        m_Tool.steps() + (tool == &m_Tool ? 0 : tool->steps()) + (leaving > 0.0 ? m_LeastSquares.steps() : 0);
+    m_Slowing = shareMade();
+    if (leaving > 0.0) {
+        m_Scale += leaving * (std::max(m_Slowing, m_Scale) - m_Scale);
+    }
+    return std::all_of(m_Rates.begin(), m_Rates.end(), [](double rate) { return std::isfinite(rate); });
+}
+
+/// The metric and the gradient with the lost directions in them.
+void NqControlLoop::dampLostDirections() {
+    const unsigned n = columns();
+    const bool isDiagonal = m_Metric.columns() == 1;
+    for (unsigned j = 0; j < n; ++j) {
+        if (isDiagonal) {
+            std::fill(m_DampedMetric[j].begin(), m_DampedMetric[j].end(), 0.0);
+            m_DampedMetric[j][j] = m_Metric[j][0];
+        } else {
+            std::copy(m_Metric[j].begin(), m_Metric[j].end(), m_DampedMetric[j].begin());
+        }
+    }
+    std::copy(m_Gradient.begin(), m_Gradient.end(), m_DampedGradient.begin());
+    m_Singularities.addCost(m_Hard.command, m_Settings.damping(), m_DampedMetric, m_DampedGradient);
+    m_Singularities.projectVelocity(m_Hard.command);
+}
+
+/// Turns the rates, by a share, towards those of the least error or, where the path is to be kept, towards
+/// rest.
+void NqControlLoop::leavePath(double share, const NqLimitedVelocityTool* tool) {
+    std::fill(m_Wished.begin(), m_Wished.end(), 0.0);
+    if (tool) {
+        std::copy(tool->nullSpaceRates().begin(), tool->nullSpaceRates().end(), m_Wished.begin());
+    }
+    const bool isHolding = m_Settings.blocked() == NqControlLoopSettings::Hold;
+    m_LeastSquares.solve(m_Hard.jacobian, m_Hard.rows, isHolding ? m_NoCommand : m_Hard.command, m_Wished,
+                         m_Weights, m_Settings.damping(), m_Lower, m_Upper, m_Sliding);
+    noteHolds(m_LeastSquares.holds());
+    for (std::size_t k = 0; k < m_Rates.size(); ++k) {
+        m_Rates[k] = share < 1.0 ? (1.0 - share) * m_Rates[k] + share * m_Sliding[k] : m_Sliding[k];
+    }
+}
+
+bool NqControlLoop::goTo(const std::vector<double>& posture) {
+    bool isGood = posture.size() == m_Joints;
+    for (unsigned j = 0; j < m_Joints && isGood; ++j) {
+        isGood =
+            posture[j] >= m_Limits[j].lower && posture[j] <= m_Limits[j].upper && std::isfinite(posture[j]);
+    }
+    if (!isGood) {
+        Nq::Print::instance().write(Nq::PrintFailure,
+                                    "NqControlLoop::goTo(): that is no posture of the manipulator.\n");
+        return false;
+    }
+    m_Going = posture;
+    m_IsGoing = true;
+    return true;
+}
+
+void NqControlLoop::follow() {
+    m_IsGoing = false;
+    for (Constraint& constraint : m_Constraints) {
+        std::copy(constraint.velocity.begin(), constraint.velocity.end(), constraint.previous.begin());
+    }
+}
+
+double NqControlLoop::leftToGo() const {
+    double left = 0.0;
+    for (std::size_t j = 0; j < m_Going.size(); ++j) {
+        left = std::max(left, std::abs(m_Going[j] - m_Position.jointPositions()[j]));
+    }
+    return left;
+}
+
+/// Rates along the straight line in joint space.
+void NqControlLoop::goOn() {
+    double scale = 1.0;
+    m_Wished.assign(columns(), 0.0);
     for (unsigned j = 0; j < m_Joints; ++j) {
-        const NqJointDescription& joint = m_Manipulator.linkByIndex(j)->joint();
-        const double position = m_Position.jointPositions()[j];
-        const double room =
-            m_Rates[j] > 0.0 ? joint.upperPositionLimit() - position : position - joint.lowerPositionLimit();
-        brake(j, Brake::Rate, joint.rateLimit());
-        brake(j, Brake::Range, std::max(room, 0.0) * approach);
+        m_Wished[j] = kGoingGain * (m_Going[j] - m_Position.jointPositions()[j]);
+        const double rate = m_Limits[j].rate;
+        if (std::abs(m_Wished[j]) * scale > rate) {
+            scale = rate / std::abs(m_Wished[j]);
+        }
     }
-    for (double& rate : m_Rates) {
-        rate *= m_Slowing;
+    for (const Part& part : m_Parts) {
+        Constraint& constraint = m_Constraints[part.endEffector];
+        for (unsigned i = 0; i < constraint.velocity.size(); ++i) {
+            const auto& row = stackOf(constraint).jacobian[constraint.row + i];
+            constraint.change[i] = std::inner_product(row.begin(), row.end(), m_Wished.begin(), 0.0);
+        }
+        const double speed = part.part.size(constraint.change.data());
+        if (constraint.isHard && speed * scale > part.part.speedLimit) {
+            scale = part.part.speedLimit / speed;
+        }
     }
+    for (unsigned j = 0; j < m_Joints; ++j) {
+        m_Rates[j] = std::clamp(scale * m_Wished[j], m_Lower[j], m_Upper[j]);
+    }
+    std::fill(m_Rates.begin() + m_Joints, m_Rates.end(), 0.0);
+    m_Status.joints.clear();
+    m_Lost = 0;
+    m_Leaving = 0.0;
+    m_Slowing = m_Scale = 1.0;
+}
+
+/// The joints that are held, and by what.
+void NqControlLoop::noteHolds(const std::vector<NqBoundActiveSet::Hold>& holds) {
+    m_Status.joints.clear();
+    for (const NqBoundActiveSet::Hold& hold : holds) {
+        if (hold.unknown < m_Joints) {
+            const NqJointBounds& bounds = m_Bounds[hold.unknown];
+            m_Status.joints.push_back({hold.unknown, hold.isUpper ? bounds.upperCause : bounds.lowerCause,
+                                       hold.isUpper, std::abs(hold.multiplier)});
+        }
+    }
+    std::sort(m_Status.joints.begin(), m_Status.joints.end(),
+              [](const auto& a, const auto& b) { return a.multiplier > b.multiplier; });
+}
+
+double NqControlLoop::largestError() const {
+    double error = 0.0;
+    for (std::size_t p = 0; p < m_Parts.size(); ++p) {
+        error = m_Constraints[m_Parts[p].endEffector].isHard ? std::max(error, m_Errors[p]) : error;
+    }
+    return error;
+}
+
+/// What there is to say about the step, once it was made.
+void NqControlLoop::judge() {
+    m_Status.distance = largestError();
+    m_Status.leastSingularValue = m_Lost > 0 ? m_Singularities.singularValue(0) : kEndless;
+    const double fastest = std::accumulate(m_Rates.begin(), m_Rates.end(), 0.0, [](double most, double rate) {
+        return std::max(most, std::abs(rate));
+    });
+    m_IsProbed = m_IsProbed && fastest < kRest;
+    double residual = 0.0;
+    for (std::size_t e = 0; e < m_Constraints.size(); ++e) {
+        const Constraint& constraint = m_Constraints[e];
+        for (std::size_t i = 0; constraint.isHard && i < constraint.velocity.size(); ++i) {
+            const double left = std::abs(constraint.filtered[i] - constraint.velocity[i]);
+            if (left > residual) {
+                residual = left;
+                m_Status.endEffector = e;
+            }
+        }
+    }
+    const bool hasLimits = std::any_of(m_Status.joints.begin(), m_Status.joints.end(), [](const auto& joint) {
+        return joint.cause != NqJointBounds::Cause::Acceleration;
+    });
+    if (m_Status.distance <= m_Settings.tolerance()) {
+        m_Status.kind = NqControlLoopStatus::Reached;
+    } else if (m_Lost > 0 && fastest < kRest) {
+        judgeLostDirection();
+    } else if (m_Leaving > 0.0 && hasLimits) {
+        m_Status.kind = NqControlLoopStatus::Held;
+    } else {
+        m_Status.kind =
+            m_Slowing < kHardlySlowed ? NqControlLoopStatus::Slowed : NqControlLoopStatus::Running;
+    }
+}
+
+/// At rest, with directions that the joints can't make: which of these the command asks for.
+void NqControlLoop::judgeLostDirection() {
+    double most = 0.0;
+    unsigned lost = 0;
+    for (unsigned i = 0; i < m_Lost; ++i) {
+        const std::vector<double>& direction = m_Singularities.direction(i);
+        const double asked = std::abs(
+            std::inner_product(m_Hard.command.begin(), m_Hard.command.end(), direction.begin(), 0.0));
+        if (asked > most) {
+            most = asked;
+            lost = i;
+        }
+    }
+    const std::vector<double>& direction = m_Singularities.direction(lost);
+    m_Status.leastSingularValue = m_Singularities.singularValue(lost);
+    double largest = 0.0;
+    double next = 0.0;
+    for (std::size_t e = 0; e < m_Constraints.size(); ++e) {
+        const Constraint& constraint = m_Constraints[e];
+        if (!constraint.isHard) {
+            continue;
+        }
+        double size = 0.0;
+        for (unsigned i = 0; i < constraint.velocity.size(); ++i) {
+            size = std::max(size, std::abs(direction[constraint.row + i]));
+        }
+        if (size > largest) {
+            next = largest;
+            m_Status.other = m_Status.endEffector;
+            m_Status.endEffector = e;
+            largest = size;
+        } else if (size > next) {
+            next = size;
+            m_Status.other = e;
+        }
+    }
+    const Constraint& constraint = m_Constraints[m_Status.endEffector];
+    double part[6] = {};
+    for (unsigned i = 0; i < std::min<std::size_t>(6, constraint.velocity.size()); ++i) {
+        part[i] = direction[constraint.row + i];
+    }
+    const NqVector first(part[0], part[1], part[2]);
+    const NqVector second(part[3], part[4], part[5]);
+    m_Status.isAngular = second.mag() > first.mag() ||
+                         (!constraint.kind.parts().empty() && constraint.kind.parts()[0].isAngular);
+    m_Status.direction = second.mag() > first.mag() ? second : first;
+    if (m_Status.leastSingularValue < kDependent && next > kDependent) {
+        m_Status.kind = NqControlLoopStatus::Contradictory;
+        return;
+    }
+    if (!m_IsProbed) {
+        m_CanComeNearer = canComeNearer();
+        m_IsProbed = true;
+    }
+    m_Status.kind = !m_Status.joints.empty() ? NqControlLoopStatus::Held
+                    : m_CanComeNearer        ? NqControlLoopStatus::Singular
+                                             : NqControlLoopStatus::OutOfReach;
+}
+
+/// Whether some motion that the rows don't notice in first order brings the end-effectors nearer in second.
+/// The state is as before afterwards.
+bool NqControlLoop::canComeNearer() {
+    const double before = largestError();
+    const NqReArray& free = m_ReducedTools[m_Lost].nullSpace();
+    const NqPositionState here = m_Position;
+    bool isNearer = false;
+    for (unsigned c = 0; c < free.columns() && !isNearer; ++c) {
+        double largest = 0.0;
+        for (unsigned j = 0; j < m_Joints; ++j) {
+            largest = std::max(largest, std::abs(free[j][c]));
+        }
+        for (const double step : {kProbe, -kProbe}) {
+            for (unsigned j = 0; j < m_Joints && largest > 0.0; ++j) {
+                m_Position.jointPositions()[j] = here.jointPositions()[j] + step / largest * free[j][c];
+            }
+            m_State.setPositionState(m_Position);
+            observe();
+            isNearer = isNearer || largestError() < before - kProbe * kProbe * kProbe;
+        }
+    }
+    m_Position = here;
+    m_State.setPositionState(m_Position);
+    observe();
+    return isNearer;
+}
+
+double NqControlLoop::leastSingularValue() {
+    if (m_Hard.rows == 0) {
+        return std::numeric_limits<double>::quiet_NaN();
+    }
+    m_Probe.split(m_Hard.jacobian, m_Hard.rows, 0.0);
+    return m_Probe.singularValue(0);
+}
+
+double NqControlLoop::condition() {
+    const double least = leastSingularValue();
+    return m_Hard.rows == 0 ? least : m_Probe.singularValue(m_Hard.rows - 1) / least;
 }
 
 void NqControlLoop::integrate() {
@@ -347,7 +782,7 @@ void NqControlLoop::integrate() {
     m_State.setVelocityState(m_Velocity);
     for (Constraint& constraint : m_Constraints) {
         for (std::size_t i = 0; i < constraint.filtered.size(); ++i) {
-            constraint.previous[i] = m_Slowing * constraint.filtered[i];
+            constraint.previous[i] = constraint.filtered[i];
         }
     }
     ++m_Steps;

@@ -1,10 +1,15 @@
 #pragma once
 
+#include <nqControlLoop/NqBoundedLeastSquares.h>
+#include <nqControlLoop/NqControlLoopCheck.h>
 #include <nqControlLoop/NqControlLoopSettings.h>
+#include <nqControlLoop/NqControlLoopStatus.h>
 #include <nqControlLoop/NqControlTarget.h>
+#include <nqControlLoop/NqJointBounds.h>
+#include <nqControlLoop/NqLimitedVelocityTool.h>
+#include <nqControlLoop/NqSingularityFilter.h>
 #include <nqControlLoop/NqTargetKind.h>
 
-#include <nqControlCore/core/NqCoreVelocityControlTool.h>
 #include <nqControlCore/endeffector/NqEndEffectorVector.h>
 #include <nqControlCore/foundation/manipulator/NqIndividualManipulator.h>
 #include <nqControlCore/foundation/manipulator/NqManipulatorActiveState.h>
@@ -21,27 +26,31 @@
 ///
 /// Each step() asks the end-effectors for their Jacobian rows and for the velocities that their motion
 /// filters command towards their targets, solves for the joint rates that give just these velocities and, as
-/// far as they leave the joints free, descend towards a posture, slows the arm where a joint would leave its
-/// limits, and integrates the rates. Soft end-effectors take part through metric and gradient: with their
+/// far as they leave the joints free, descend towards a posture, all within the limits of the joints, and
+/// integrates the rates. Soft end-effectors take part through metric and gradient: with their
 /// rows S, their weights E and the velocities s that they command, x are of all joint rates that meet the
 /// hard rows those of the least
 ///     x^T A x + 2 g^T x + (S x - s)^T E (S x - s)
 /// with the joints' weights A and the gradient g towards the posture.
 ///
+/// Limits of position, rate and acceleration hold in every step (NqJointBounds). A joint at a limit is held
+/// there and the others make its motion; where they can't, the motion slows along its path, and where it
+/// would come to a halt though the targets aren't reached, it leaves the path by the least error or stays, as
+/// the settings say (NqLimitedVelocityTool, NqBoundedLeastSquares). Near a singularity the direction that is
+/// being lost is damped (NqSingularityFilter).
+///
 /// The loop reads no clock and no file, starts no thread, and allocates nothing after the first step. One
 /// object belongs to one thread.
 class NqControlLoop {
 public:
-    /// What slowed a step.
-    enum class Brake { None, Rate, Range };
-
     /// The manipulator must outlive the loop.
     explicit NqControlLoop(const NqIndividualManipulator& manipulator,
                            const NqControlLoopSettings& settings = {});
 
     /// Takes a copy of an end-effector under a name of its own. False for a name that is taken. The target is
     /// at first where the end-effector is.
-    bool addEndEffector(const std::string& name, const NqEndEffector& endEffector);
+    /// `isFiltered` false switches its motion filter off: it then asks for the whole way in one step.
+    bool addEndEffector(const std::string& name, const NqEndEffector& endEffector, bool isFiltered = true);
     /// All of a collection, named by uniqueNames().
     void addEndEffectors(const NqEndEffectorVector& endEffectors);
     /// For each end-effector the label of its link or, where it has none, its type, numbered where several
@@ -62,10 +71,28 @@ public:
     bool setTarget(std::size_t endEffector, const NqControlTarget& target);
     /// The same in terms of placements: in the system frame, or in the frame of its relative link if it has
     /// one.
-    void setTarget(std::size_t endEffector, const NqEndEffectorPlacement& target);
+    void setTarget(std::size_t endEffector, const NqEndEffectorPlacement& target, bool isInSystem = false);
 
-    /// One control step. False, with the manipulator where it was, when there are no finite joint rates.
+    /// From the next step on the joints go to a posture, all arriving together, within their limits and not
+    /// faster than the end-effectors may move; these leave their paths meanwhile. False, with a message, for
+    /// a posture that isn't one or is out of the joints' ranges.
+    bool goTo(const std::vector<double>& posture);
+    bool isGoing() const { return m_IsGoing; }
+    /// Largest distance of a joint from there.
+    double leftToGo() const;
+    /// Ends that: the end-effectors follow their targets again.
+    void follow();
+
+    /// All that is wrong with manipulator, settings, end-effectors and targets: unknown links, with the
+    /// nearest label that exists; more rows than unknowns, rows that depend on each other; limits that are
+    /// negative, reversed or no numbers; weights and gains that are none; end-effectors without a target, or
+    /// of a type that a free base moves otherwise than its columns say.
+    std::vector<NqControlLoopCheck::Issue> validate();
+
+    /// One control step. False, with the manipulator where it was and status() BadInput, when validate()
+    /// finds something fatal, which is said once, or when something isn't finite.
     bool step();
+    const NqControlLoopStatus& status() const { return m_Status; }
 
     const NqIndividualManipulator& manipulator() const { return m_Manipulator; }
     const NqEndEffector& endEffector(std::size_t e) const { return *m_Constraints[e].endEffector; }
@@ -89,11 +116,19 @@ public:
     const std::vector<double>& positions() const { return m_Position.jointPositions().values(); }
     /// Rates of the last step, as they were after slowing; those of a free base behind those of the joints.
     const std::vector<double>& rates() const { return m_Rates; }
+    /// The target as it was set, in the frame of the relative link if there is one.
+    const NqEndEffectorPlacement& target(std::size_t e) const { return m_Constraints[e].target; }
+    bool isTargetInSystem(std::size_t e) const { return m_Constraints[e].isTargetInSystem; }
     const NqEndEffectorPlacement& systemTarget(std::size_t e) const { return m_Constraints[e].systemTarget; }
     /// The rows of the hard end-effectors.
     const NqReArray& jacobian() const { return m_Hard.jacobian; }
     /// Of the solver's square system in the last step; NaN before the first.
     double determinant() const { return m_Determinant; }
+    /// Of the hard rows as they are at present, computed on request: m and rad count alike. NaN without rows.
+    double leastSingularValue();
+    double condition();
+    /// Steps of the active sets in the last step.
+    unsigned solverSteps() const { return m_SolverSteps; }
 
     /// Present placements, in the system frame.
     const std::vector<NqCoordinateSystemTransformation>& placements() const { return m_Placements; }
@@ -106,16 +141,16 @@ public:
     const std::vector<Part>& parts() const { return m_Parts; }
     /// What is left to the target, in the part's unit.
     const std::vector<double>& errors() const { return m_Errors; }
+    /// The largest of the hard end-effectors.
+    double largestError() const;
     /// Speed in the last step, as the motion filter limits it: relative to the relative link in internal
     /// mode.
     const std::vector<double>& speeds() const { return m_Speeds; }
     /// By how much the velocity changed in the last step, for the time of it.
     const std::vector<double>& accelerations() const { return m_Accelerations; }
 
-    /// Share of the commanded step that was made, 0 to 1, and who is to blame if it is below 1.
+    /// Share of the commanded step that was made, 0 to 1.
     double slowing() const { return m_Slowing; }
-    Brake brake() const { return m_Brake; }
-    unsigned brakingJoint() const { return m_BrakingJoint; }
 
 private:
     /// The rows of the hard, or of the soft end-effectors one under the other, with what they command.
@@ -153,12 +188,24 @@ private:
     void commandVelocities();
     void weighSoftConstraints();
     double crowding(unsigned joint) const;
+    void boundRates();
     bool solve();
-    void slowDown();
+    void dampLostDirections();
+    void leavePath(double share, const NqLimitedVelocityTool* tool);
+    void noteHolds(const std::vector<NqBoundActiveSet::Hold>& holds);
+    void judge();
+    void judgeLostDirection();
+    bool canComeNearer();
+    void goOn();
+    bool isReady();
+    void adviseOnRows(NqControlLoopCheck& check);
+    double greatestScale() const;
+    double shareMade() const;
     void integrate();
     void measureVelocities();
     void observe();
     unsigned columns() const;
+    NqJointBounds::Limits limitsOf(unsigned joint) const;
 
     const NqIndividualManipulator& m_Manipulator;
     NqControlLoopSettings m_Settings;
@@ -172,18 +219,39 @@ private:
     NqVelocityState m_Velocity;
     NqManipulatorActiveState m_State;
 
-    NqCoreVelocityControlTool m_Tool;
+    NqLimitedVelocityTool m_Tool;
+    std::vector<NqLimitedVelocityTool> m_ReducedTools; ///< where directions are lost, by how many
+    NqSingularityFilter m_Singularities;
+    NqBoundedLeastSquares m_LeastSquares;
+    std::vector<NqJointBounds::Limits> m_Limits; ///< of the joints
+    std::vector<NqJointBounds> m_Bounds;
+    std::vector<double> m_Lower; ///< of the rates in this step, those of the base included
+    std::vector<double> m_Upper;
+    std::vector<double> m_Wished;
+    std::vector<double> m_Sliding; ///< rates that leave the path
+    std::vector<double> m_NoCommand;
+    unsigned m_Lost = 0;  ///< directions, in the last step
+    unsigned m_SolverSteps = 0;
+    double m_Scale = 1.0; ///< of the commanded velocities, in the last step
     Stack m_Hard;
     Stack m_Soft;
     NqReArray m_SoftWeights;
     NqReArray m_Metric;
     std::vector<double> m_Gradient;
+    NqReArray m_DampedMetric;
+    std::vector<double> m_DampedGradient;
     std::vector<double> m_Rates;
-    std::vector<double> m_NullSpaceRates;
     double m_Determinant = std::numeric_limits<double>::quiet_NaN();
     double m_Slowing = 1.0;
-    Brake m_Brake = Brake::None;
-    unsigned m_BrakingJoint = 0;
+    NqControlLoopStatus m_Status;
+    bool m_IsGoing = false;
+    std::vector<double> m_Going; ///< the posture to go to
+    double m_Leaving = 0.0;      ///< share by which the last step left its path
+    bool m_IsValid = false;      ///< whether validate() was asked since something changed, and found nothing
+    bool m_IsRefused = false;    ///< and found something
+    bool m_IsProbed = false;     ///< whether canComeNearer() was asked since the arm moved
+    bool m_CanComeNearer = true; ///< what it said
+    NqSingularityFilter m_Probe; ///< for what is computed on request
     std::vector<NqCoordinateSystemTransformation> m_Placements;
     std::vector<double> m_Errors;
     std::vector<double> m_Speeds;

@@ -104,8 +104,8 @@ private:
     NqXmlBasicType<double> m_AccelerationTime = 0.1;
     NqXmlBasicType<double> m_Approach = 10.0;
     NqXmlEnumType<unsigned int> m_Blocked = Slide;
-    NqXmlBasicType<double> m_SingularityThreshold = 0.1;
-    NqXmlBasicType<double> m_Damping = 0.1;
+    NqXmlBasicType<double> m_SingularityThreshold = 0.05;
+    NqXmlBasicType<double> m_Damping = 0.05;
     NqXmlBasicType<double> m_Tolerance = 1.0e-4;
     Labels m_HeldJoints;
     NqXmlBasicType<bool> m_IsBaseFixed = true;

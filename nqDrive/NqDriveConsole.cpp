@@ -74,10 +74,11 @@ std::string NqDriveConsole::progress(const NqDriveRun& run) const {
                        padded(run.record().parts[farthest].limits.unit, 3) + "  determinant " +
                        padded(significant(loop.determinant(), 3), 9) + "  fastest " +
                        joints[busiest].description.name() + " " + fixed(100.0 * load, 0) + " %";
-    if (loop.brake() != NqControlLoop::Brake::None) {
+    const NqControlLoopStatus& status = loop.status();
+    if (loop.slowing() < 0.98 && !status.joints.empty()) {
         line += "  slowed to " + fixed(100.0 * loop.slowing(), 0) + " % by " +
-                joints[loop.brakingJoint()].description.name() +
-                (loop.brake() == NqControlLoop::Brake::Rate ? " (rate)" : " (range)");
+                joints[status.joints[0].joint].description.name() + " (" +
+                NqDriveText::limitName(status.joints[0].cause) + ")";
     }
     return line;
 }

@@ -132,12 +132,19 @@ constexpr Option kOptions[] = {
      [](std::string_view t, Options& o, std::string& c) { return readNumber(t, 1.0, 100000.0, o.rate, c); }},
     {"--time", "S", "give up after this time (default 30)",
      [](std::string_view t, Options& o, std::string& c) { return readNumber(t, 0.0, 86400.0, o.time, c); }},
+    {"--wall", "S", "give up when the run itself takes longer than this (default 600)",
+     [](std::string_view t, Options& o, std::string& c) { return readNumber(t, 0.0, 86400.0, o.wall, c); }},
     {"--tolerance", "M", "m or rad within which a target counts as reached (default 0.0001)",
      [](std::string_view t, Options& o, std::string& c) { return readNumber(t, 0.0, 1.0, o.tolerance, c); }},
     {"--output", "DIR", "folder for trajectory.csv and report.html (default nqDrive-out)",
      [](std::string_view t, Options& o, std::string& c) { return readName(t, o.output, c); }},
     {"--svg", "FILE", "also write one picture of the run",
      [](std::string_view t, Options& o, std::string& c) { return readName(t, o.svg, c); }},
+    {"--no-detour", "", "where limits block every way, stop rather than go through another posture",
+     [](std::string_view, Options& o, std::string&) {
+         o.mayDetour = false;
+         return true;
+     }},
     {"--quiet", "", "no progress and no tables",
      [](std::string_view, Options& o, std::string&) { return o.isQuiet = true; }},
 };

@@ -16,6 +16,7 @@ struct NqDriveOptions {
     std::vector<NqDriveWayPoint> wayPoints;
     double rate = 1000.0;                ///< control steps per second
     double time = 30.0;                  ///< s
+    double wall = 600.0;                 ///< s that the run itself may take
     double tolerance = 1.0e-4;           ///< m, and rad
     double gain = 1.0;                   ///< of the gradient towards the posture, 1/s
     double softGain = 1000.0;            ///< times the error weights of soft constraints
@@ -27,6 +28,7 @@ struct NqDriveOptions {
     std::vector<std::pair<std::string, double>> metricByLabel;
     std::string output = "nqDrive-out";
     std::string svg;
+    bool mayDetour = true;
     bool isQuiet = false;
 
     /// Reads a command line; when it is refused, `complaint` says why in one line.

@@ -4,6 +4,7 @@
 #include "NqDriveOptions.h"
 #include "NqDriveRecorder.h"
 
+#include <nqControlLoop/NqControlLoopStatus.h>
 #include <nqControlLoop/NqTargetKind.h>
 
 #include <nqControlCore/foundation/manipulator/NqJointDescription.h>
@@ -19,11 +20,11 @@
 /// from.
 struct NqDriveRecord {
     enum class Outcome {
-        Reached,      ///< every target of every way point
-        TimeOut,      ///< the time was over
-        NoProgress,   ///< the largest error has not shrunk for a while
-        JointAtLimit, ///< the same, with a joint at the end of its range in the way
-        NoSolution    ///< the solver gave no finite joint rates
+        Reached,     ///< every target of every way point
+        TimeOut,     ///< the time was over
+        WallTimeOut, ///< the time that the run itself may take was over
+        NoProgress,  ///< the largest error has not shrunk for a while: `status` says why
+        NoStep       ///< no step could be made
     };
 
     struct EndEffector {
@@ -50,7 +51,8 @@ struct NqDriveRecord {
         double least = 0.0;
         double greatest = 0.0;
         double peakRate = 0.0;
-        double slowedByRate = 0.0;  ///< how long this joint's rate limit slowed the arm, s
+        double slowedByRate =
+            0.0; ///< how long this joint's limits of rate and acceleration slowed the arm, s
         double slowedByRange = 0.0; ///< how long the end of its range did, s
     };
 
@@ -73,6 +75,9 @@ struct NqDriveRecord {
     double wallTime = 0.0;
     std::uint64_t steps = 0;
     double slowedTime = 0.0;
+    NqControlLoopStatus status; ///< at the end
+    unsigned detours = 0;       ///< how often the arm went through another posture
+    bool hasSearched = false;   ///< whether another posture was looked for in vain
     double leastDeterminant = std::numeric_limits<double>::infinity(); ///< by magnitude
     double leastDeterminantTime = 0.0;
     double greatestDeterminant = 0.0; ///< by magnitude

@@ -4,6 +4,8 @@
 #include "NqDriveText.h"
 #include "NqMessageCollector.h"
 
+#include <nqControlLoop/NqPostureSearch.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -20,8 +22,20 @@ constexpr double kPatience = 2.0;
 constexpr double kSoftPatience = 0.5;
 /// What counts as lower, or nearer: this share of the tolerance.
 constexpr double kLeastProgress = 0.1;
+constexpr double kLeastSoftProgress = 1.0;
 /// At the last way point the end-effectors must also be at rest: slower than this many tolerances per second.
 constexpr double kRestSpeed = 10.0;
+/// A share of the commanded step above this counts as all of it.
+constexpr double kHardlySlowed = 0.98;
+/// A joint that slowed the arm for this share of the slowed time, or more, is named.
+constexpr double kBlameShare = 0.2;
+/// A least singular value of the rows below which the posture is called singular.
+constexpr double kSingular = 0.02;
+/// A run goes through another posture so often at most, and counts as there at this distance of its joints.
+constexpr unsigned kDetours = 2;
+constexpr double kNearPosture = 0.02;
+/// Steps between two looks at the clock.
+constexpr std::uint64_t kStepsPerLook = 64;
 /// Postures drawn between the start and the end.
 constexpr std::size_t kPosturesBetween = 12;
 /// Points of an end-effector's path that are handed on for drawing.
@@ -121,16 +135,23 @@ void NqDriveRun::execute(Watcher& watcher) {
         if (m_Loop.steps() >= steps) {
             break;
         }
+        if (m_Loop.steps() % kStepsPerLook == 0 &&
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count() >
+                m_Task.options().wall) {
+            outcome = Outcome::WallTimeOut;
+            break;
+        }
         if (!m_Loop.step()) {
-            outcome = Outcome::NoSolution;
+            outcome = Outcome::NoStep;
             break;
         }
         noteStep();
         noteSample(false);
         watcher.stepDone(*this);
-        if (isStalled()) {
-            const bool isAtLimit = m_Loop.time() - m_RangeTime < 0.5 * kPatience && m_RangeTime > 0.0;
-            outcome = isAtLimit ? Outcome::JointAtLimit : Outcome::NoProgress;
+        if (m_Loop.isGoing()) {
+            endDetour();
+        } else if (isStalled() && !beginDetour()) {
+            outcome = Outcome::NoProgress;
             break;
         }
     }
@@ -174,12 +195,37 @@ bool NqDriveRun::isStalled() {
         m_BestError = hardError();
         m_BestTime = m_Loop.time();
     }
-    if (isOnTheWay || softError() < m_BestSoftError - kLeastProgress * tolerance) {
+    if (isOnTheWay || softError() < m_BestSoftError - kLeastSoftProgress * tolerance) {
         m_BestSoftError = softError();
         m_BestSoftTime = m_Loop.time();
     }
     const double since = isOnTheWay ? m_BestTime : std::max(m_BestTime, m_BestSoftTime);
     return m_Loop.time() - since > kPatience;
+}
+
+/// Whether there is another posture that reaches the targets, which the arm then goes to.
+bool NqDriveRun::beginDetour() {
+    if (!m_Task.options().mayDetour || m_Record.detours >= kDetours ||
+        hardError() <= m_Task.options().tolerance ||
+        m_Loop.status().kind == NqControlLoopStatus::Contradictory || !idleDirection().empty()) {
+        return false;
+    }
+    std::vector<double> posture;
+    m_Record.hasSearched = !NqPostureSearch(m_Loop).find(posture);
+    if (m_Record.hasSearched || !m_Loop.goTo(posture)) {
+        return false;
+    }
+    ++m_Record.detours;
+    return true;
+}
+
+void NqDriveRun::endDetour() {
+    if (m_Loop.leftToGo() < kNearPosture) {
+        m_Loop.follow();
+        m_BestError = hardError();
+        m_BestSoftError = softError();
+        m_BestTime = m_BestSoftTime = m_Loop.time();
+    }
 }
 
 /// What the summary needs of every step, recorded or not.
@@ -201,15 +247,13 @@ void NqDriveRun::noteStep() {
             part.peakAcceleration = std::max(part.peakAcceleration, m_Loop.accelerations()[p]);
         }
     }
-    if (m_Loop.brake() != NqControlLoop::Brake::None) {
-        const unsigned joint = m_Loop.brakingJoint();
+    const NqControlLoopStatus& status = m_Loop.status();
+    if (m_Loop.slowing() < kHardlySlowed) {
         m_Record.slowedTime += timeStep;
-        if (m_Loop.brake() == NqControlLoop::Brake::Rate) {
-            m_Record.joints[joint].slowedByRate += timeStep;
-        } else {
-            m_Record.joints[joint].slowedByRange += timeStep;
-            m_RangeJoint = joint;
-            m_RangeTime = m_Loop.time();
+        for (const NqControlLoopStatus::Joint& held : status.joints) {
+            NqDriveRecord::Joint& joint = m_Record.joints[held.joint];
+            (held.cause == NqJointBounds::Cause::Range ? joint.slowedByRange : joint.slowedByRate) +=
+                timeStep;
         }
     }
     const double determinant = std::abs(m_Loop.determinant());
@@ -238,6 +282,8 @@ void NqDriveRun::conclude(NqDriveRecord::Outcome outcome) {
     if (m_Record.steps == 0) {
         m_Record.leastDeterminant = std::abs(m_Loop.determinant());
     }
+    m_Record.status = m_Loop.status();
+    m_LeastSingularValue = m_Loop.leastSingularValue();
     m_Record.verdict = verdict();
     sketch();
 }
@@ -248,27 +294,97 @@ std::string NqDriveRun::verdict() const {
     if (m_Record.isReached()) {
         return (count == 1 ? "the way point was reached in "
                            : "all " + std::to_string(count) + " way points were reached in ") +
-               after + softRemainder();
+               after + (m_Record.detours == 0 ? "" : ", after a detour through another posture") +
+               softRemainder();
     }
     const std::size_t p = farthest();
     const std::string left = inQuotes(m_Record.parts[p].name) + " is " + distanceText(p) +
                              " from way point " + std::to_string(m_WayPoint + 1);
-    const std::string singular =
-        m_Record.isNearlySingular() ? " (it came near a singular posture: out of reach?)" : "";
-    const char* hint = m_Record.steps == 0 ? "; start elsewhere (--start)" : "";
     switch (m_Record.outcome) {
-    case NqDriveRecord::Outcome::JointAtLimit:
-        return "stopped after " + after + ": joint " +
-               inQuotes(m_Record.joints[m_RangeJoint].description.name()) + " is at its limit, and " + left;
     case NqDriveRecord::Outcome::NoProgress:
-        return "stopped after " + after + ": no progress for " + significant(kPatience, 3) + " s" +
-               idleDirection() + ", and " + left + singular;
-    case NqDriveRecord::Outcome::NoSolution:
-        return "stopped after " + after + ": there are no finite joint rates, the posture is singular" +
-               idleDirection() + ", and " + left + hint;
+        return "stopped after " + after + ": " + cause() + ", and " + left;
+    case NqDriveRecord::Outcome::NoStep:
+        return "stopped after " + after + ": no step could be made" +
+               (m_Record.notes.empty() ? "" : " (" + m_Record.notes.back() + ")") + ", and " + left;
+    case NqDriveRecord::Outcome::WallTimeOut:
+        return "the run took more than " + significant(m_Task.options().wall, 6) +
+               " s by the clock on the wall, and " + left;
     default:
-        return "the time of " + after + " is over, and " + left + singular;
+        return "the time of " + after + " is over" + slowedBy() + ", and " + left;
     }
+}
+
+/// Names of joints in words: "joint 'a'", "joints 'a' and 'b'".
+std::string NqDriveRun::jointNames(const std::vector<std::size_t>& joints) const {
+    std::string names = joints.size() == 1 ? "joint " : "joints ";
+    for (std::size_t i = 0; i < joints.size(); ++i) {
+        names += (i == 0                   ? ""
+                  : i + 1 == joints.size() ? " and "
+                                           : ", ") +
+                 inQuotes(m_Record.joints[joints[i]].description.name());
+    }
+    return names;
+}
+
+/// Why there is no progress, in words.
+std::string NqDriveRun::cause() const {
+    const NqControlLoopStatus& status = m_Record.status;
+    std::vector<std::size_t> still;
+    std::vector<std::size_t> atEnd;
+    for (const NqControlLoopStatus::Joint& held : status.joints) {
+        if (held.cause == NqJointBounds::Cause::Range) {
+            atEnd.push_back(held.joint);
+        } else if (held.cause == NqJointBounds::Cause::Rate) {
+            still.push_back(held.joint);
+        }
+    }
+    std::string text;
+    const auto also = [&](const std::string& words) { text += (text.empty() ? "" : ", ") + words; };
+    switch (status.kind) {
+    case NqControlLoopStatus::Contradictory:
+        return inQuotes(m_Record.endEffectors[status.endEffector].name) + " and " +
+               inQuotes(m_Record.endEffectors[status.other].name) +
+               " depend on each other, and their targets contradict each other";
+    case NqControlLoopStatus::OutOfReach:
+        return "the target is out of reach";
+    default:
+        break;
+    }
+    const std::string idle = idleDirection();
+    if (!idle.empty()) {
+        also("the posture is singular" + idle);
+    } else if (m_LeastSingularValue < kSingular) {
+        also("the posture is singular (the least singular value of the constraints is " +
+             significant(m_LeastSingularValue, 2) + ")");
+    }
+    if (!atEnd.empty()) {
+        also(jointNames(atEnd) + (atEnd.size() == 1 ? " is at its limit" : " are at their limits"));
+    }
+    if (!still.empty()) {
+        also(jointNames(still) + (still.size() == 1 ? " is at its rate limit" : " are at their rate limits"));
+    }
+    const bool isSoft = hardError() <= m_Task.options().tolerance && m_Record.hasSoftEndEffectors();
+    if (isSoft) {
+        also("the hard end-effectors leave the soft ones no way nearer");
+    }
+    if (text.empty()) {
+        text = "no progress for " + significant(kPatience, 3) + " s";
+    }
+    return text + (m_Record.hasSearched ? ", no other posture was found that reaches the target" : "");
+}
+
+/// The joints that slowed the arm for a good part of the time, in words.
+std::string NqDriveRun::slowedBy() const {
+    std::vector<std::size_t> joints;
+    for (std::size_t j = 0; j < m_Record.joints.size(); ++j) {
+        const NqDriveRecord::Joint& joint = m_Record.joints[j];
+        if (joint.slowedByRange + joint.slowedByRate > kBlameShare * m_Record.time) {
+            joints.push_back(j);
+        }
+    }
+    return joints.empty() ? ""
+                          : ", " + jointNames(joints) + " slowed the arm by " +
+                                (joints.size() == 1 ? "its limits" : "their limits");
 }
 
 /// What is left between the end-effectors and their targets, with its unit.

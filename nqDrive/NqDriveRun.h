@@ -4,6 +4,8 @@
 #include "NqDriveRecorder.h"
 #include "NqDriveTask.h"
 
+#include <nqControlLoop/NqControlLoop.h>
+
 /// Drives a task to its end: way point after way point, until the last is reached, the time is over or
 /// nothing moves on.
 class NqDriveRun {
@@ -38,10 +40,15 @@ private:
     bool isWayPointReached() const;
     bool isStalled();
     void startWayPoint();
+    bool beginDetour();
+    void endDetour();
     void noteStep();
     void noteSample(bool isKept);
     void conclude(NqDriveRecord::Outcome outcome);
     std::string verdict() const;
+    std::string cause() const;
+    std::string slowedBy() const;
+    std::string jointNames(const std::vector<std::size_t>& joints) const;
     std::string distanceText(std::size_t part) const;
     std::string softRemainder() const;
     std::string idleDirection() const;
@@ -56,6 +63,5 @@ private:
     double m_BestTime = 0.0;
     double m_BestSoftError = 0.0;
     double m_BestSoftTime = 0.0;
-    unsigned m_RangeJoint = 0;
-    double m_RangeTime = 0.0;
+    double m_LeastSingularValue = 0.0; ///< at the end
 };

@@ -186,6 +186,11 @@ bool NqDriveTask::setMetric() {
 }
 
 bool NqDriveTask::checkConstraints() {
+    NqControlLoopCheck check(m_Manipulator);
+    check.checkJoints();
+    if (!check.issues().empty()) {
+        return refuse("the robot " + inQuotes(m_Options.model) + ": " + check.issues().front().text);
+    }
     NqMessageCollector messages;
     const NqControlLoop loop = this->loop();
     if (!messages.lines().empty()) {

@@ -58,6 +58,18 @@ std::string triple(double x, double y, double z) {
     return fixed(x, 3) + ", " + fixed(y, 3) + ", " + fixed(z, 3);
 }
 
+const char* limitName(NqJointBounds::Cause cause) {
+    switch (cause) {
+    case NqJointBounds::Cause::Rate:
+        return "rate";
+    case NqJointBounds::Cause::Range:
+        return "range";
+    case NqJointBounds::Cause::Acceleration:
+        break;
+    }
+    return "acceleration";
+}
+
 std::string inQuotes(std::string_view name) {
     return std::string(1, '\'').append(name).append(1, '\'');
 }

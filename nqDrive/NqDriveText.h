@@ -1,5 +1,7 @@
 #pragma once
 
+#include <nqControlLoop/NqJointBounds.h>
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,6 +17,9 @@ std::string significant(double value, int digits);
 
 /// Three coordinates, "0.300, 0.000, 0.500".
 std::string triple(double x, double y, double z);
+
+/// Which limit it is, in a word.
+const char* limitName(NqJointBounds::Cause cause);
 
 /// A name in a message: in single quotes.
 std::string inQuotes(std::string_view name);

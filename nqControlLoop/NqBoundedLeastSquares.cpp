@@ -1,0 +1,101 @@
+#include <nqControlLoop/NqBoundedLeastSquares.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double kLeastFreedom = 1.0e-14;
+
+/// Cholesky factors of the lower triangle, in place.
+bool factorInPlace(std::vector<std::vector<double>>& matrix) {
+    for (std::size_t i = 0; i < matrix.size(); ++i) {
+        for (std::size_t j = 0; j <= i; ++j) {
+            double sum = matrix[i][j];
+            for (std::size_t k = 0; k < j; ++k) {
+                sum -= matrix[i][k] * matrix[j][k];
+            }
+            if (i == j && !(sum > 0.0)) {
+                return false;
+            }
+            matrix[i][j] = i == j ? std::sqrt(sum) : sum / matrix[j][j];
+        }
+    }
+    return true;
+}
+
+void solveWith(const std::vector<std::vector<double>>& factor, std::vector<double>& x) {
+    for (std::size_t i = 0; i < factor.size(); ++i) {
+        double sum = x[i];
+        for (std::size_t j = 0; j < i; ++j) {
+            sum -= factor[i][j] * x[j];
+        }
+        x[i] = sum / factor[i][i];
+    }
+    for (std::size_t i = factor.size(); i-- > 0;) {
+        x[i] /= factor[i][i];
+        for (std::size_t j = 0; j < i; ++j) {
+            x[j] -= factor[i][j] * x[i];
+        }
+    }
+}
+
+} // namespace
+
+/// Columns of (J^T J + lambda^2 A)^-1.
+class NqBoundedLeastSquares::Response : public NqBoundActiveSet::Response {
+public:
+    explicit Response(const std::vector<std::vector<double>>& factor) : m_Factor(factor) {}
+    void column(unsigned k, std::vector<double>& column) override {
+        std::fill(column.begin(), column.end(), 0.0);
+        column[k] = 1.0;
+        solveWith(m_Factor, column);
+    }
+
+private:
+    const std::vector<std::vector<double>>& m_Factor;
+};
+
+void NqBoundedLeastSquares::prepare(unsigned n) {
+    m_Bounds.resize(n);
+    m_Factor.assign(n, std::vector<double>(n));
+    m_Freedom.assign(n, 0.0);
+}
+
+bool NqBoundedLeastSquares::solve(const NqReArray& jacobian, unsigned rows,
+                                  const std::vector<double>& velocity, const std::vector<double>& wished,
+                                  const std::vector<double>& weights, double damping,
+                                  const std::vector<double>& lower, const std::vector<double>& upper,
+                                  std::vector<double>& rates) {
+    const std::size_t n = lower.size();
+    const double square = damping * damping;
+    for (std::size_t j = 0; j < n; ++j) {
+        std::fill(m_Factor[j].begin(), m_Factor[j].end(), 0.0);
+        m_Factor[j][j] = square * weights[j];
+        rates[j] = square * weights[j] * wished[j];
+        m_Freedom[j] = 1.0 / (square * weights[j]);
+    }
+    for (unsigned i = 0; i < rows; ++i) {
+        const auto& row = jacobian[i];
+        for (std::size_t j = 0; j < n; ++j) {
+            rates[j] += row[j] * velocity[i];
+            for (std::size_t k = 0; k <= j && row[j] != 0.0; ++k) {
+                m_Factor[j][k] += row[j] * row[k];
+            }
+        }
+    }
+    bool isSolved = factorInPlace(m_Factor);
+    if (isSolved) {
+        solveWith(m_Factor, rates);
+        Response response(m_Factor);
+        m_Bounds.forgetResponse();
+        isSolved = m_Bounds.solve(response, lower, upper, m_Freedom, kLeastFreedom, rates) ==
+                   NqBoundActiveSet::Outcome::Solved;
+    }
+    if (!isSolved) {
+        for (std::size_t j = 0; j < n; ++j) {
+            rates[j] = std::clamp(wished[j], lower[j], upper[j]);
+        }
+    }
+    return isSolved;
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <nqControlLoop/NqJointBounds.h>
+
+#include <nqControlCore/foundation/math/NqVector.h>
+
+#include <cstddef>
+#include <limits>
+#include <vector>
+
+/// How a control step went, and why it went no better. Everything is a number: no text has to be taken apart.
+struct NqControlLoopStatus {
+    enum Kind {
+        Running,       ///< on the way as commanded
+        Reached,       ///< all hard end-effectors are within the tolerance
+        Slowed,        ///< on the way, by less than commanded: `joints` say why
+        Held,          ///< limits of `joints` keep `endEffector` from going on along its way
+        Singular,      ///< the arm can't move `endEffector` along `direction`, and stands still
+        OutOfReach,    ///< the same, and there is no way nearer: `distance` is the least
+        Contradictory, ///< the targets of `endEffector` and `other` exclude each other
+        BadInput       ///< there was no step: something isn't finite, or validate() objects
+    };
+
+    /// A joint at a limit.
+    struct Joint {
+        unsigned joint = 0;
+        NqJointBounds::Cause cause = NqJointBounds::Cause::Rate;
+        bool isUpper = false;
+        double multiplier = 0.0; ///< what it would be worth to pass the limit
+    };
+
+    Kind kind = Running;
+    std::vector<Joint> joints;
+    std::size_t endEffector = 0;
+    std::size_t other = 0;
+    NqVector direction; ///< in the system frame, or of the first rows of the end-effector
+    bool isAngular = false;
+    double leastSingularValue =
+        std::numeric_limits<double>::infinity(); ///< of the hard rows; known where it is small
+    double distance = 0.0;                       ///< largest error, m or rad
+    bool isCapped = false;                       ///< whether an active set took too many steps
+
+    /// Whether the end-effectors are being kept from their targets.
+    bool isStuck() const { return kind >= Held; }
+};

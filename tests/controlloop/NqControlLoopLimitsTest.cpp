@@ -1,0 +1,278 @@
+#include "support/NqPrintCapture.h"
+#include "support/NqTestModels.h"
+
+#include <nqControlCore/endeffector/NqFrameEndEffector.h>
+#include <nqControlCore/endeffector/NqOrientationEndEffector.h>
+#include <nqControlCore/endeffector/NqPointEndEffector.h>
+#include <nqControlLoop/NqControlLoop.h>
+#include <nqControlLoop/NqPostureSearch.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Status = NqControlLoopStatus;
+
+double drawn(std::mt19937_64& random, double least, double greatest) {
+    return least + (greatest - least) * std::ldexp(static_cast<double>(random() >> 11), -53);
+}
+
+std::vector<double> randomPosture(const NqIndividualManipulator& robot, std::mt19937_64& random) {
+    std::vector<double> posture;
+    for (unsigned j = 0; j < robot.numberOfJoints(); ++j) {
+        const NqJointDescription& joint = robot.linkByIndex(j)->joint();
+        posture.push_back(drawn(random, std::max(joint.lowerPositionLimit(), -3.0),
+                                std::min(joint.upperPositionLimit(), 3.0)));
+    }
+    return posture;
+}
+
+template <typename EndEffector>
+EndEffector on(const std::string& link) {
+    EndEffector endEffector;
+    endEffector.setLinkIdentifier(link);
+    return endEffector;
+}
+
+NqControlLoopSettings settingsOf(double timeStep) {
+    NqControlLoopSettings settings;
+    settings.setTimeStep(timeStep);
+    return settings;
+}
+
+struct RobotCase {
+    const char* name;
+    const char* link;
+    bool isFrame;
+};
+
+class NqControlLoopOnRobots : public testing::TestWithParam<RobotCase> {};
+
+/// From random postures to random targets, most of them out of reach or behind limits: every step keeps the
+/// limits of position, rate and acceleration, no rate flips, and in the end the arm stands still or is there.
+TEST_P(NqControlLoopOnRobots, KeepAllLimitsAndComeToRest) {
+    const NqIndividualManipulator robot = nqTestManipulator(GetParam().name);
+    std::mt19937_64 random(21);
+    unsigned reached = 0;
+    for (unsigned trial = 0; trial < 12; ++trial) {
+        NqControlLoop loop(robot, settingsOf(0.002));
+        if (GetParam().isFrame) {
+            loop.addEndEffector("hand", on<NqFrameEndEffector>(GetParam().link));
+        } else {
+            loop.addEndEffector("hand", on<NqPointEndEffector>(GetParam().link));
+        }
+        loop.setPositions(randomPosture(robot, random));
+        NqCoordinateSystemTransformation target = nqRandomFrame(random);
+        target.setTranslation(0.7 * target.translation());
+        ASSERT_TRUE(loop.setTarget("hand", GetParam().isFrame
+                                               ? NqControlTarget::frame(target)
+                                               : NqControlTarget::place(target.translation())));
+        std::vector<double> last(robot.numberOfJoints());
+        double fastest = 0.0;
+        for (unsigned i = 0; i < 6000; ++i) {
+            ASSERT_TRUE(loop.step());
+            fastest = i < 5900 ? 0.0 : fastest;
+            for (unsigned j = 0; j < last.size(); ++j) {
+                const NqJointDescription& joint = robot.linkByIndex(j)->joint();
+                const double rate = loop.rates()[j];
+                ASSERT_LE(std::abs(rate), joint.rateLimit()) << trial;
+                ASSERT_LE(loop.positions()[j], joint.upperPositionLimit() + 1.0e-12) << trial;
+                ASSERT_GE(loop.positions()[j], joint.lowerPositionLimit() - 1.0e-12) << trial;
+                ASSERT_LE(std::abs(rate - last[j]), 10.0 * joint.rateLimit() * 0.002 + 1.0e-9) << trial;
+                ASSERT_FALSE(rate * last[j] < 0.0 && std::min(std::abs(rate), std::abs(last[j])) > 0.05)
+                    << trial;
+                fastest = std::max(fastest, std::abs(rate));
+                last[j] = rate;
+            }
+        }
+        EXPECT_LT(fastest, 0.01) << trial << ": at rest after 12 s";
+        reached += loop.status().kind == Status::Reached;
+        EXPECT_TRUE(loop.status().kind == Status::Reached || loop.status().isStuck()) << loop.status().kind;
+    }
+    EXPECT_GE(reached, 1u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Robots, NqControlLoopOnRobots,
+                         testing::Values(RobotCase{"arm6", "flange", true}, RobotCase{"arm7", "hand", false},
+                                         RobotCase{"arm7", "hand", true},
+                                         RobotCase{"twin9", "left_tip", false}),
+                         [](const auto& info) {
+                             return std::string(info.param.name) + (info.param.isFrame ? "Frame" : "Point");
+                         });
+
+/// Runs towards a place of arm7's hand until nothing moves.
+Status ofArm7(const NqVector& target, const NqControlLoopSettings& settings = settingsOf(0.002),
+              const std::vector<double>& start = {0.0, 0.3, 0.2, -1.8, 0.2, 2.0, 0.8}) {
+    const NqIndividualManipulator robot = nqTestManipulator("arm7");
+    NqControlLoop loop(robot, settings);
+    loop.addEndEffector("hand", on<NqPointEndEffector>("hand"));
+    loop.setPositions(start);
+    loop.setTarget("hand", NqControlTarget::place(target));
+    for (unsigned i = 0; i < 4000; ++i) {
+        loop.step();
+    }
+    return loop.status();
+}
+
+TEST(NqControlLoopStatus, NamesTheCause) {
+    EXPECT_EQ(ofArm7({0.5, 0.1, 0.5}).kind, Status::Reached);
+
+    const Status far = ofArm7({1.0, 0.0, 0.5});
+    EXPECT_EQ(far.kind, Status::OutOfReach);
+    EXPECT_NEAR(far.distance, 0.066, 1.0e-3);
+    EXPECT_GT(std::abs(far.direction.unitVector().x()), 0.9) << "away from the shoulder";
+
+    NqControlLoopSettings settings = settingsOf(0.002);
+    NqControlLoopSettings::Labels labels;
+    for (const char* name : {"joint2", "joint3", "joint4", "joint6"}) {
+        labels.pushBack(NqXmlBasicType<std::string>(name));
+    }
+    settings.setHeldJoints(labels);
+    const Status held = ofArm7({0.4, 0.1, 0.6}, settings);
+    EXPECT_TRUE(held.isStuck());
+    ASSERT_FALSE(held.joints.empty());
+    EXPECT_EQ(held.joints[0].cause, NqJointBounds::Cause::Rate);
+
+    // Stretched out, with the target straight inwards: what moves the point is of second order.
+    const NqIndividualManipulator planar = nqTestManipulator("planar3");
+    NqControlLoop line(planar);
+    line.addEndEffector("tip", on<NqPointEndEffector>("tip"));
+    line.setPositions({0.0, 0.0, 0.0});
+    line.setTarget("tip",
+                   NqControlTarget::place(line.placements()[0].translation() - NqVector(0.3, 0.0, 0.0)));
+    ASSERT_TRUE(line.step());
+    EXPECT_EQ(line.status().kind, Status::Singular);
+    EXPECT_NEAR(std::abs(line.status().direction.x()), 1.0, 1.0e-9);
+    EXPECT_LT(line.leastSingularValue(), 1.0e-12);
+
+    const NqIndividualManipulator robot = nqTestManipulator("arm7");
+    NqControlLoop twice(robot);
+    twice.addEndEffector("a", on<NqPointEndEffector>("hand"));
+    twice.addEndEffector("b", on<NqPointEndEffector>("hand"));
+    twice.setPositions({0.0, 0.3, 0.2, -1.8, 0.2, 2.0, 0.8});
+    const NqVector here = twice.placements()[0].translation();
+    twice.setTarget("a", NqControlTarget::place(here + NqVector(0.0, 0.05, 0.0)));
+    twice.setTarget("b", NqControlTarget::place(here - NqVector(0.0, 0.05, 0.0)));
+    for (unsigned i = 0; i < 500; ++i) {
+        ASSERT_TRUE(twice.step());
+    }
+    EXPECT_EQ(twice.status().kind, Status::Contradictory);
+    EXPECT_NE(twice.status().endEffector, twice.status().other);
+}
+
+/// Where limits block the way, holding stays where it is and sliding comes nearer.
+TEST(NqControlLoop, HoldsOrSlides) {
+    NqControlLoopSettings settings = settingsOf(0.002);
+    const std::vector<double> start{0.0, 0.3, 0.0, -0.1, 0.0, 2.0, 0.0};
+    const double slid = ofArm7({0.9, 0.9, 0.3}, settings, start).distance;
+    settings.setBlocked(NqControlLoopSettings::Hold);
+    const Status held = ofArm7({0.9, 0.9, 0.3}, settings, start);
+    EXPECT_GT(held.distance, slid + 0.01);
+}
+
+/// An arm that limits keep from a target finds a posture that reaches it, goes there and is there.
+TEST(NqPostureSearch, FindsAWayAroundLimits) {
+    const NqIndividualManipulator robot = nqTestManipulator("arm6");
+    std::mt19937_64 random(5);
+    unsigned found = 0;
+    for (unsigned trial = 0; trial < 20 && found < 3; ++trial) {
+        NqControlLoop loop(robot, settingsOf(0.002));
+        loop.addEndEffector("hand", on<NqFrameEndEffector>("flange"));
+        loop.setPositions(randomPosture(robot, random));
+        const NqCoordinateSystemTransformation target = loop.placements()[0];
+        loop.setPositions(randomPosture(robot, random));
+        loop.setTarget("hand", NqControlTarget::frame(target));
+        for (unsigned i = 0; i < 3000; ++i) {
+            ASSERT_TRUE(loop.step());
+        }
+        if (loop.status().kind != Status::Held) {
+            continue;
+        }
+        std::vector<double> posture;
+        ASSERT_TRUE(NqPostureSearch(loop).find(posture)) << trial;
+        ++found;
+        ASSERT_TRUE(loop.goTo(posture));
+        for (unsigned i = 0; i < 5000 && loop.leftToGo() > 0.02; ++i) {
+            ASSERT_TRUE(loop.step());
+        }
+        loop.follow();
+        for (unsigned i = 0; i < 1000; ++i) {
+            ASSERT_TRUE(loop.step());
+        }
+        EXPECT_EQ(loop.status().kind, Status::Reached) << trial;
+    }
+    EXPECT_EQ(found, 3u);
+}
+
+TEST(NqControlLoopCheck, ListsAllThatIsWrongAtOnce) {
+    NqIndividualManipulator robot("robot", "base");
+    NqJointDescription joint(NqJointDescription::Revolute, "wrist");
+    joint.setRateLimit(-1.0);
+    joint.setPositionLimits(1.0, -1.0);
+    robot.addLink("base", "hand", joint, NqCoordinateSystemTransformation());
+    NqControlLoopSettings settings;
+    settings.setTimeStep(std::nan(""));
+    settings.setJointWeights(NqXmlRealVector{0.0, 1.0});
+    settings.setIsBaseFixed(false);
+    NqPointEndEffector lost = on<NqPointEndEffector>("hnad");
+    lost.setMotionThreshold(0.0);
+    const NqPrintCapture messages;
+    NqControlLoop loop(robot, settings);
+    loop.addEndEffector("tip", lost);
+    loop.addEndEffector("turn", on<NqOrientationEndEffector>("hand"));
+    loop.addEndEffector("more", on<NqFrameEndEffector>("hand"));
+    std::string all;
+    for (const NqControlLoopCheck::Issue& issue : loop.validate()) {
+        all += issue.text + "\n";
+    }
+    for (const char* words :
+         {"12 coordinates", "joint 'wrist' has a rate limit of -1", "range from 1 to -1", "time step is NaN",
+          "joint weights has 2 entries for 1", "the nearest is 'hand'", "limit that isn't above 0",
+          "'turn' can't be used with a free base", "no target"}) {
+        EXPECT_NE(all.find(words), std::string::npos) << words << " in\n" << all;
+    }
+    EXPECT_FALSE(loop.step());
+    EXPECT_EQ(loop.status().kind, Status::BadInput);
+    const std::size_t lines = messages.lines().size();
+    EXPECT_FALSE(loop.step());
+    EXPECT_EQ(messages.lines().size(), lines) << "said once";
+}
+
+/// Settings and states drawn from what is right and what isn't: no rate is ever other than finite.
+TEST(NqControlLoopCheck, LetsNothingIntoARateThatIsNoNumber) {
+    const NqIndividualManipulator robot = nqTestManipulator("arm6");
+    const double odd[] = {
+        std::nan(""), std::numeric_limits<double>::infinity(), -1.0, 0.0, 1.0e-300, 1.0e300, 0.01, 1.0};
+    std::mt19937_64 random(8);
+    const auto pick = [&] { return random() % 4 == 0 ? odd[random() % std::size(odd)] : 0.5; };
+    const NqPrintCapture messages;
+    unsigned moved = 0;
+    for (unsigned trial = 0; trial < 400; ++trial) {
+        NqControlLoopSettings settings;
+        settings.setTimeStep(random() % 2 == 0 ? 0.01 : pick());
+        settings.setPostureGain(pick());
+        settings.setPosture(NqXmlRealVector(random() % 3 == 0 ? 6 : 0, pick()));
+        settings.setJointWeights(NqXmlRealVector(random() % 8, pick()));
+        settings.setAccelerationLimits(NqXmlRealVector(random() % 2 * 6, pick()));
+        settings.setAccelerationTime(pick());
+        settings.setApproach(pick());
+        settings.setDamping(pick());
+        settings.setSingularityThreshold(pick());
+        NqControlLoop loop(robot, settings);
+        loop.addEndEffector("hand", on<NqPointEndEffector>(random() % 8 == 0 ? "nowhere" : "flange"));
+        loop.setPositions(std::vector<double>(6, pick()));
+        loop.setTarget("hand", NqControlTarget::place({pick(), pick(), pick()}));
+        for (unsigned i = 0; i < 20; ++i) {
+            moved += loop.step();
+            for (const double rate : loop.rates()) {
+                ASSERT_TRUE(std::isfinite(rate) || loop.status().kind == Status::BadInput) << trial;
+            }
+            for (unsigned j = 0; j < 6 && moved > 0 && loop.steps() > 0; ++j) {
+                ASSERT_TRUE(std::isfinite(loop.positions()[j])) << trial;
+            }
+        }
+    }
+    EXPECT_GT(moved, 400u);
+}
+
+} // namespace

@@ -1,5 +1,8 @@
 #include <nqControlLoop/NqControlLoopCheck.h>
 
+#include <nqControlCore/foundation/manipulator/NqIndividualManipulator.h>
+#include <nqControlCore/foundation/manipulator/NqManipulatorActiveState.h>
+#include <nqControlCore/foundation/matrix/NqReArray.h>
 #include <nqControlCore/foundation/text/NqTextConversion.h>
 
 #include <algorithm>

@@ -5,6 +5,8 @@
 #include <nqControlCore/endeffector/NqLinearConstraintEndEffector.h>
 #include <nqControlCore/endeffector/NqOrientationEndEffector.h>
 #include <nqControlCore/endeffector/NqPointDistanceEndEffector.h>
+#include <nqControlCore/foundation/manipulator/NqIndividualManipulator.h>
+#include <nqControlCore/foundation/manipulator/NqManipulatorActiveState.h>
 
 #include <algorithm>
 #include <cmath>

@@ -82,6 +82,7 @@ bool NqBenchmark::makeContests() {
     if (m_Options.solver) {
         for (const auto& [columns, rows] : {std::pair(7U, 6U), {7U, 3U}, {20U, 12U}, {44U, 24U}}) {
             m_Solvers.push_back(NqSolverContest::random(rows, columns));
+            m_LimitedSolvers.push_back(std::make_unique<NqLimitedContest>(rows, columns));
         }
     }
     return true;
@@ -108,6 +109,9 @@ void NqBenchmark::addWork() {
     }
     for (NqSolverContest& contest : m_Solvers) {
         contest.addTo(m_Run);
+    }
+    for (const auto& contest : m_LimitedSolvers) {
+        contest->addTo(m_Run);
     }
     if (m_Options.stages) {
         for (const Contest& contest : m_Contests) {

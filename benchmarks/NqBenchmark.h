@@ -4,6 +4,7 @@
 #include "NqBenchmarkOptions.h"
 #include "NqBenchmarkRun.h"
 #include "NqControlPeer.h"
+#include "NqLimitedContest.h"
 #include "NqSolverContest.h"
 
 /// The program: makes the cases, sees that all who take part come to the same results, measures them and
@@ -35,5 +36,6 @@ private:
     NqBenchmarkOptions m_Options;
     std::vector<Contest> m_Contests;
     std::vector<NqSolverContest> m_Solvers;
+    std::vector<std::unique_ptr<NqLimitedContest>> m_LimitedSolvers;
     NqBenchmarkRun m_Run;
 };

@@ -131,8 +131,11 @@ void NqDriveConsole::showSummary(const NqDriveRecord& record) {
     for (const auto& part : record.parts) {
         rows.push_back({part.name + (record.endEffectors[part.endEffector].isHard ? "" : " (soft)"),
                         part.limits.unit, significant(part.error, 3), fixed(part.pathLength, 3),
-                        fixed(part.peakSpeed, 3), limit(part.limits.speedLimit),
-                        fixed(part.peakAcceleration, 3), limit(part.limits.accelerationLimit)});
+                        fixed(part.peakSpeed, 3) + nqOverMark(part.peakSpeed, part.limits.speedLimit),
+                        limit(part.limits.speedLimit),
+                        fixed(part.peakAcceleration, 3) +
+                            nqOverMark(part.peakAcceleration, part.limits.accelerationLimit),
+                        limit(part.limits.accelerationLimit)});
     }
     out += table(rows) + "\n";
 
@@ -141,7 +144,8 @@ void NqDriveConsole::showSummary(const NqDriveRecord& record) {
         rows.push_back(
             {joint.description.name(), fixed(joint.start, 3), fixed(joint.end, 3), fixed(joint.least, 3),
              fixed(joint.greatest, 3), limit(joint.description.lowerPositionLimit()),
-             limit(joint.description.upperPositionLimit()), fixed(joint.peakRate, 3),
+             limit(joint.description.upperPositionLimit()),
+             fixed(joint.peakRate, 3) + nqOverMark(joint.peakRate, joint.description.rateLimit()),
              limit(joint.description.rateLimit()), fixed(joint.slowedByRate + joint.slowedByRange, 3)});
     }
     out += table(rows) + "\n";

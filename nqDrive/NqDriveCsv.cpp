@@ -21,27 +21,34 @@ std::string named(const std::string& name, const std::string& quantity) {
 
 std::string NqDriveCsv::text() const {
     std::string out = "time,wayPoint,determinant,slowing";
-    const auto column = [&](const std::string& name, const std::string& quantity) {
+    std::string units = "# s,,,";
+    const auto column = [&](const std::string& name, const std::string& quantity, const std::string& unit) {
         out.append(1, ',').append(named(name, quantity));
+        units.append(1, ',').append(unit);
     };
     for (const auto& joint : m_Record.joints) {
-        column(joint.description.name(), "position");
+        column(joint.description.name(), "position", nqPositionUnit(joint.description));
     }
     for (const auto& joint : m_Record.joints) {
-        column(joint.description.name(), "rate");
+        column(joint.description.name(), "rate", nqRateUnit(joint.description));
     }
     for (const auto& endEffector : m_Record.endEffectors) {
         for (const std::string_view quantity : endEffector.kind.columns()) {
-            column(endEffector.name, std::string(quantity));
+            column(endEffector.name, std::string(quantity),
+                   quantity == "value"         ? endEffector.kind.parts()[0].unit
+                   : quantity.starts_with("q") ? ""
+                                               : "m");
         }
     }
     for (const auto& part : m_Record.parts) {
         const std::string& name = m_Record.endEffectors[part.endEffector].name;
-        for (const char* quantity : {"error", "speed", "acceleration"}) {
-            column(name, part.limits.isAngular ? "angular." + std::string(quantity) : quantity);
-        }
+        const std::string before = part.limits.isAngular ? "angular." : "";
+        const std::string& unit = part.limits.unit;
+        column(name, before + "error", unit);
+        column(name, before + "speed", unit.empty() ? "" : unit + "/s");
+        column(name, before + "acceleration", unit.empty() ? "" : unit + "/s^2");
     }
-    out += "\n";
+    out += "\n" + units + "\n";
     const auto append = [&](double value) { out.append(1, ',').append(NqDOUBLE2STRING(value)); };
     for (std::size_t row = 0; row < m_Recorder.rows(); ++row) {
         out += NqDOUBLE2STRING(m_Recorder.time(row));

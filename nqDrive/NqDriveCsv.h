@@ -4,7 +4,8 @@
 
 #include <string>
 
-/// The recorded steps as a table of comma-separated values, one line for each, under a line of column names.
+/// The recorded steps as a table of comma-separated values, one line for each, under a line of column names
+/// and one of their units, which starts as a comment does.
 class NqDriveCsv {
 public:
     NqDriveCsv(const NqDriveRecord& record, const NqDriveRecorder& recorder)

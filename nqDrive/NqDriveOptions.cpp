@@ -26,14 +26,6 @@ bool readNumber(std::string_view text, double lowest, double highest, double& va
     return true;
 }
 
-bool readList(std::string_view text, std::vector<double>& values, std::string& complaint) {
-    if (!NqDriveText::parseFiniteList(text, values)) {
-        complaint = "needs numbers separated by commas, not '" + std::string(text) + "'";
-        return false;
-    }
-    return true;
-}
-
 bool readWayPoint(std::string_view text, bool isRelative, Options& options, std::string& complaint) {
     if (!NqDriveWayPoint::parse(text, isRelative, options.wayPoints.emplace_back())) {
         complaint = "needs " + NqDriveTarget::forms() + " for each end-effector, separated by '/', not '" +
@@ -70,26 +62,40 @@ bool readPosture(std::string_view text, Options& options, std::string& complaint
     return true;
 }
 
-bool readMetric(std::string_view text, Options& options, std::string& complaint) {
-    const std::string refusal =
-        "needs weights above 0 for all joints, or JOINT=WEIGHT, separated by commas, not '" +
-        std::string(text) + "'";
-    std::vector<double> all;
-    if (NqDriveText::parseFiniteList(text, all) && *std::min_element(all.begin(), all.end()) > 0.0) {
-        options.metric = std::move(all);
+using Labelled = std::vector<std::pair<std::string, double>>;
+
+/// Reads a number for each joint, or some by the names of joints: JOINT=NUMBER.
+bool readByJoint(std::string_view text, double above, const char* what, std::vector<double>& all,
+                 Labelled& byLabel, std::string& complaint) {
+    std::vector<double> numbers;
+    if (NqDriveText::parseFiniteList(text, numbers) &&
+        *std::min_element(numbers.begin(), numbers.end()) > above) {
+        all = std::move(numbers);
         return true;
     }
     for (const std::string_view piece : NqDriveText::split(text, ',')) {
         const std::size_t equals = piece.rfind('=');
-        double weight = 0.0;
+        double number = 0.0;
         if (equals == std::string_view::npos || equals == 0 ||
-            !NqDriveText::parseFinite(piece.substr(equals + 1), weight) || !(weight > 0.0)) {
-            complaint = refusal;
+            !NqDriveText::parseFinite(piece.substr(equals + 1), number) || !(number > above)) {
+            complaint =
+                "needs " + std::string(what) + ", separated by commas, not '" + std::string(text) + "'";
             return false;
         }
-        options.metricByLabel.emplace_back(piece.substr(0, equals), weight);
+        byLabel.emplace_back(piece.substr(0, equals), number);
     }
     return true;
+}
+
+bool readMetric(std::string_view text, Options& options, std::string& complaint) {
+    return readByJoint(text, 0.0, "weights above 0 for all joints, or JOINT=WEIGHT", options.metric,
+                       options.metricByLabel, complaint);
+}
+
+bool readStart(std::string_view text, Options& options, std::string& complaint) {
+    return readByJoint(text, -std::numeric_limits<double>::infinity(),
+                       "positions of all joints, or JOINT=POSITION", options.start, options.startByLabel,
+                       complaint);
 }
 
 bool readName(std::string_view text, std::string& name, std::string& complaint) {
@@ -117,8 +123,8 @@ constexpr Option kOptions[] = {
      [](std::string_view t, Options& o, std::string& c) {
          return NqDriveTargetFile::read(std::string(t), o.wayPoints, c);
      }},
-    {"--start", "Q1,Q2,...", "joint positions at the start (default: middle of the ranges)",
-     [](std::string_view t, Options& o, std::string& c) { return readList(t, o.start, c); }},
+    {"--start", "POSITIONS",
+     "Q1,Q2,... or JOINT=Q,...: positions at the start (default: middle of the ranges)", readStart},
     {"--posture", "POSTURE", "what free joints drift to: middle (default), start, none, or Q1,Q2,...",
      readPosture},
     {"--gain", "A", "how fast they drift there, in 1/s (default 1)",
@@ -145,6 +151,8 @@ constexpr Option kOptions[] = {
          o.mayDetour = false;
          return true;
      }},
+    {"--every-step", "", "a row in trajectory.csv for every step, however many there are",
+     [](std::string_view, Options& o, std::string&) { return o.keepsEveryStep = true; }},
     {"--quiet", "", "no progress and no tables",
      [](std::string_view, Options& o, std::string&) { return o.isQuiet = true; }},
 };

@@ -23,12 +23,14 @@ struct NqDriveOptions {
     std::optional<unsigned int> profile; ///< filtering mode; none: as in the file
     Posture posture = Posture::Middle;
     std::vector<double> givenPosture;
-    std::vector<double> start;  ///< empty: the middle of the joint ranges
+    std::vector<double> start; ///< empty: the middle of the joint ranges
+    std::vector<std::pair<std::string, double>> startByLabel;
     std::vector<double> metric; ///< empty: ones
     std::vector<std::pair<std::string, double>> metricByLabel;
     std::string output = "nqDrive-out";
     std::string svg;
     bool mayDetour = true;
+    bool keepsEveryStep = false;
     bool isQuiet = false;
 
     /// Reads a command line; when it is refused, `complaint` says why in one line.

@@ -51,6 +51,8 @@ struct NqDriveRecord {
         double least = 0.0;
         double greatest = 0.0;
         double peakRate = 0.0;
+        double lastRate = 0.0;
+        unsigned flips = 0; ///< how often its rate changed sign from one step to the next
         double slowedByRate =
             0.0; ///< how long this joint's limits of rate and acceleration slowed the arm, s
         double slowedByRange = 0.0; ///< how long the end of its range did, s
@@ -108,6 +110,11 @@ struct NqDriveRecord {
         return !hasSoftEndEffectors() && leastDeterminant <= 1.0e-3 * greatestDeterminant;
     }
 };
+
+/// A mark behind a value that is over its limit.
+inline const char* nqOverMark(double value, double limit) {
+    return value > limit * (1.0 + 1.0e-6) ? " !" : "";
+}
 
 inline const char* nqPositionUnit(const NqJointDescription& joint) {
     return joint.type() == NqJointDescription::Prismatic ? "m" : "rad";

@@ -6,8 +6,11 @@
 #include <cstdint>
 #include <vector>
 
-/// The history of a run in bounded memory: when the table is full, every second row goes and from then on
-/// only every second step is kept. Nothing is allocated after construction.
+/// The history of a run in bounded memory. When the table is full, every second row goes, and from then on
+/// only every second step gets a row. Of two rows of a thinned table the first has the least and the second
+/// the greatest of all that determinant, slowing, rates, errors, speeds and accelerations were from the one
+/// to the row behind the other, so that no peak is lost; the other columns are those of the row's own step.
+/// Nothing is allocated after construction, unless every step is to be kept.
 class NqDriveRecorder {
 public:
     /// One row; the vectors have an entry for each joint, for each end-effector, or for each part of their
@@ -26,7 +29,7 @@ public:
     };
 
     NqDriveRecorder(std::size_t joints, std::size_t endEffectors, std::size_t parts,
-                    std::size_t capacity = 16384);
+                    bool keepsEveryStep = false, std::size_t capacity = 16384);
 
     /// Takes up a step, or leaves it out while the table is thinned; `isKept` takes it up all the same.
     void add(const Sample& sample, bool isKept = false);
@@ -75,13 +78,19 @@ private:
     }
     double at(std::size_t row, std::size_t column) const { return m_Table[row * m_Width + column]; }
     void thin();
+    void write(const Sample& sample, double* out) const;
+    void mergeExtremes(const double* row, double* least, double* greatest) const;
+    double* row(std::size_t number) { return &m_Table[number * m_Width]; }
 
     std::size_t m_Joints;
     std::size_t m_EndEffectors;
     std::size_t m_Parts;
     std::size_t m_Width;
     std::size_t m_Capacity;
+    bool m_KeepsEveryStep;
     std::vector<double> m_Table;
+    std::vector<double> m_Sample;   ///< a step that gets no row
+    std::vector<double> m_Greatest; ///< for the row that is still to come
     std::size_t m_Rows = 0;
     std::uint64_t m_Stride = 1;
     std::uint64_t m_Steps = 0;

@@ -299,9 +299,10 @@ std::string NqDriveReport::endEffectorTable() const {
                       {part.limits.unit, false},
                       {significant(part.error, 3)},
                       {fixed(part.pathLength, 3)},
-                      {fixed(part.peakSpeed, 3)},
+                      {fixed(part.peakSpeed, 3) + nqOverMark(part.peakSpeed, part.limits.speedLimit)},
                       {limitText(part.limits.speedLimit, 3)},
-                      {fixed(part.peakAcceleration, 3)},
+                      {fixed(part.peakAcceleration, 3) +
+                       nqOverMark(part.peakAcceleration, part.limits.accelerationLimit)},
                       {limitText(part.limits.accelerationLimit, 3)}},
                      "td");
     }
@@ -319,7 +320,7 @@ std::string NqDriveReport::endEffectorFigures() const {
     return out +
            "<p class=\"small\">Dotted upright lines: a way point was reached, with its number. In the table "
            "accelerations count above creeping speed: the motion filters end a move in a step or two, "
-           "whatever that takes." +
+           "whatever that takes. An exclamation mark: over its limit." +
            (m_Record.hasSoftEndEffectors()
                 ? " Soft end-effectors follow their filters as far as the hard ones "
                   "leave them room."
@@ -352,7 +353,7 @@ std::string NqDriveReport::jointTable() const {
              {description.hasPositionLimits() ? limitText(description.lowerPositionLimit(), 3) + " to " +
                                                     limitText(description.upperPositionLimit(), 3)
                                               : "endless"},
-             {fixed(joint.peakRate, 3)},
+             {fixed(joint.peakRate, 3) + nqOverMark(joint.peakRate, description.rateLimit())},
              {limitText(description.rateLimit(), 3)},
              {fixed(joint.slowedByRate, 3)},
              {fixed(joint.slowedByRange, 3)}},

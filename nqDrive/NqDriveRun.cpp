@@ -34,6 +34,8 @@ constexpr double kSingular = 0.02;
 /// A run goes through another posture so often at most, and counts as there at this distance of its joints.
 constexpr unsigned kDetours = 2;
 constexpr double kNearPosture = 0.02;
+/// A rate that changes its sign from step to step counts with both sides above this, rad/s or m/s.
+constexpr double kFlip = 0.05;
 /// Steps between two looks at the clock.
 constexpr std::uint64_t kStepsPerLook = 64;
 /// Postures drawn between the start and the end.
@@ -49,8 +51,8 @@ bool isCreeping(const NqTargetKind::Part& part, double speed, double timeStep) {
 } // namespace
 
 NqDriveRun::NqDriveRun(const NqDriveTask& task)
-    : m_Task(task), m_Loop(task.loop()),
-      m_Recorder(m_Loop.joints(), m_Loop.endEffectors(), m_Loop.parts().size()) {
+    : m_Task(task), m_Loop(task.loop()), m_Recorder(m_Loop.joints(), m_Loop.endEffectors(),
+                                                    m_Loop.parts().size(), task.options().keepsEveryStep) {
     m_Record.options = task.options();
     m_Record.robot = task.manipulator().manipulatorLabel();
     m_Record.notes = task.notes();
@@ -159,7 +161,8 @@ void NqDriveRun::execute(Watcher& watcher) {
     if (m_Recorder.time(m_Recorder.rows() - 1) < m_Loop.time()) {
         noteSample(true);
     }
-    m_Record.notes.insert(m_Record.notes.end(), messages.lines().begin(), messages.lines().end());
+    const std::vector<std::string> notes = messages.counted();
+    m_Record.notes.insert(m_Record.notes.end(), notes.begin(), notes.end());
     conclude(outcome);
 }
 
@@ -236,7 +239,11 @@ void NqDriveRun::noteStep() {
         joint.end = m_Loop.positions()[j];
         joint.least = std::min(joint.least, joint.end);
         joint.greatest = std::max(joint.greatest, joint.end);
-        joint.peakRate = std::max(joint.peakRate, std::abs(m_Loop.rates()[j]));
+        const double rate = m_Loop.rates()[j];
+        joint.peakRate = std::max(joint.peakRate, std::abs(rate));
+        joint.flips +=
+            rate * joint.lastRate < 0.0 && std::min(std::abs(rate), std::abs(joint.lastRate)) > kFlip;
+        joint.lastRate = rate;
     }
     for (std::size_t p = 0; p < m_Record.parts.size(); ++p) {
         NqDriveRecord::Part& part = m_Record.parts[p];
@@ -289,6 +296,20 @@ void NqDriveRun::conclude(NqDriveRecord::Outcome outcome) {
 }
 
 std::string NqDriveRun::verdict() const {
+    return outcomeText() + chatter();
+}
+
+/// The joint whose rate changed its sign most often from step to step, in words.
+std::string NqDriveRun::chatter() const {
+    const auto most = std::max_element(m_Record.joints.begin(), m_Record.joints.end(),
+                                       [](const auto& a, const auto& b) { return a.flips < b.flips; });
+    return most->flips == 0
+               ? ""
+               : "; joint " + inQuotes(most->description.name()) + " chattered: its rate changed sign " +
+                     std::to_string(most->flips) + " times from step to step";
+}
+
+std::string NqDriveRun::outcomeText() const {
     const std::size_t count = m_Record.wayPoints.size();
     const std::string after = fixed(m_Record.time, 3) + " s";
     if (m_Record.isReached()) {

@@ -46,6 +46,8 @@ private:
     void noteSample(bool isKept);
     void conclude(NqDriveRecord::Outcome outcome);
     std::string verdict() const;
+    std::string outcomeText() const;
+    std::string chatter() const;
     std::string cause() const;
     std::string slowedBy() const;
     std::string jointNames(const std::vector<std::size_t>& joints) const;

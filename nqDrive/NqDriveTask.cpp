@@ -54,15 +54,14 @@ bool NqDriveTask::readFiles() {
     NqMessageCollector messages;
     if (!NqUrdfReader::readFile(m_Options.model, m_Manipulator)) {
         return refuse("cannot read the robot " + inQuotes(m_Options.model) + ": " +
-                      messages.first("not a URDF model"));
+                      messages.last("not a URDF model"));
     }
-    const std::size_t robotMessages = messages.lines().size();
+    const std::size_t robotMessages = messages.count();
     if (!NqXmlDocument::readFile(m_Options.endEffectors, m_EndEffectors)) {
-        const auto& lines = messages.lines();
         return refuse("cannot read the end-effectors " + inQuotes(m_Options.endEffectors) + ": " +
-                      (lines.size() > robotMessages ? lines[robotMessages] : "not an endEffectorVector"));
+                      messages.last("not an endEffectorVector", robotMessages));
     }
-    m_Notes = messages.lines();
+    m_Notes = messages.counted();
     if (m_Manipulator.numberOfJoints() == 0) {
         return refuse("the robot " + inQuotes(m_Options.model) + " has no moving joint");
     }
@@ -128,7 +127,7 @@ bool NqDriveTask::setStart() {
             m_Start.push_back(std::isfinite(middle) ? middle : 0.0);
         }
     }
-    if (!hasJointCount(m_Start, "--start")) {
+    if (!hasJointCount(m_Start, "--start") || !setByLabel(m_Options.startByLabel, "--start", m_Start)) {
         return false;
     }
     for (unsigned j = 0; j < m_Start.size(); ++j) {
@@ -169,17 +168,24 @@ bool NqDriveTask::setMetric() {
     if (!hasJointCount(m_Metric, "--metric")) {
         return false;
     }
-    for (const auto& [label, weight] : m_Options.metricByLabel) {
+    return setByLabel(m_Options.metricByLabel, "--metric", m_Metric);
+}
+
+/// Entries for the joints of these names, or that move the links of these labels.
+bool NqDriveTask::setByLabel(const std::vector<std::pair<std::string, double>>& byLabel, const char* option,
+                             std::vector<double>& values) {
+    for (const auto& [label, value] : byLabel) {
         bool isFound = false;
-        for (unsigned j = 0; j < m_Metric.size(); ++j) {
+        for (unsigned j = 0; j < values.size(); ++j) {
             const NqManipulatorLink& link = *m_Manipulator.linkByIndex(j);
             if (link.joint().name() == label || link.linkLabel() == label) {
-                m_Metric[j] = weight;
+                values[j] = value;
                 isFound = true;
             }
         }
         if (!isFound) {
-            return refuse("--metric names joint " + inQuotes(label) + ", which the robot doesn't have");
+            return refuse(std::string(option) + " names joint " + inQuotes(label) +
+                          ", which the robot doesn't have");
         }
     }
     return true;
@@ -193,8 +199,8 @@ bool NqDriveTask::checkConstraints() {
     }
     NqMessageCollector messages;
     const NqControlLoop loop = this->loop();
-    if (!messages.lines().empty()) {
-        return refuse("the end-effectors don't fit the robot: " + messages.lines().front());
+    if (messages.count() > 0) {
+        return refuse("the end-effectors don't fit the robot: " + messages.last(""));
     }
     for (unsigned e = 0; e < m_EndEffectors.size(); ++e) {
         NqEndEffector::SparsityDescription sparsity;

@@ -46,6 +46,8 @@ private:
     bool setStart();
     bool setPosture();
     bool setMetric();
+    bool setByLabel(const std::vector<std::pair<std::string, double>>& byLabel, const char* option,
+                    std::vector<double>& values);
     bool checkConstraints();
     bool setTargets();
     bool refuse(std::string complaint);

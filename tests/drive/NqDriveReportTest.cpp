@@ -61,7 +61,7 @@ TEST(NqDriveReport, SurvivesHostileNamesAndEndlessJoints) {
         "time,wayPoint,determinant,slowing,\"j,\"\"1<.position\",j2.position,j3.position,\"j,\"\"1<.rate\","
         "j2.rate,j3.rate,\"<b>,c.x\",\"<b>,c.y\",\"<b>,c.z\",\"<b>,c.error\",\"<b>,c.speed\","
         "\"<b>,c.acceleration\"");
-    EXPECT_EQ(static_cast<std::size_t>(std::count(csv.begin(), csv.end(), '\n')), run.recorder().rows() + 1);
+    EXPECT_EQ(static_cast<std::size_t>(std::count(csv.begin(), csv.end(), '\n')), run.recorder().rows() + 2);
 }
 
 } // namespace

@@ -52,20 +52,32 @@ TEST_F(NqDrive, PostureAndMetricRuleTheFreeJoints) {
 }
 
 TEST_F(NqDrive, SaysWhatIsInTheWay) {
-    load("arm7.urdf", pointXml("hand", "0 0 0", 1.0, 5.0), {"--target", "-0.3,0,0.3"});
-    NqDriveRun atLimit(task);
-    atLimit.execute(watcher);
-    EXPECT_EQ(atLimit.record().outcome, Outcome::JointAtLimit);
-    EXPECT_NE(atLimit.record().verdict.find("'joint4' is at its limit"), std::string::npos);
+    const auto verdictOf = [&](const char* robot, const char* link, std::vector<const char*> arguments) {
+        load(robot, pointXml(link, "0 0 0", 1.0, 5.0), std::move(arguments));
+        NqDriveRun run = loadedRun();
+        run.execute(watcher);
+        EXPECT_FALSE(run.record().isReached());
+        return run.record().verdict;
+    };
+    EXPECT_NE(verdictOf("arm7.urdf", "hand", {"--target", "1,0,0.5"})
+                  .find("the target is out of reach, and 'hand' is"),
+              std::string::npos);
+    const std::string held =
+        verdictOf("planar3.urdf", "tip",
+                  {"--start", "joint1=0.4,joint2=0.9", "--target", "-0.5,-0.35,0", "--no-detour"});
+    EXPECT_NE(held.find("at its limit"), std::string::npos) << held;
+    const std::string line = verdictOf("planar3.urdf", "tip", {"--start", "0,0,0", "--target", "0.6,0,0"});
+    EXPECT_NE(line.find("the posture is singular (no joint moves 'tip' along x)"), std::string::npos) << line;
+}
 
-    // All bars in line: the first row of the Jacobian is zero, and a velocity along it asks for infinite
-    // rates.
-    load("lift4.urdf", pointXml("tip", "0 0 0", 0.3, 1.0), {"--target", "0.5,0.5,0.6"});
-    NqDriveRun singular(task);
-    singular.execute(watcher);
-    EXPECT_EQ(singular.record().outcome, Outcome::NoSolution);
-    EXPECT_NE(singular.record().verdict.find("no joint moves 'tip' along x"), std::string::npos);
-    EXPECT_EQ(singular.loop().positions(), task.start());
+/// What limits block from where the arm is it reaches through another posture.
+TEST_F(NqDrive, GoesThroughAnotherPosture) {
+    load("planar3.urdf", pointXml("tip", "0 0 0", 1.0, 5.0),
+         {"--start", "joint1=0.4,joint2=0.9", "--target", "-0.5,-0.35,0"});
+    NqDriveRun run = loadedRun();
+    reachAll(run);
+    EXPECT_EQ(run.record().detours, 1u);
+    EXPECT_NE(run.record().verdict.find("after a detour"), std::string::npos);
 }
 
 TEST_F(NqDrive, RefusesWhatCannotBeStacked) {
@@ -82,7 +94,7 @@ TEST_F(NqDrive, RefusesWhatCannotBeStacked) {
 }
 
 TEST(NqDriveRecorder, ThinsWhenFullAndKeepsWhatIsAskedFor) {
-    NqDriveRecorder recorder(1, 1, 1, 8);
+    NqDriveRecorder recorder(1, 1, 1, false, 8);
     const NqVector point(1.0, 2.0, 3.0);
     const NqCoordinateSystemTransformation frame(point, NqOrientation(1.0, point));
     for (int step = 0; step < 100; ++step) {
@@ -94,7 +106,9 @@ TEST(NqDriveRecorder, ThinsWhenFullAndKeepsWhatIsAskedFor) {
     EXPECT_EQ(recorder.stride(), 16u);
     EXPECT_EQ(recorder.column(&NqDriveRecorder::time),
               (std::vector<double>{0.0, 16.0, 32.0, 48.0, 64.0, 80.0, 96.0, 99.0}));
-    EXPECT_EQ(recorder.determinant(2), 64.0);
+    EXPECT_EQ(recorder.determinant(2), 64.0) << "the least from step 32 to 63";
+    EXPECT_EQ(recorder.determinant(3), 126.0) << "the greatest";
+    EXPECT_EQ(recorder.position(3, 0), 48.0);
     EXPECT_EQ(recorder.placement(3, 0), frame);
     EXPECT_EQ(recorder.acceleration(2, 0), 32.0);
 }

@@ -43,15 +43,6 @@ bool hasShape(const NqReArray& array, unsigned rows, unsigned columns) {
     return array.rows() == rows && array.columns() == columns;
 }
 
-/// The same, but every row counts: what came from outside may be ragged.
-bool isFilled(const NqReArray& array, unsigned rows, unsigned columns) {
-    bool fits = array.size() == rows;
-    for (std::size_t i = 0; fits && i < rows; ++i) {
-        fits = array[i].size() == columns;
-    }
-    return fits;
-}
-
 void swapColumns(NqReArray& matrix, unsigned first, unsigned second, unsigned rows) {
     for (unsigned r = 0; r < rows; ++r) {
         std::swap(matrix[r][first], matrix[r][second]);
@@ -61,23 +52,23 @@ void swapColumns(NqReArray& matrix, unsigned first, unsigned second, unsigned ro
 /// weighted[j][i] = sum over k of W[j][k] N[k][i], each from 0 in rising k. Entries that W lacks count as
 /// zero.
 void applyMetric(const NqReArray& metric, const NqReArray& nullSpace, unsigned n, NqReArray& weighted) {
-    const bool isDiagonal = metric.columns() == 1;
+    const unsigned metricColumns = metric.columns();
     const unsigned weightedRows = std::min(n, metric.rows());
     for (unsigned j = 0; j < n; ++j) {
         std::vector<double>& target = weighted[j];
+        if (j < weightedRows && metricColumns == 1) {
+            const double weight = metric[j].empty() ? 0.0 : metric[j][0];
+            std::transform(nullSpace[j].begin(), nullSpace[j].end(), target.begin(),
+                           [weight](double entry) { return entry * weight; });
+            continue;
+        }
         std::fill(target.begin(), target.end(), 0.0);
         if (j >= weightedRows) {
             continue;
         }
         const std::vector<double>& weights = metric[j];
-        if (isDiagonal) {
-            const double weight = weights.empty() ? 0.0 : weights[0];
-            std::transform(nullSpace[j].begin(), nullSpace[j].end(), target.begin(),
-                           [weight](double entry) { return entry * weight; });
-            continue;
-        }
         const auto count =
-            static_cast<unsigned>(std::min<std::size_t>(std::min(n, metric.columns()), weights.size()));
+            static_cast<unsigned>(std::min<std::size_t>(std::min(n, metricColumns), weights.size()));
         for (unsigned k = 0; k < count; k += PanelWidth) {
             const double* rows[PanelWidth];
             const unsigned width = std::min(PanelWidth, count - k);
@@ -90,7 +81,8 @@ void applyMetric(const NqReArray& metric, const NqReArray& nullSpace, unsigned n
 }
 
 void reportZeroColumns(const NqReArray& weightedNullSpace, unsigned n) {
-    for (unsigned i = 0; i < weightedNullSpace.columns(); ++i) {
+    const unsigned columns = weightedNullSpace.columns();
+    for (unsigned i = 0; i < columns; ++i) {
         unsigned j = 0;
         while (j < n && weightedNullSpace[j][i] == 0.0) {
             ++j;
@@ -134,14 +126,6 @@ unsigned choosePivot(const std::vector<double>& row, unsigned begin, unsigned en
                      unsigned kept) {
     return lastWins ? NqRowOperations::lastLargest(row.data(), begin, end, kept)
                     : NqRowOperations::firstLargest(row.data(), begin, end, kept);
-}
-
-/// Gives a row, from column c on, the terms of all rows above row c, by the multipliers that it holds.
-void addAllMultiples(NqReArray& matrix, unsigned r, unsigned c, unsigned n) {
-    double* const row = matrix[r].data();
-    for (unsigned k = 0; k < c; ++k) {
-        NqRowOperations::addMultiple(row + c, -row[k], matrix[k].data() + c, n - c);
-    }
 }
 
 /// Two numbers that go through the same operations side by side.
@@ -248,7 +232,7 @@ const NqReArray& NqCoreVelocityControlTool::primaryMatrix() const {
 
 void NqCoreVelocityControlTool::setPrimaryMatrix(const NqReArray& primaryMatrix) {
     m_PrimaryMatrix = primaryMatrix;
-    *m_IsSolvedAhead = false;
+    *m_Both = Both::No;
 }
 
 const NqReArray& NqCoreVelocityControlTool::nullSpace() const {
@@ -273,7 +257,7 @@ const std::vector<unsigned int>& NqCoreVelocityControlTool::indices() const {
 
 void NqCoreVelocityControlTool::setIndices(const std::vector<unsigned int>& indices) {
     m_Indices = indices;
-    *m_IsSolvedAhead = false;
+    *m_Both = Both::No;
 }
 
 bool NqCoreVelocityControlTool::calcJointRates(NqJacobianState* jacobianState, const NqReArray& jacobian,
@@ -300,6 +284,9 @@ bool NqCoreVelocityControlTool::calcJointRates(NqJacobianState* jacobianState, c
     resize();
     for (unsigned i = 0; i < m_M; ++i) {
         m_PrimaryMatrix[i] = jacobian[i];
+    }
+    for (unsigned i = m_M; i < m_N; ++i) {
+        m_PrimaryMatrix[i].resize(m_N); // one from outside may be ragged
     }
     if (!prep(jacobianState, m_PrimaryMatrix, m_Indices, m_M, m_WeightFlag ? 1u : 0u, metric, m_NullSpace,
               m_WeightedNullSpace)) {
@@ -354,7 +341,8 @@ bool NqCoreVelocityControlTool::calcJointRatesAB(NqJacobianState* jacobianState,
         pivotsFit = pivotsFit && (i < m_N ? m_Indices[i] < m_N : m_Indices[i] == i);
     }
     if (nullGradient.size() < m_NullDimension || velocity.size() < m_M || !pivotsFit ||
-        !isFilled(m_PrimaryMatrix, m_N, m_N) || !hasRows(bRows, m_NullDimension, m_N)) {
+        !hasShape(m_PrimaryMatrix, m_N, m_N) || !hasRows(m_PrimaryMatrix, m_N, m_N) ||
+        !hasRows(bRows, m_NullDimension, m_N)) {
         return reportVector();
     }
     if (!prep(m_PrimaryMatrix, m_Indices, m_M, m_N, bRows)) {
@@ -376,18 +364,25 @@ bool NqCoreVelocityControlTool::solveTwice(const std::vector<double>& velocity,
     std::vector<double>& stacked = *m_StackedRightHandSide;
     std::vector<double>& nullPart = *m_NullRightHandSide;
     nullPart.resize(m_N);
-    for (unsigned i = 0; i < m_N; ++i) {
-        nullPart[i] = i < m_M ? 0.0 : stacked[i];
-        stacked[i] = i < m_M ? velocity[i] : stacked[i];
+    m_Pairs->resize(m_N);
+    for (unsigned i = 0; i < m_M; ++i) {
+        stacked[i] = velocity[i];
+        nullPart[i] = 0.0;
+        store((*m_Pairs)[i], Lanes{velocity[i], 0.0});
     }
-    *m_IsSolvedAhead = false;
+    for (unsigned i = m_M; i < m_N; ++i) {
+        nullPart[i] = stacked[i];
+        store((*m_Pairs)[i], Lanes{stacked[i], stacked[i]});
+    }
+    *m_Both = Both::Given;
     calc(m_PrimaryMatrix, m_Indices, stacked, jointRates, determinant);
     calc(m_PrimaryMatrix, m_Indices, nullPart, nullSpaceJointRates, determinant);
+    *m_Both = Both::No;
     return true;
 }
 
 void NqCoreVelocityControlTool::resize() {
-    if (!isFilled(m_PrimaryMatrix, m_N, m_N)) {
+    if (!hasShape(m_PrimaryMatrix, m_N, m_N)) {
         m_PrimaryMatrix.setToZeros(m_N, m_N);
     }
     if (!hasShape(m_NullSpace, m_N, m_NullDimension)) {
@@ -408,9 +403,12 @@ bool NqCoreVelocityControlTool::prep(NqReArray& primaryMatrix, std::vector<unsig
     }
     completeFactoring(primaryMatrix, indices, m, n, Ties::LastWins,
                       [&](unsigned firstRow, unsigned firstColumn) {
+                          const unsigned* const columnOrder = m_ColumnOrder->data();
                           for (unsigned r = firstRow; r < n; ++r) {
+                              const double* const source = bRows[r - m].data();
+                              double* const target = primaryMatrix[r].data();
                               for (unsigned c = firstColumn; c < n; ++c) {
-                                  primaryMatrix[r][c] = bRows[r - m][(*m_ColumnOrder)[c]];
+                                  target[c] = source[columnOrder[c]];
                               }
                           }
                       });
@@ -449,34 +447,40 @@ bool NqCoreVelocityControlTool::prep(NqJacobianState* jacobianState, NqReArray& 
 }
 
 /// Has `fill(firstRow, firstColumn)` write the lower rows from there on, with column m_ColumnOrder[c] of the
-/// caller at c, which is the order of `indices`; eliminates them, and merges the interchanges of both stages
-/// in `indices`.
+/// caller at c; eliminates them, and merges the interchanges of both stages in `indices`.
 template <typename Fill>
 void NqCoreVelocityControlTool::completeFactoring(NqReArray& matrix, std::vector<unsigned int>& indices,
                                                   unsigned m, unsigned n, Ties ties, const Fill& fill) {
-    std::vector<unsigned int>& columnOrder = *m_ColumnOrder;
-    columnOrder.resize(n);
-    std::iota(columnOrder.begin(), columnOrder.end(), 0u);
-    for (unsigned i = 0; i < n; ++i) {
-        std::swap(columnOrder[i], columnOrder[indices[i]]);
-    }
     *m_FirstPivots = indices;
     m_SecondPivots->resize(indices.size());
     std::iota(m_SecondPivots->begin(), m_SecondPivots->end(), 0u);
+    m_ColumnOrder->resize(n);
+    orderColumns(0);
+    fill(m, 0);
     eliminate(matrix, m, n, ties, fill);
     matrix.combineIndices(*m_FirstPivots, *m_SecondPivots, indices);
+}
+
+/// Puts the columns in order: the interchanges of the first stage, and those of the second before step `end`.
+void NqCoreVelocityControlTool::orderColumns(unsigned end) {
+    std::vector<unsigned int>& columnOrder = *m_ColumnOrder;
+    std::iota(columnOrder.begin(), columnOrder.end(), 0u);
+    for (unsigned i = 0; i < columnOrder.size(); ++i) {
+        std::swap(columnOrder[i], columnOrder[(*m_FirstPivots)[i]]);
+    }
+    for (unsigned i = 0; i < end; ++i) {
+        std::swap(columnOrder[i], columnOrder[(*m_SecondPivots)[i]]);
+    }
 }
 
 /// Eliminates the lower rows a few pivots at a time, each along whole rows. To the last bit the same as
 /// column by column, as every element gets the same terms in the same order.
 ///
-/// A row of zeros (or of NaN) keeps the pivot of the row before. Its column may be done with already, and
-/// changes places all the same: what the rows below have in it was their multiplier, and becomes an element
-/// that is still to be eliminated, by the multipliers that they have now.
+/// A row of zeros (or of NaN) keeps the pivot of the row before, which may be a column that is done with; it
+/// changes places all the same.
 template <typename Fill>
 NQ_WIDE_ROWS void NqCoreVelocityControlTool::eliminate(NqReArray& matrix, unsigned m, unsigned n, Ties ties,
                                                        const Fill& fill) {
-    fill(m, 0);
     for (unsigned first = 0; first < m; first += PanelWidth) {
         Panel panel(first);
         for (unsigned c = first; c < std::min(first + PanelWidth, m); ++c) {
@@ -487,40 +491,58 @@ NQ_WIDE_ROWS void NqCoreVelocityControlTool::eliminate(NqReArray& matrix, unsign
         }
     }
     unsigned p = 0;
-    for (unsigned first = m, behind = m; first < n; first = behind) {
+    unsigned settled = n; // the row whose pivot was one that is done with
+    for (unsigned first = m, c = m; first < n; first = c) {
         Panel panel(first);
-        behind = std::min(first + PanelWidth, n);
-        for (unsigned c = first; c < behind; ++c) {
+        const unsigned behind = std::min(first + PanelWidth, n);
+        for (; c < behind; ++c) {
             std::vector<double>& row = matrix[c];
-            panel.eliminate(row.data(), n);
-            p = choosePivot(row, c, n, ties == Ties::LastWins, p);
-            const bool isDoneWith = p < c;
-            if (isDoneWith) {
-                for (unsigned r = c + 1; r < n; ++r) {
-                    double unused[PanelWidth];
-                    panel.multipliers(matrix[r].data(), unused);
+            if (c != settled) {
+                panel.eliminate(row.data(), n);
+                p = choosePivot(row, c, n, ties == Ties::LastWins, p);
+                (*m_SecondPivots)[c] = p;
+                if (p < c) [[unlikely]] {
+                    takeBack(matrix, panel, c, fill);
+                    settled = c;
+                    break;
                 }
-                fill(c + 1, c);
-            }
-            if (p != c) {
-                swapColumns(matrix, c, p, n);
-                std::swap((*m_ColumnOrder)[c], (*m_ColumnOrder)[p]);
-            }
-            (*m_SecondPivots)[c] = p;
-            if (isDoneWith) {
-                for (unsigned r = c + 1; r < n; ++r) {
-                    addAllMultiples(matrix, r, c, n);
+                if (p != c) {
+                    swapColumns(matrix, c, p, n);
                 }
-                panel = Panel(c);
-                behind = std::min(c + PanelWidth, n);
             }
             if (row[c] == 0.0) {
                 row[c] = kRepairedPivot;
             }
             panel.add(row.data());
         }
+        if (c < behind) {
+            continue;
+        }
         for (unsigned r = behind; r < n; ++r) {
             panel.eliminate(matrix[r].data(), n);
+        }
+    }
+}
+
+/// Exchanges column c for a pivot column that is done with. In the rows below row c the two don't mean the
+/// same: one holds their multiplier, which now becomes an element to be eliminated, and the other is that
+/// multiplier from now on, as it came. So they begin once more in all columns from c on, with the multipliers
+/// that they then have.
+template <typename Fill>
+void NqCoreVelocityControlTool::takeBack(NqReArray& matrix, const NqRowOperations::Panel& panel, unsigned c,
+                                         const Fill& fill) {
+    const auto n = static_cast<unsigned>(m_ColumnOrder->size());
+    for (unsigned r = c + 1; r < n; ++r) {
+        double unused[PanelWidth];
+        panel.multipliers(matrix[r].data(), unused);
+    }
+    orderColumns(c);
+    fill(c + 1, c);
+    swapColumns(matrix, c, (*m_SecondPivots)[c], n);
+    for (unsigned r = c + 1; r < n; ++r) {
+        double* const row = matrix[r].data();
+        for (unsigned k = 0; k < c; ++k) {
+            NqRowOperations::addMultiple(row + c, -row[k], matrix[k].data() + c, n - c);
         }
     }
 }
@@ -539,24 +561,22 @@ bool NqCoreVelocityControlTool::calc(const NqReArray& factoredMatrix,
         return false;
     }
     growTo(n, solution);
-    // Of the two solves of one step the first does both, abreast, and the second finds its result waiting.
-    const bool isOwnSystem = &factoredMatrix == &m_PrimaryMatrix && &indices == &m_Indices;
-    std::vector<std::array<double, 2>>& both = *m_BothSolutions;
-    if (isOwnSystem && &rightHandSide == &*m_StackedRightHandSide) {
-        both.resize(n);
-        for (unsigned i = 0; i < n; ++i) {
-            store(both[i], Lanes{rightHandSide[i], (*m_NullRightHandSide)[i]});
+    // Of the two solves of one step the first does both, abreast, and the other finds its result waiting.
+    const bool isFirst = &rightHandSide == &*m_StackedRightHandSide;
+    const bool isOfBoth = isFirst || &rightHandSide == &*m_NullRightHandSide;
+    if (isOfBoth && *m_Both != Both::No && &factoredMatrix == &m_PrimaryMatrix && &indices == &m_Indices) {
+        if (*m_Both == Both::Given) {
+            *m_Determinant = solveInPlace(factoredMatrix, indices, m_Pairs->data());
+            *m_Both = Both::Solved;
         }
-        *m_Determinant = solveInPlace(factoredMatrix, indices, both.data());
-        *m_IsSolvedAhead = true;
-        std::ranges::transform(both, solution.begin(), [](const auto& pair) { return pair[0]; });
+        const std::size_t lane = isFirst ? 0 : 1;
+        for (unsigned i = 0; i < n; ++i) {
+            solution[i] = (*m_Pairs)[i][lane];
+        }
         determinant = *m_Determinant;
-    } else if (isOwnSystem && &rightHandSide == &*m_NullRightHandSide && *m_IsSolvedAhead) {
-        std::ranges::transform(both, solution.begin(), [](const auto& pair) { return pair[1]; });
-        determinant = *m_Determinant;
-    } else {
-        std::copy_n(rightHandSide.begin(), n, solution.begin());
-        determinant = solveInPlace(factoredMatrix, indices, solution.data());
+        return true;
     }
+    std::copy_n(rightHandSide.begin(), n, solution.begin());
+    determinant = solveInPlace(factoredMatrix, indices, solution.data());
     return true;
 }

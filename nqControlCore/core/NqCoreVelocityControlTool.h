@@ -7,6 +7,9 @@
 #include <vector>
 
 class NqJacobianState;
+namespace NqRowOperations {
+struct Panel;
+}
 
 /// Finds joint rates that meet a commanded end-effector velocity exactly and, in the space left free, descend
 /// a gradient under a metric.
@@ -115,6 +118,8 @@ protected:
 private:
     /// Which of equal pivots is taken.
     enum class Ties { FirstWins, LastWins };
+    /// Whether the two right-hand sides of one step stand ready to be solved together, or are solved.
+    enum class Both { No, Given, Solved };
 
     bool solveTwice(const std::vector<double>& velocity, std::vector<double>& jointRates,
                     std::vector<double>& nullSpaceJointRates, double& determinant);
@@ -123,6 +128,9 @@ private:
                            Ties ties, const Fill& fill);
     template <typename Fill>
     void eliminate(NqReArray& matrix, unsigned m, unsigned n, Ties ties, const Fill& fill);
+    template <typename Fill>
+    void takeBack(NqReArray& matrix, const NqRowOperations::Panel& panel, unsigned c, const Fill& fill);
+    void orderColumns(unsigned end);
 
     NqReArray m_PrimaryMatrix;
     NqReArray m_NullSpace;
@@ -134,10 +142,10 @@ private:
     unsigned int m_NullDimension = 0;
 
     NqUncopied<std::vector<double>> m_StackedRightHandSide;
-    NqUncopied<std::vector<double>> m_NullRightHandSide;            ///< the same with v = 0
-    NqUncopied<std::vector<std::array<double, 2>>> m_BothSolutions; ///< of these two
-    NqUncopied<double> m_Determinant;
-    NqUncopied<bool> m_IsSolvedAhead; ///< whether m_BothSolutions and m_Determinant hold
+    NqUncopied<std::vector<double>> m_NullRightHandSide;    ///< the same with v = 0
+    NqUncopied<std::vector<std::array<double, 2>>> m_Pairs; ///< these two side by side, then both solutions
+    NqUncopied<Both> m_Both;
+    NqUncopied<double> m_Determinant; ///< when both are solved
     NqUncopied<std::vector<unsigned int>> m_FirstPivots;
     NqUncopied<std::vector<unsigned int>> m_SecondPivots;
     NqUncopied<std::vector<unsigned int>> m_ColumnOrder;

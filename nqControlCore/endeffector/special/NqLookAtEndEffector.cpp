@@ -32,15 +32,12 @@ void NqLookAtEndEffector::filterFrameEndEffectorVelocity(const NqIndividualManip
                                                          const NqGeneralMotion& previousVelocity,
                                                          double timeStep, NqManipulatorActiveState& state,
                                                          NqGeneralMotion& filtered) const {
-    constexpr bool matchTimes = true;
-    constexpr bool zAxisOnly = false;
-    constexpr bool applyProfile = true;
     const NqCoordinateSystemTransformation& actual = presentPlacement(manipulator, state);
     NqVector way = actual.orientation().inverse() * (desiredFrame.translation() - actual.translation());
     way.setX(0.0);
-    const NqCoordinateSystemTransformation goal(actual * way, desiredFrame.orientation());
-    motionFilter().calculateGeneralMotion(actual, goal, desiredVelocity, previousVelocity, timeStep, filtered,
-                                          matchTimes, zAxisOnly, applyProfile);
+    const NqEndEffectorPlacement goal({actual * way, desiredFrame.orientation()});
+    NqFrameBasedEndEffector::filterFrameEndEffectorVelocity(manipulator, goal, desiredVelocity,
+                                                            previousVelocity, timeStep, state, filtered);
 }
 
 NqCoordinateSystemTransformation NqLookAtEndEffector::motionFrame() const {

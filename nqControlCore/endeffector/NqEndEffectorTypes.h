@@ -6,6 +6,14 @@
 #include <nqControlCore/endeffector/NqOrientationEndEffector.h>
 #include <nqControlCore/endeffector/NqPointDistanceEndEffector.h>
 #include <nqControlCore/endeffector/NqPointEndEffector.h>
+#include <nqControlCore/endeffector/special/NqFreeSpinInZEndEffector.h>
+#include <nqControlCore/endeffector/special/NqLookAtEndEffector.h>
+#include <nqControlCore/endeffector/special/NqPlanarEndEffector.h>
+#include <nqControlCore/endeffector/special/NqRCMEndEffector.h>
+#include <nqControlCore/endeffector/special/NqSlideXSpinZEndEffector.h>
+#include <nqControlCore/endeffector/special/NqSlidingEndEffector.h>
+#include <nqControlCore/endeffector/special/NqXEndEffector.h>
+#include <nqControlCore/endeffector/special/NqXyEndEffector.h>
 
 /// A list of types, to be run through at compile time.
 template <typename... Types>
@@ -20,8 +28,10 @@ struct NqTypeList {
 /// All end-effector types that a file can hold, in the order of their registration. This is the one list:
 /// both collections and the tests run over it.
 using NqEndEffectorTypes =
-    NqTypeList<NqPointEndEffector, NqFrameEndEffector, NqLinearConstraintEndEffector,
-               NqOrientationEndEffector, NqPointDistanceEndEffector, NqAxisRotateEndEffector>;
+    NqTypeList<NqPointEndEffector, NqFrameEndEffector, NqRCMEndEffector, NqXyEndEffector,
+               NqLinearConstraintEndEffector, NqSlidingEndEffector, NqSlideXSpinZEndEffector,
+               NqFreeSpinInZEndEffector, NqPlanarEndEffector, NqOrientationEndEffector, NqLookAtEndEffector,
+               NqPointDistanceEndEffector, NqAxisRotateEndEffector, NqXEndEffector>;
 
 class NqXmlBaseVariableCompoundType;
 

@@ -5,6 +5,7 @@
 #include <nqControlCore/endeffector/NqRowEndEffector.h>
 #include <nqControlCore/foundation/math/NqEndEffectorPlacement.h>
 
+#include <algorithm>
 #include <array>
 
 /// The layer between an end-effector class and its base that gives rows, placement, velocity and acceleration
@@ -59,7 +60,7 @@ public:
         const auto& [manipulator, row, relativeLink, fixedBase] = request;
         if constexpr (plan().clearsBits) {
             for (unsigned i = row; i < row + doc(); ++i) {
-                sparsity[i].assign(request.width(), false);
+                std::fill_n(sparsity[i].begin(), request.width(), false);
             }
         }
         const auto& label = this->linkIdentifier();
@@ -150,13 +151,19 @@ private:
     Rows rowsFor(const NqIndividualManipulator& manipulator,
                  const NqEndEffectorRelativeLinkData& relativeLink, const NqManipulatorLink& link,
                  NqManipulatorActivePositionState& state) const {
-        Rows rows;
-        if constexpr (plan().axes == NqMotionPlan::Axes::Turned) {
-            self()
-                .rowAxes(manipulator, relativeLink, link, state)
-                .getDcmColumns(rows.axes[0], rows.axes[1], rows.axes[2]);
+        const auto inAxesOf = [](const NqOrientation& orientation) {
+            Rows rows;
+            orientation.getDcmColumns(rows.axes[0], rows.axes[1], rows.axes[2]);
+            return rows;
+        };
+        if constexpr (plan().axes == NqMotionPlan::Axes::Own) {
+            return inAxesOf(link.primaryFrameInSystem(state).orientation() *
+                            self().motionFrame().orientation());
+        } else if constexpr (plan().axes == NqMotionPlan::Axes::Turned) {
+            return inAxesOf(self().rowAxes(manipulator, relativeLink, link, state));
+        } else {
+            return {};
         }
-        return rows;
     }
 
     void putRows(const NqIndividualManipulator& manipulator, const NqManipulatorLink& link,

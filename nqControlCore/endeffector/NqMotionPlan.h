@@ -34,8 +34,9 @@ struct NqMotionPlan {
     NqMotionComponents rows;
     enum class Placement { Frame, Point, Orientation } placement = Placement::Frame;
 
-    /// The axes of the components: those of the system, or those that rowAxes() of the class gives.
-    enum class Axes { System, Turned } axes = Axes::System;
+    /// The axes of the components: those of the system, the frame's own, or those that rowAxes() of the class
+    /// gives.
+    enum class Axes { System, Own, Turned } axes = Axes::System;
 
     /// Which columns relative links and a free base get.
     bool hasRelativeColumns = true;
@@ -77,7 +78,7 @@ struct NqMotionPlan {
         if (!isLinear && isTranslation) {
             return false;
         }
-        if (axes == Axes::Turned) {
+        if (axes != Axes::System) {
             return true;
         }
         return isLinear == isTranslation ? c == component : c != component + 3;

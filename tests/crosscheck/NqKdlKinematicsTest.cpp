@@ -1,8 +1,6 @@
 #include "NqCrossCheck.h"
 
-#include <nqControlCore/endeffector/NqFrameEndEffector.h>
-#include <nqControlCore/endeffector/NqOrientationEndEffector.h>
-#include <nqControlCore/endeffector/NqPointEndEffector.h>
+#include <nqControlCore/endeffector/NqEndEffectorTypes.h>
 #include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
 
 #include <gtest/gtest.h>
@@ -20,6 +18,12 @@ namespace {
 
 NqVector vector(const KDL::Vector& v) {
     return {v.x(), v.y(), v.z()};
+}
+
+KDL::Rotation rotation(const NqOrientation& orientation) {
+    double q[4];
+    orientation.getQuaternion(q[0], q[1], q[2], q[3]);
+    return KDL::Rotation::Quaternion(q[1], q[2], q[3], q[0]);
 }
 
 /// The largest of the distances between two frames' origins and axes, relative to the size of the first (at
@@ -74,12 +78,14 @@ public:
         return result;
     }
 
-    /// Columns, by our joint index, of the Jacobian of a point given in a link's frame, in the base frame, as
-    /// KDL has them.
-    std::vector<NqGeneralMotion> jacobian(const std::string& label, const NqVector& point) const {
+    /// Columns, by our joint index, of the Jacobian of a point given in a link's frame, in the base frame or
+    /// in axes that are turned against it, as KDL has them.
+    std::vector<NqGeneralMotion> jacobian(const std::string& label, const NqVector& point,
+                                          const KDL::Rotation& axes = KDL::Rotation::Identity()) const {
         KDL::Jacobian columns(m_Tree.getNrOfJoints());
         KDL::TreeJntToJacSolver(m_Tree).JntToJac(m_Positions, columns, label);
         columns.changeRefPoint(frame(label).M * KDL::Vector(point[0], point[1], point[2]));
+        columns.changeBase(axes.Inverse());
         std::vector<NqGeneralMotion> result;
         for (const unsigned index : m_KdlIndices) {
             const KDL::Twist column = columns.getColumn(index);
@@ -120,6 +126,13 @@ protected:
         std::printf("%s: %s within %.1e\n", GetParam().c_str(), what, largest);
     }
 
+    NqReArray rowsOf(NqEndEffector& endEffector, const std::string& label) {
+        NqReArray rows;
+        endEffector.setLinkIdentifier(label);
+        endEffector.insertJacobianComponent(m_Model.manipulator(), 0, {}, true, m_Model.state(), rows);
+        return rows;
+    }
+
     const NqManipulatorLink& link(const std::string& label) {
         const NqManipulatorLink* found = m_Model.manipulator().linkByLabel(label);
         return found ? *found : m_Model.manipulator();
@@ -142,12 +155,6 @@ TEST_P(KdlKinematics, JacobiansOnEachLink) {
     NqFrameEndEffector frame;
     frame.setFrame({offset, NqOrientation(0.7, {0.3, -0.4, 0.5})});
     NqOrientationEndEffector orientation;
-    const auto rowsOf = [&](NqEndEffector& endEffector, const std::string& label) {
-        NqReArray rows;
-        endEffector.setLinkIdentifier(label);
-        endEffector.insertJacobianComponent(m_Model.manipulator(), 0, {}, true, m_Model.state(), rows);
-        return rows;
-    };
     expectAgreement("Jacobians", [&](const std::string& label) {
         const std::vector<NqGeneralMotion> reference = m_Model.jacobian(label, offset);
         const NqReArray ofPoint = rowsOf(point, label);
@@ -163,6 +170,63 @@ TEST_P(KdlKinematics, JacobiansOnEachLink) {
                                     std::fabs(partial - expected) / scale});
             }
         }
+        return largest;
+    });
+}
+
+/// A constraint on some components of the motion of a point, in axes of its own.
+struct NqPartialRows {
+    NqEndEffector& endEffector;
+    std::vector<unsigned> components;
+    NqVector point;
+};
+
+TEST_P(KdlKinematics, PartialJacobiansOnEachLink) {
+    const NqCoordinateSystemTransformation offset(NqVector(0.1, -0.2, 0.3),
+                                                  NqOrientation(0.7, {0.3, -0.4, 0.5}));
+    const NqVector& origin = offset.translation();
+    NqPlanarEndEffector planar;
+    NqSlidingEndEffector sliding;
+    NqSlideXSpinZEndEffector slideSpin;
+    NqFreeSpinInZEndEffector freeSpin;
+    NqRCMEndEffector rcm;
+    NqLookAtEndEffector lookAt;
+    for (NqFrameBasedEndEffector* each : std::initializer_list<NqFrameBasedEndEffector*>{
+             &planar, &sliding, &slideSpin, &freeSpin, &rcm, &lookAt}) {
+        each->setFrame(offset);
+    }
+    NqXEndEffector x;
+    NqXyEndEffector xy;
+    x.setPoint(origin);
+    x.setXOrientation(offset.orientation());
+    xy.setPoint(origin);
+    xy.setXyOrientation(offset.orientation());
+
+    const std::vector<NqPartialRows> inFrame{
+        {planar, {2, 3, 4}, origin},
+        {sliding, {1, 2, 3, 4, 5}, origin},
+        {slideSpin, {1, 2, 3, 4}, origin},
+        {freeSpin, {0, 1, 2, 3, 4}, origin},
+        {rcm, {1, 2}, origin},
+        {lookAt, {1, 2}, offset * NqVector(lookAt.focusDistance(), 0.0, 0.0)}};
+    const std::vector<NqPartialRows> inSystem{{x, {0}, origin}, {xy, {0, 1}, origin}};
+    expectAgreement("partial Jacobians", [&](const std::string& label) {
+        double largest = 0.0;
+        const auto compare = [&](const std::vector<NqPartialRows>& cases, const KDL::Rotation& axes) {
+            for (const auto& [endEffector, components, point] : cases) {
+                const std::vector<NqGeneralMotion> reference = m_Model.jacobian(label, point, axes);
+                const NqReArray rows = rowsOf(endEffector, label);
+                for (unsigned j = 0; j < reference.size(); ++j) {
+                    const double scale = std::max(1.0, reference[j].linear().mag());
+                    for (unsigned i = 0; i < components.size(); ++i) {
+                        largest =
+                            std::max(largest, std::fabs(rows[i][j] - reference[j][components[i]]) / scale);
+                    }
+                }
+            }
+        };
+        compare(inFrame, m_Model.frame(label).M * rotation(offset.orientation()));
+        compare(inSystem, rotation(offset.orientation()));
         return largest;
     });
 }

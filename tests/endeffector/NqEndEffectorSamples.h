@@ -25,6 +25,10 @@ struct NqEndEffectorTraits {
     /// where they are of something else.
     std::function<std::vector<double>(const NqEndEffector&, const NqGeneralMotion&, const NqRowAxes&)> rows{};
     bool hasOwnAxes = false; ///< whether the rows are in the frame's own axes, which turn with it
+    /// What stands in the error in the place of the rows, where whyNoError says so.
+    decltype(rows) errorRows{};
+    bool lostLinkKeepsVelocity = false; ///< whether a link that is not found leaves it as it was
+    bool lostLinkKeepsError = false;    ///< the same
     /// d(error)/dt against the velocity: -1 where the error is desired minus present.
     double errorSign = -1.0;
     bool usesExternalOffset = true;    ///< whether an external offset moves the end-effector
@@ -41,6 +45,14 @@ struct NqEndEffectorTraits {
 template <unsigned... Indices>
 std::vector<double> nqComponentsOf(const NqEndEffector&, const NqGeneralMotion& motion, const NqRowAxes&) {
     return {motion[Indices]...};
+}
+
+/// The same in the axes of the frame.
+template <unsigned... Indices>
+std::vector<double> nqOwnComponentsOf(const NqEndEffector&, const NqGeneralMotion& motion,
+                                      const NqRowAxes& axes) {
+    const NqGeneralMotion own = axes.own.inverse() * motion;
+    return {own[Indices]...};
 }
 
 /// Each type has its own; one without does not compile.
@@ -61,6 +73,73 @@ inline NqEndEffectorTraits nqTraitsOf<NqOrientationEndEffector>() {
             .usesExternalOffset = false,
             .whyNoBaseMotion = "the ones stand in the columns of the base's translation"};
 }
+
+/// What the types that constrain some freedoms of a frame have in common.
+template <unsigned... Indices>
+NqEndEffectorTraits nqTraitsOfPartialFrames() {
+    return {.rows = nqOwnComponentsOf<Indices...>, .hasOwnAxes = true, .lostLinkKeepsVelocity = true};
+}
+
+/// The same for those whose error isn't that of the rows.
+template <unsigned... Indices>
+NqEndEffectorTraits nqTraitsOfPartialFrames(decltype(NqEndEffectorTraits::errorRows) errorRows) {
+    NqEndEffectorTraits traits = nqTraitsOfPartialFrames<Indices...>();
+    traits.errorRows = std::move(errorRows);
+    traits.whyNoError = "the error is the beginning of that of the whole frame, in the system frame";
+    return traits;
+}
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqPlanarEndEffector>() {
+    return nqTraitsOfPartialFrames<2, 3, 4>(nqComponentsOf<0, 1, 2>);
+}
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqSlidingEndEffector>() {
+    return nqTraitsOfPartialFrames<1, 2, 3, 4, 5>(nqComponentsOf<0, 1, 2, 3, 4>);
+}
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqSlideXSpinZEndEffector>() {
+    return nqTraitsOfPartialFrames<1, 2, 3, 4>(nqComponentsOf<0, 1, 2, 3>);
+}
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqRCMEndEffector>() {
+    return nqTraitsOfPartialFrames<1, 2>(nqComponentsOf<0, 1>);
+}
+/// The offset of the filter is on the z axis in the sample: the spin that is left would move any other.
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqFreeSpinInZEndEffector>() {
+    NqEndEffectorTraits traits = nqTraitsOfPartialFrames<0, 1, 2, 3, 4>();
+    traits.lostLinkKeepsError = true;
+    return traits;
+}
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqLookAtEndEffector>() {
+    NqEndEffectorTraits traits = nqTraitsOfPartialFrames<1, 2>(nqComponentsOf<0, 1>);
+    traits.lostLinkKeepsVelocity = false;
+    traits.whyNoBaseMotion = "the columns of the base are zero: a base that moves goes unseen";
+    traits.whyNoAcceleration = "the acceleration is zero by definition";
+    traits.whyNoRelativeMotion = "the target is one of the system: no link's motion is taken away";
+    return traits;
+}
+
+/// Coordinates in axes that are fixed in the link that the point is relative to.
+template <typename EndEffector, unsigned... Indices>
+NqEndEffectorTraits nqTraitsOfCoordinates(const NqOrientation& (EndEffector::*turn)() const) {
+    return {.rows = [turn](const NqEndEffector& endEffector, const NqGeneralMotion& motion,
+                           const NqRowAxes& axes) -> std::vector<double> {
+        const NqOrientation& own = (dynamic_cast<const EndEffector&>(endEffector).*turn)();
+        const NqVector linear = (axes.reference * own).inverse() * motion.linear();
+        return {linear[Indices]...};
+    }};
+}
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqXEndEffector>() {
+    return nqTraitsOfCoordinates<NqXEndEffector, 0>(&NqXEndEffector::xOrientation);
+}
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqXyEndEffector>() {
+    return nqTraitsOfCoordinates<NqXyEndEffector, 0, 1>(&NqXyEndEffector::xyOrientation);
+}
+
 /// What the types that drive a number have in common.
 inline NqEndEffectorTraits nqTraitsOfNumbers() {
     return {.errorSign = 1.0,

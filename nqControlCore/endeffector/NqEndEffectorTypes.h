@@ -6,6 +6,10 @@
 #include <nqControlCore/endeffector/NqOrientationEndEffector.h>
 #include <nqControlCore/endeffector/NqPointDistanceEndEffector.h>
 #include <nqControlCore/endeffector/NqPointEndEffector.h>
+#include <nqControlCore/endeffector/special/NqCoordinatedJointEndEffector.h>
+#include <nqControlCore/endeffector/special/NqDirectionalFrameEndEffector.h>
+#include <nqControlCore/endeffector/special/NqOneDofGripperEndEffector.h>
+#include <nqControlCore/endeffector/special/NqSewAngleEndEffector.h>
 
 /// A list of types, to be run through at compile time.
 template <typename... Types>
@@ -21,7 +25,9 @@ struct NqTypeList {
 /// both collections and the tests run over it.
 using NqEndEffectorTypes =
     NqTypeList<NqPointEndEffector, NqFrameEndEffector, NqLinearConstraintEndEffector,
-               NqOrientationEndEffector, NqPointDistanceEndEffector, NqAxisRotateEndEffector>;
+               NqOrientationEndEffector, NqSewAngleEndEffector, NqPointDistanceEndEffector,
+               NqAxisRotateEndEffector, NqCoordinatedJointEndEffector, NqOneDofGripperEndEffector,
+               NqDirectionalFrameEndEffector>;
 
 class NqXmlBaseVariableCompoundType;
 

@@ -43,10 +43,10 @@ protected:
         NqVector axes[3];
         reference.getDcmColumns(axes[0], axes[1], axes[2]);
         double square = 0.0;
-        for (unsigned short i = 0; i < 3; ++i) {
+        for (unsigned i = 0; i < 3; ++i) {
             const double cosine = axes[i].dot(direction);
             NqXmlBasicType<double> limit = frame.defaultThreshold(type);
-            const unsigned short key = cosine < 0.0 ? 2 * i + 1 : 2 * i;
+            const auto key = static_cast<unsigned short>(cosine < 0.0 ? 2 * i + 1 : 2 * i);
             frame.directionalThresholdMap(type).lookup(key, limit);
             square += cosine * limit * cosine * limit;
         }

@@ -32,20 +32,20 @@ NqSewAngleEndEffector swingAngle() {
 
 class NqSewAngle : public testing::Test {
 protected:
-    double angle(const NqSewAngleEndEffector& sew, const NqXmlRealVector& positions) {
+    double angle(const NqXmlRealVector& positions) {
         state.setPositionState(NqPositionState(positions));
         NqEndEffectorPlacement placement(NqVector(1.0, 2.0, 9.0));
         sew.calculatePlacement(arm, state, placement);
         EXPECT_EQ(placement.coordSysXForm().translation().y(), 2.0);
         return placement.coordSysXForm().translation().z();
     }
-    std::vector<double> row(const NqSewAngleEndEffector& sew, const NqIndividualManipulator& manipulator) {
+    std::vector<double> row(const NqIndividualManipulator& manipulator) {
         NqManipulatorActiveState own(manipulator);
         NqReArray j;
         sew.insertJacobianComponent(manipulator, 0, {}, true, &manipulator == &arm ? state : own, j);
         return j[0];
     }
-    double rate(const NqSewAngleEndEffector& sew, const NqXmlRealVector& rates) {
+    double rate(const NqXmlRealVector& rates) {
         state.setVelocityState(NqVelocityState(rates));
         NqXmlRealVector v;
         sew.calculateVelocity(arm, state, v, 0);
@@ -59,22 +59,22 @@ protected:
 
 TEST_F(NqSewAngle, IsThatOfTheSwing) {
     for (const double swing : {0.0, 0.7, -2.0, 3.0}) {
-        EXPECT_NEAR(angle(sew, {1.1, swing, 0.05}), swing, 1e-15);
-        const std::vector<double> j = row(sew, arm);
+        EXPECT_NEAR(angle({1.1, swing, 0.05}), swing, 1e-15);
+        const std::vector<double> j = row(arm);
         EXPECT_EQ(j[0], 0.0);
         EXPECT_NEAR(j[1], 1.0, 1e-14);
         EXPECT_NEAR(j[2], 0.0, 1e-15);
-        EXPECT_NEAR(rate(sew, {0.0, 0.5, 0.3}), 0.5, 1e-14);
-        EXPECT_NEAR(rate(sew, {2.0, 0.5, 0.3}), 2.5, 1e-14) << "the shoulder's own joint counts";
+        EXPECT_NEAR(rate({0.0, 0.5, 0.3}), 0.5, 1e-14);
+        EXPECT_NEAR(rate({2.0, 0.5, 0.3}), 2.5, 1e-14) << "the shoulder's own joint counts";
     }
-    EXPECT_NEAR(angle(sew, {0.0, 3.5, 0.0}), 3.5 - 2.0 * std::numbers::pi, 1e-15);
+    EXPECT_NEAR(angle({0.0, 3.5, 0.0}), 3.5 - 2.0 * std::numbers::pi, 1e-15);
 
     // No shorter way round, and a limit that the speed factor has no part in.
     sew.setGain(0.1);
     sew.setSpeedFactor(0.5);
     NqXmlRealVector filtered;
     const auto filter = [&] {
-        angle(sew, {0.0, -3.1, 0.0});
+        angle({0.0, -3.1, 0.0});
         const NqEndEffectorPlacement target(NqVector(0.0, 0.0, 3.1));
         sew.filterEndEffectorVelocity(arm, target, {5.0}, {5.0}, 0.1, state, filtered);
         EXPECT_NEAR(sew.minimumTime(target, NqEndEffectorPlacement(NqVector(0.0, 0.0, -3.1))),
@@ -90,35 +90,35 @@ TEST_F(NqSewAngle, IsThatOfTheSwing) {
 
 TEST_F(NqSewAngle, StraightArmHasNoAngle) {
     sew.setElbowPoint({0.0, 0.0, 0.2});
-    angle(sew, {0.0, 0.3, 0.0});
-    EXPECT_FALSE(std::isfinite(row(sew, arm)[1]));
+    angle({0.0, 0.3, 0.0});
+    EXPECT_FALSE(std::isfinite(row(arm)[1]));
 }
 
 TEST_F(NqSewAngle, LinksMustFollowEachOtherWhenFirstFound) {
     NqPrintCapture capture;
     sew.setShoulderLink("swing");
-    EXPECT_NEAR(angle(sew, {0.0, 0.4, 0.0}), 0.0, 1e-15) << "the shoulder may be the elbow";
+    EXPECT_NEAR(angle({0.0, 0.4, 0.0}), 0.0, 1e-15) << "the shoulder may be the elbow";
     sew.setShoulderLink("shoulder");
     sew.setElbowLink("base");
-    EXPECT_EQ(row(sew, arm), std::vector<double>(3));
+    EXPECT_EQ(row(arm), std::vector<double>(3));
     const std::string message = "NqSewAngleEndEffector::setLinkPointers(): bad link label: ";
     EXPECT_EQ(capture.text(), message + "shoulder, base, or wrist.\n");
-    EXPECT_EQ(angle(sew, {0.0, 0.0, 0.0}), 9.0) << "left alone";
+    EXPECT_EQ(angle({0.0, 0.0, 0.0}), 9.0) << "left alone";
     NqXmlRealVector v = {5.0, 6.0, 7.0};
     sew.calculateVelocity(arm, state, v, 1);
     EXPECT_EQ(v, NqXmlRealVector({5.0, 0.0, 7.0})) << "lengthened, but not cut";
 
     // Once found they need only be there.
     sew.setElbowLink("swing");
-    EXPECT_NEAR(row(sew, arm)[1], 1.0, 1e-14);
+    EXPECT_NEAR(row(arm)[1], 1.0, 1e-14);
     capture.clear();
     const NqIndividualManipulator swapped = swingArm("swing", "shoulder");
     NqEndEffector::SparsityDescription bits;
     sew.insertSparsityComponent(swapped, 0, {}, true, bits);
     EXPECT_EQ(bits[0], std::vector<bool>({false, false, true})) << "in another order, of another arm";
-    EXPECT_EQ(row(sew, swingArm("shoulder", "else")), std::vector<double>(3));
+    EXPECT_EQ(row(swingArm("shoulder", "else")), std::vector<double>(3));
     EXPECT_EQ(capture.text(), "");
-    EXPECT_EQ(row(sew, swapped), std::vector<double>(3));
+    EXPECT_EQ(row(swapped), std::vector<double>(3));
     EXPECT_EQ(capture.text(), message + "shoulder, swing, or wrist.\n");
 }
 

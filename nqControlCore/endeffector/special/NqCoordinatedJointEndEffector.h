@@ -23,7 +23,9 @@ class NqControlParameters;
 /// 1e-9 in any joint, the least time of each joint's move is found from its distance, its velocity, and its
 /// limits. The slowest joint keeps its limit of speed; each other one gets the speed at which its own move
 /// takes as long, or keeps its limit where there is none. Until the next target these stay the limits of the
-/// filters.
+/// filters. With v the speed that a joint brakes from and a its acceleration, it arrives within 2 sqrt(v h /
+/// a) of that time, in steps of h; starting at rest, that is: a joint that has to slow down or turn back
+/// first is not timed exactly.
 ///
 /// A label that is unknown, or of a link without a joint, is skipped silently: doc() counts it, but the
 /// joints behind it move up a row, and lists of velocities, errors and positions have an entry for each joint

@@ -134,13 +134,22 @@ TEST(NqCoordinatedJoints, SpeedsAreFoundOncePerTarget) {
     EXPECT_EQ(plain, NqXmlRealVector({1.0, 1.0}));
     EXPECT_EQ(robot.filtered(joints, jointsAt({2.0, 1.0 + 1e-8}), {1.0, 1.0}), NqXmlRealVector({1.0, 1.0}));
 
-    // Of equal times the first is the slowest; a joint without a way gets no speed at all.
+    // A joint without a way gets no speed at all.
     robot.place({0.0, 1.0});
     EXPECT_EQ(robot.filtered(joints, jointsAt({2.0, 1.0}), {0.0, 0.0})[1], 0.0);
     NqXmlRealVector fed;
     joints.filterEndEffectorVelocity(robot.manipulator, jointsAt({2.0, 1.0}), {0.0, 0.5}, {0.0, 0.5}, 1e-3,
                                      robot.state, fed);
     EXPECT_EQ(fed[1], 0.0) << "not even by feed-forward";
+
+    // Of equal times the first is the slowest: it keeps its limit, and the other one gets one that it just
+    // reaches.
+    joints.setMaxVelocities({9.0, 9.0});
+    robot.place({0.0, 0.0});
+    robot.filtered(joints, jointsAt({1.0, 1.0}), {0.0, 0.0});
+    const NqXmlRealVector equal = robot.filtered(joints, jointsAt({1.0, 1.0}), {std::sqrt(8.0), 2.0});
+    EXPECT_NEAR(equal[0], std::sqrt(8.0), 1e-14);
+    EXPECT_EQ(equal[1], 2.0);
 }
 
 TEST(NqCoordinatedJoints, SpeedFactorBelongsToTheFilters) {
@@ -284,14 +293,16 @@ TEST_F(NqGripper, SlavesFollowInTheirRatios) {
 
 TEST_F(NqGripper, LostSlavesLeaveTheLastRows) {
     NqPrintCapture capture;
-    gripper.setSlaveJointLabels({std::string("lost"), std::string("base"), std::string("upper")});
-    gripper.setSlaveJointWeights({0.5, 4.0, 8.0});
-    NqReArray expected(4, 2);
+    gripper.setSlaveJointLabels(
+        {std::string("lost"), std::string("base"), std::string("upper"), std::string("upper")});
+    gripper.setSlaveJointWeights({0.5, 4.0, 8.0, 8.0});
+    NqReArray expected(5, 2);
     expected.assign(0, {0.0, 1.0});
     expected.assign(1, {-2.0, 1.0});
+    expected.assign(2, {-0.25, 1.0});
     EXPECT_EQ(robot.rows(gripper), expected);
-    EXPECT_EQ(robot.velocity(gripper), NqXmlRealVector({-1.0, 0.0}));
-    EXPECT_EQ(robot.filtered(gripper, target, {}).size(), 4U);
+    EXPECT_EQ(robot.velocity(gripper), NqXmlRealVector({-1.0, 0.0, 0.0}));
+    EXPECT_EQ(robot.filtered(gripper, target, {}).size(), 5U);
     EXPECT_EQ(capture.text(), "");
 }
 

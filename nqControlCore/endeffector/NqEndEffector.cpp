@@ -84,7 +84,8 @@ bool NqEndEffector::convertPlacement(const NqIndividualManipulator& manipulator,
     }
     const NqCoordinateSystemTransformation& frame = link->primaryFrameInSystem(state);
     const NqCoordinateSystemTransformation& placement = in;
-    out = NqEndEffectorPlacement((isToRelative ? frame.inverse() : frame) * placement);
+    out.setCoordSysXForm((isToRelative ? frame.inverse() : frame) * placement);
+    out.dataVector().clear(); // numbers belong to no frame
     return true;
 }
 

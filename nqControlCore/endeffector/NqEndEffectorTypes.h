@@ -6,10 +6,14 @@
 #include <nqControlCore/endeffector/NqOrientationEndEffector.h>
 #include <nqControlCore/endeffector/NqPointDistanceEndEffector.h>
 #include <nqControlCore/endeffector/NqPointEndEffector.h>
+#include <nqControlCore/endeffector/special/NqCoordinatedJointEndEffector.h>
+#include <nqControlCore/endeffector/special/NqDirectionalFrameEndEffector.h>
 #include <nqControlCore/endeffector/special/NqFreeSpinInZEndEffector.h>
 #include <nqControlCore/endeffector/special/NqLookAtEndEffector.h>
+#include <nqControlCore/endeffector/special/NqOneDofGripperEndEffector.h>
 #include <nqControlCore/endeffector/special/NqPlanarEndEffector.h>
 #include <nqControlCore/endeffector/special/NqRCMEndEffector.h>
+#include <nqControlCore/endeffector/special/NqSewAngleEndEffector.h>
 #include <nqControlCore/endeffector/special/NqSlideXSpinZEndEffector.h>
 #include <nqControlCore/endeffector/special/NqSlidingEndEffector.h>
 #include <nqControlCore/endeffector/special/NqXEndEffector.h>
@@ -31,7 +35,9 @@ using NqEndEffectorTypes =
     NqTypeList<NqPointEndEffector, NqFrameEndEffector, NqRCMEndEffector, NqXyEndEffector,
                NqLinearConstraintEndEffector, NqSlidingEndEffector, NqSlideXSpinZEndEffector,
                NqFreeSpinInZEndEffector, NqPlanarEndEffector, NqOrientationEndEffector, NqLookAtEndEffector,
-               NqPointDistanceEndEffector, NqAxisRotateEndEffector, NqXEndEffector>;
+               NqSewAngleEndEffector, NqPointDistanceEndEffector, NqAxisRotateEndEffector,
+               NqCoordinatedJointEndEffector, NqXEndEffector, NqOneDofGripperEndEffector,
+               NqDirectionalFrameEndEffector>;
 
 class NqXmlBaseVariableCompoundType;
 

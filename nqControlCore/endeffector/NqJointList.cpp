@@ -25,3 +25,12 @@ void NqJointList::append(const NqIndividualManipulator& manipulator, const std::
     }
     append(link);
 }
+
+bool NqJointList::appendFound(const NqIndividualManipulator& manipulator, const std::string& label) {
+    const NqManipulatorLink* link = manipulator.linkByLabel(label);
+    if (!hasJoint(link)) {
+        return false;
+    }
+    append(link);
+    return true;
+}

@@ -35,6 +35,9 @@ public:
     void append(const NqIndividualManipulator& manipulator, const std::string& label,
                 const char* unknownMessage, const char* noJointMessage);
 
+    /// Appends the joint of a label that has one, silently; whether it has.
+    bool appendFound(const NqIndividualManipulator& manipulator, const std::string& label);
+
 private:
     void append(const NqManipulatorLink* link);
 

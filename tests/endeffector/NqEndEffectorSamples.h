@@ -39,6 +39,9 @@ struct NqEndEffectorTraits {
     std::string whyNotDriven{};        ///< why the filter doesn't lead to a placement, if it doesn't
     bool hasThreeHalves = true;        ///< whether a mode word stands for that profile
     std::string whyNoRelativeMotion{}; ///< why relative modes play no part, if they don't
+    std::string whyOnlyTheFirstRow{};  ///< why rows behind the first aren't rates of anything, if they aren't
+    std::string whySilent{}; ///< why unknown links go unreported, and have no entries in lists, if they do
+    bool hasNumber = false;  ///< whether the first row drives the number in the placement's z translation
 };
 
 /// Components of a motion in the axes of the system, by index.
@@ -145,7 +148,8 @@ inline NqEndEffectorTraits nqTraitsOfNumbers() {
     return {.errorSign = 1.0,
             .usesExternalOffset = false,
             .whyNoAcceleration = "the acceleration of a number is zero by definition",
-            .whyNoRelativeMotion = "only links that the type names itself count"};
+            .whyNoRelativeMotion = "only links that the type names itself count",
+            .hasNumber = true};
 }
 template <>
 inline NqEndEffectorTraits nqTraitsOf<NqLinearConstraintEndEffector>() {
@@ -164,6 +168,34 @@ inline NqEndEffectorTraits nqTraitsOf<NqAxisRotateEndEffector>() {
     traits.whyNoBaseMotion = "the columns of the base are zero";
     return traits;
 }
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqSewAngleEndEffector>() {
+    NqEndEffectorTraits traits = nqTraitsOfNumbers();
+    traits.whyNoVelocity =
+        "the velocity counts the shoulder's own joint and the base too, which turn the arm "
+        "together with the frame that the angle is measured in";
+    traits.whyNoError = "the error is zero by definition";
+    return traits;
+}
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqCoordinatedJointEndEffector>() {
+    return {.usesExternalOffset = false,
+            .whyNoAcceleration = "the acceleration of joints is zero by definition",
+            .whyNoRelativeMotion = "positions of joints are the same in every frame",
+            .whySilent = "a model without some of the joints is one to drive with the others"};
+}
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqOneDofGripperEndEffector>() {
+    NqEndEffectorTraits traits = nqTraitsOfNumbers();
+    traits.whyOnlyTheFirstRow = "the rows of slaves say how far these stray from the master, and they count "
+                                "as though nothing strayed";
+    traits.whySilent = "a model without some of the fingers is one to drive with the others";
+    return traits;
+}
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqDirectionalFrameEndEffector>() {
+    return nqTraitsOf<NqFrameEndEffector>();
+}
 
 /// Puts an end-effector on one link, or on two where it is between them.
 inline void nqAttach(NqEndEffector& endEffector, const std::string& link, const std::string&) {
@@ -179,14 +211,37 @@ inline void nqAttach(NqPointDistanceEndEffector& distance, const std::string& li
     distance.setLabelTwo(link);
 }
 
+// Those that are on more links are put on those of the model.
+
+inline void nqAttach(NqCoordinatedJointEndEffector& joints, const NqTestModel& model) {
+    joints.setLinkLabels({model.link, model.secondLink});
+}
+inline void nqAttach(NqOneDofGripperEndEffector& gripper, const NqTestModel& model) {
+    gripper.setLinkIdentifier(model.link);
+    gripper.setSlaveJointLabels({model.secondLink});
+}
+/// The shoulder is the first link of the arm, the elbow one half way.
+inline void nqAttach(NqSewAngleEndEffector& sew, const NqTestModel& model) {
+    const NqManipulatorLink* wrist = model.manipulator->linkByLabel(model.link);
+    if (wrist && !wrist->parentLink()->parentLink()) {
+        wrist = model.manipulator->linkByIndex(model.manipulator->numberOfJoints() - 1);
+    }
+    std::vector<std::string> labels;
+    for (const NqManipulatorLink* link = wrist; link && link->parentLink(); link = link->parentLink()) {
+        labels.push_back(link->linkLabel());
+    }
+    sew.setWristLink(wrist ? labels.front() : model.link);
+    sew.setElbowLink(wrist ? labels[labels.size() / 2] : model.link);
+    sew.setShoulderLink(wrist ? labels.back() : model.link);
+}
+
 /// A type of end-effector, told apart from the others at run time. A sample of it has the values of its file
 /// in the folder of golden files, none of which is a default, and sits on the links of a model.
 struct NqEndEffectorKind {
     std::string name;
     NqEndEffectorTraits traits;
-    bool hasNumber; ///< whether the placement's z translation is a number that the one row drives
     std::function<std::unique_ptr<NqEndEffector>()> makeDefault;
-    std::function<void(NqEndEffector&, const std::string& link, const std::string& second)> attach;
+    std::function<void(NqEndEffector&, const NqTestModel& model)> attach;
 
     std::string goldenFile() const { return NQ_GOLDEN "/" + name + "EndEffector.xml"; }
 
@@ -195,7 +250,7 @@ struct NqEndEffectorKind {
         EXPECT_TRUE(NqXmlDocument::readFile(goldenFile(), *endEffector));
         endEffector->setRelativeLinkData({});
         endEffector->setUseExternalOffset(false);
-        attach(*endEffector, model.link, model.secondLink);
+        attach(*endEffector, model);
         return endEffector;
     }
 };
@@ -207,10 +262,14 @@ inline const std::vector<NqEndEffectorKind>& nqEndEffectorKinds() {
         NqEndEffectorTypes::forEach([&]<typename EndEffector>() {
             const std::string token(EndEffector::classToken().localName());
             kinds.push_back({token.substr(0, token.find("EndEffector")), nqTraitsOf<EndEffector>(),
-                             std::is_base_of_v<NqScalarBasedEndEffector, EndEffector>,
                              [] { return std::make_unique<EndEffector>(); },
-                             [](NqEndEffector& any, const std::string& link, const std::string& second) {
-                                 nqAttach(dynamic_cast<EndEffector&>(any), link, second);
+                             [](NqEndEffector& any, const NqTestModel& model) {
+                                 auto& endEffector = dynamic_cast<EndEffector&>(any);
+                                 if constexpr (requires { nqAttach(endEffector, model); }) {
+                                     nqAttach(endEffector, model);
+                                 } else {
+                                     nqAttach(endEffector, model.link, model.secondLink);
+                                 }
                              }});
         });
         return kinds;

@@ -86,6 +86,7 @@ public:
             endEffector->setUseExternalOffset(true);
         }
         m_Columns = m_Manipulator.numberOfJoints() + (m_FixedBase ? 0 : NqEndEffector::m_theBaseDof);
+        m_Target.dataVector().assign(m_Manipulator.numberOfJoints(), 0.3);
         m_Gradient.assign(m_Columns, 0.1);
         m_Metric.setToIdentity(m_Columns, m_Columns);
         m_DiagonalMetric.setToValue(m_Columns, 1, 2.0);
@@ -94,6 +95,7 @@ public:
 
     void step() {
         m_Time += 0.01;
+        m_Target.dataVector()[0] = m_Time; // another target in every step
         setState();
         unsigned rows = 0;
         for (const auto& endEffector : m_EndEffectors) {

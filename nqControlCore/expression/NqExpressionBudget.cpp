@@ -2,8 +2,6 @@
 
 #include <nqControlCore/foundation/text/NqPrint.h>
 
-#include <algorithm>
-
 namespace {
 
 thread_local NqExpressionBudget* theCurrent = nullptr;
@@ -23,8 +21,7 @@ NqExpressionBudget* NqExpressionBudget::current() {
 }
 
 bool NqExpressionBudget::admits(std::uint64_t rows, std::uint64_t columns) {
-    return rows == 0 ||
-           (rows <= kMostElements && std::max<std::uint64_t>(columns, 1) <= kMostElements / rows);
+    return rows == 0 || (rows <= kMostElements && columns <= kMostElements / rows);
 }
 
 bool NqExpressionBudget::isLeft() {

@@ -129,10 +129,11 @@ template <typename EndEffector, unsigned... Indices>
 NqEndEffectorTraits nqTraitsOfCoordinates(const NqOrientation& (EndEffector::*turn)() const) {
     return {.rows = [turn](const NqEndEffector& endEffector, const NqGeneralMotion& motion,
                            const NqRowAxes& axes) -> std::vector<double> {
-        const NqOrientation& own = (dynamic_cast<const EndEffector&>(endEffector).*turn)();
-        const NqVector linear = (axes.reference * own).inverse() * motion.linear();
-        return {linear[Indices]...};
-    }};
+                const NqOrientation& own = (dynamic_cast<const EndEffector&>(endEffector).*turn)();
+                const NqVector linear = (axes.reference * own).inverse() * motion.linear();
+                return {linear[Indices]...};
+            },
+            .hasThreeHalves = false};
 }
 template <>
 inline NqEndEffectorTraits nqTraitsOf<NqXEndEffector>() {
@@ -175,6 +176,7 @@ inline NqEndEffectorTraits nqTraitsOf<NqSewAngleEndEffector>() {
         "the velocity counts the shoulder's own joint and the base too, which turn the arm "
         "together with the frame that the angle is measured in";
     traits.whyNoError = "the error is zero by definition";
+    traits.whyNotDriven = "there is no filter to switch off: the command is a gain times the way";
     return traits;
 }
 template <>

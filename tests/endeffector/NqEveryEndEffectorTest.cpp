@@ -395,19 +395,23 @@ TEST_P(EveryEndEffector, WithoutFilteringTheWholeWayIsAskedFor) {
     }
     constexpr double way = 1e-5; // so short that the way is straight
     constexpr double timeStep = 0.002;
-    endEffector->setFilteringActive(false);
     for (unsigned pose = 0; pose < poses; ++pose) {
         NqManipulatorActiveState state = randomState(kind.traits.whyNoBaseMotion.empty());
         NqManipulatorActiveState there = nqMoved(state, way);
+        std::vector<double> expected;
+        ASSERT_TRUE(jacobian(state).transform(rates(state), expected));
+        endEffector->setFilteringActive(false); // now that filters made for joints are there too
         NqEndEffectorPlacement target;
         endEffector->calculatePlacement(manipulator, there, target);
         const NqXmlRealVector still(endEffector->doc());
         NqXmlRealVector command;
         endEffector->filterEndEffectorVelocity(manipulator, target, still, still, timeStep, state, command);
-        std::vector<double> expected;
-        ASSERT_TRUE(jacobian(state).transform(rates(state), expected));
         for (double& entry : expected) {
             entry *= way / timeStep;
+        }
+        if (!kind.traits.whyOnlyTheFirstRow.empty()) {
+            expected.resize(1);
+            command.resize(1);
         }
         expectNear(command, expected, 1e-3 * way / timeStep, "command");
     }

@@ -3,6 +3,7 @@
 #include <nqControlCore/endeffector/NqEditableLists.h>
 #include <nqControlCore/endeffector/NqEditableModeWords.h>
 #include <nqControlCore/endeffector/NqEndEffectorDescription.h>
+#include <nqControlCore/foundation/math/NqCoordinateSystemTransformation.h>
 #include <nqControlCore/foundation/math/NqOrientation.h>
 #include <nqControlCore/foundation/text/NqTextConversion.h>
 
@@ -144,6 +145,34 @@ public:
         return orientation(angle, axis, theObject, get, set);
     }
 
+    /// The seven values of a frame, called "<kind>Frame Offset: X" and so on: its translation, then the angle
+    /// and the axis of its orientation.
+    template <typename Part>
+    static Rows frame(const std::string& kind, Part part) {
+        using T = NqCoordinateSystemTransformation;
+        const auto offset = [&](unsigned i, const char* name, void (T::*set)(double)) {
+            return number(
+                kind + "Frame Offset: " + name,
+                std::string("The ") + name +
+                    " offset of the end effector frame (meters).  This is measured from the DH-Frame of the "
+                    "link",
+                part, [i](const T& f) { return f.translation()[i]; }, set);
+        };
+        const auto axis = [&](const char* name) -> NqEditableTexts {
+            return {kind + "Frame Axis: " + name,
+                    std::string(name) +
+                        " component of the angle axis vector (meters).  Used for angle-axis orientation "
+                        "offset of the end effector frame. This is measured from the DH-Frame of the link"};
+        };
+        return together(
+            {offset(0, "X", &T::setTranslationX), offset(1, "Y", &T::setTranslationY),
+             offset(2, "Z", &T::setTranslationZ),
+             orientation({kind + "Frame Angle",
+                          "Angle (radians).  Used for angle-axis orientation offset of the end effector "
+                          "frame. This is measured from the DH-Frame of the link"},
+                         {axis("X"), axis("Y"), axis("Z")}, part, &T::orientation, &T::setOrientation)});
+    }
+
     /// A text, from a getter and a setter of the object.
     template <typename Get, typename Set>
     static Rows text(std::string label, std::string tooltip, Get get, Set set) {
@@ -164,6 +193,28 @@ public:
                 List list;
                 NqEditableLists::split(text, list);
                 std::invoke(set, object, list);
+            });
+    }
+
+    /// A vector as three numbers separated by commas, written straight into it. Any other text leaves it and
+    /// calls `refuse`.
+    template <typename Part>
+    static Rows vectorText(
+        std::string label, std::string tooltip, Part part, void (*refuse)() = [] {}) {
+        return row(
+            {std::move(label), std::move(tooltip)},
+            [=](const Class& object) {
+                const NqVector& v = part(object);
+                return NqEditableLists::join(NqXmlRealVector{v.x(), v.y(), v.z()});
+            },
+            [=](Class& object, const std::string& text) {
+                NqXmlRealVector numbers;
+                NqEditableLists::split(text, numbers);
+                if (numbers.size() == 3) {
+                    part(object) = NqVector(numbers[0], numbers[1], numbers[2]);
+                } else {
+                    refuse();
+                }
             });
     }
 

@@ -236,10 +236,12 @@ protected:
         return m_UseExternalOffset ? m_ExternalOffsetPointer : nullptr;
     }
 
-    /// The present placement; the identity where the type leaves it. It holds until the next such call.
+    /// The present placement; the identity, without numbers, where the type leaves it. It holds until the
+    /// next such call.
     const NqEndEffectorPlacement& presentPlacement(const NqIndividualManipulator& manipulator,
                                                    NqManipulatorActiveState& state) const {
         m_ScratchPlacement->setCoordSysXForm(NqCoordinateSystemTransformation());
+        m_ScratchPlacement->dataVector().clear();
         calculatePlacement(manipulator, state, *m_ScratchPlacement);
         return *m_ScratchPlacement;
     }

@@ -6,16 +6,21 @@
 #include <nqControlCore/endeffector/NqOrientationEndEffector.h>
 #include <nqControlCore/endeffector/NqPointDistanceEndEffector.h>
 #include <nqControlCore/endeffector/NqPointEndEffector.h>
+#include <nqControlCore/endeffector/special/NqAccelerometerEndEffector.h>
+#include <nqControlCore/endeffector/special/NqCenterOfMassEndEffector.h>
 #include <nqControlCore/endeffector/special/NqCoordinatedJointEndEffector.h>
 #include <nqControlCore/endeffector/special/NqDirectionalFrameEndEffector.h>
 #include <nqControlCore/endeffector/special/NqFreeSpinInZEndEffector.h>
 #include <nqControlCore/endeffector/special/NqLookAtEndEffector.h>
 #include <nqControlCore/endeffector/special/NqOneDofGripperEndEffector.h>
 #include <nqControlCore/endeffector/special/NqPlanarEndEffector.h>
+#include <nqControlCore/endeffector/special/NqProjectedCenterOfMassEndEffector.h>
 #include <nqControlCore/endeffector/special/NqRCMEndEffector.h>
+#include <nqControlCore/endeffector/special/NqSagEndEffector.h>
 #include <nqControlCore/endeffector/special/NqSewAngleEndEffector.h>
 #include <nqControlCore/endeffector/special/NqSlideXSpinZEndEffector.h>
 #include <nqControlCore/endeffector/special/NqSlidingEndEffector.h>
+#include <nqControlCore/endeffector/special/NqSpatialMomentumEndEffector.h>
 #include <nqControlCore/endeffector/special/NqXEndEffector.h>
 #include <nqControlCore/endeffector/special/NqXyEndEffector.h>
 
@@ -34,10 +39,11 @@ struct NqTypeList {
 using NqEndEffectorTypes =
     NqTypeList<NqPointEndEffector, NqFrameEndEffector, NqRCMEndEffector, NqXyEndEffector,
                NqLinearConstraintEndEffector, NqSlidingEndEffector, NqSlideXSpinZEndEffector,
-               NqFreeSpinInZEndEffector, NqPlanarEndEffector, NqOrientationEndEffector, NqLookAtEndEffector,
-               NqSewAngleEndEffector, NqPointDistanceEndEffector, NqAxisRotateEndEffector,
-               NqCoordinatedJointEndEffector, NqXEndEffector, NqOneDofGripperEndEffector,
-               NqDirectionalFrameEndEffector>;
+               NqFreeSpinInZEndEffector, NqPlanarEndEffector, NqSagEndEffector, NqCenterOfMassEndEffector,
+               NqProjectedCenterOfMassEndEffector, NqOrientationEndEffector, NqSpatialMomentumEndEffector,
+               NqLookAtEndEffector, NqSewAngleEndEffector, NqPointDistanceEndEffector,
+               NqAxisRotateEndEffector, NqCoordinatedJointEndEffector, NqXEndEffector,
+               NqOneDofGripperEndEffector, NqDirectionalFrameEndEffector, NqAccelerometerEndEffector>;
 
 class NqXmlBaseVariableCompoundType;
 

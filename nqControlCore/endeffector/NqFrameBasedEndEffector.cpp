@@ -74,41 +74,12 @@ NqGeneralMotion NqFrameBasedEndEffector::generalVelocity(const NqXmlRealVector& 
 
 const NqEditableValueTable<NqFrameBasedEndEffector>& NqFrameBasedEndEffector::editableTable() {
     using F = NqGeneralMotionFilter;
-    using T = NqCoordinateSystemTransformation;
     using Table = NqEditableValueTable<NqFrameBasedEndEffector>;
     constexpr auto frame = [](auto& e) -> auto& {
         return e.m_Frame.value();
     };
     static const Table table = {
-        Table::number(
-            "Frame Offset: X",
-            "The X offset of the end effector frame (meters).  This is measured from the DH-Frame of the "
-            "link",
-            frame, [](const auto& f) { return f.translation().x(); }, &T::setTranslationX),
-        Table::number(
-            "Frame Offset: Y",
-            "The Y offset of the end effector frame (meters).  This is measured from the DH-Frame of the "
-            "link",
-            frame, [](const auto& f) { return f.translation().y(); }, &T::setTranslationY),
-        Table::number(
-            "Frame Offset: Z",
-            "The Z offset of the end effector frame (meters).  This is measured from the DH-Frame of the "
-            "link",
-            frame, [](const auto& f) { return f.translation().z(); }, &T::setTranslationZ),
-        Table::orientation(
-            {"Frame Angle",
-             "Angle (radians).  Used for angle-axis orientation offset of the end effector frame. "
-             "This is measured from the DH-Frame of the link"},
-            {{"Frame Axis: X",
-              "X component of the angle axis vector (meters).  Used for angle-axis orientation offset "
-              "of the end effector frame. This is measured from the DH-Frame of the link"},
-             {"Frame Axis: Y",
-              "Y component of the angle axis vector (meters).  Used for angle-axis orientation offset "
-              "of the end effector frame. This is measured from the DH-Frame of the link"},
-             {"Frame Axis: Z",
-              "Z component of the angle axis vector (meters).  Used for angle-axis orientation offset "
-              "of the end effector frame. This is measured from the DH-Frame of the link"}},
-            frame, &T::orientation, &T::setOrientation),
+        Table::frame("", frame),
         Table::number("Max. Linear Velocity",
                       "The maximum linear velocity the end effector can achieve (m/s)", theFilterPart,
                       &F::linearVelocityThreshold, &F::setLinearVelocityThreshold),

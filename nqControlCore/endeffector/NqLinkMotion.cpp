@@ -1,5 +1,6 @@
 #include <nqControlCore/endeffector/NqLinkMotion.h>
 
+#include <nqControlCore/endeffector/NqLinkLookup.h>
 #include <nqControlCore/foundation/manipulator/NqManipulatorLink.h>
 
 NqVector NqLinkMotion::position(const NqManipulatorLink& link, const NqVector& point,
@@ -26,4 +27,11 @@ NqGeneralMotion NqLinkMotion::acceleration(const NqManipulatorLink& link,
     NqGeneralMotion acceleration = inLink.inverse() * link.localAcceleration(state);
     acceleration.setLinear(acceleration.linear() + inLink.orientation().inverse() * centripetal);
     return inSystem.orientation() * acceleration;
+}
+
+NqOrientation NqLinkMotion::referenceOrientation(const NqIndividualManipulator& manipulator,
+                                                 const NqEndEffectorRelativeLinkData& relativeLink,
+                                                 NqManipulatorActivePositionState& state) {
+    const auto* link = NqLinkLookup::internalLink(manipulator, relativeLink);
+    return link ? link->primaryFrameInSystem(state).orientation() : NqOrientation();
 }

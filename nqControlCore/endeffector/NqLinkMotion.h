@@ -3,6 +3,8 @@
 #include <nqControlCore/foundation/math/NqCoordinateSystemTransformation.h>
 #include <nqControlCore/foundation/math/NqGeneralMotion.h>
 
+class NqEndEffectorRelativeLinkData;
+class NqIndividualManipulator;
 class NqManipulatorActivePositionState;
 class NqManipulatorActiveState;
 class NqManipulatorLink;
@@ -23,5 +25,11 @@ NqGeneralMotion velocity(const NqManipulatorLink& link, const NqVector& point,
 /// Classical acceleration of a frame's origin, and its angular acceleration.
 NqGeneralMotion acceleration(const NqManipulatorLink& link, const NqCoordinateSystemTransformation& frame,
                              NqManipulatorActiveState& state);
+
+/// Orientation of the link that rows are relative to in internal mode; the identity in the others, and for an
+/// unknown label.
+NqOrientation referenceOrientation(const NqIndividualManipulator& manipulator,
+                                   const NqEndEffectorRelativeLinkData& relativeLink,
+                                   NqManipulatorActivePositionState& state);
 
 } // namespace NqLinkMotion

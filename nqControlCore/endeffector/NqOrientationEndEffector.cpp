@@ -1,7 +1,5 @@
 #include <nqControlCore/endeffector/NqOrientationEndEffector.h>
 
-#include <cmath>
-
 using NqVelocityEntries::vectorAt;
 
 void NqOrientationEndEffector::filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
@@ -22,10 +20,7 @@ void NqOrientationEndEffector::filterEndEffectorVelocity(const NqIndividualManip
 
 double NqOrientationEndEffector::difference(const NqEndEffectorPlacement& a,
                                             const NqEndEffectorPlacement& b) const {
-    double angle = 0.0;
-    NqVector axis;
-    (a.coordSysXForm().orientation().inverse() * b.coordSysXForm().orientation()).getAngleAxis(angle, axis);
-    return std::fabs(angle) * errorWeight();
+    return angleBetween(a, b) * errorWeight();
 }
 
 void NqOrientationEndEffector::calculateEndEffectorError(const NqIndividualManipulator& manipulator,

@@ -32,6 +32,11 @@ void NqPointBasedEndEffector::calculateEndEffectorError(const NqIndividualManipu
     convertFromPointVelocity(desiredPlacement.coordSysXForm().translation() - present, error);
 }
 
+double NqPointBasedEndEffector::difference(const NqEndEffectorPlacement& a,
+                                           const NqEndEffectorPlacement& b) const {
+    return (a.coordSysXForm().inverse() * b.coordSysXForm()).translation().mag();
+}
+
 void NqPointBasedEndEffector::filterPointEndEffectorVelocity(const NqIndividualManipulator& manipulator,
                                                              const NqEndEffectorPlacement& desiredPlacement,
                                                              const NqVector& desiredVelocity,

@@ -20,6 +20,9 @@ public:
                                    const NqEndEffectorPlacement& desiredPlacement,
                                    NqManipulatorActiveState& state, NqXmlRealVector& error) const override;
 
+    /// The distance, in m.
+    double difference(const NqEndEffectorPlacement& a, const NqEndEffectorPlacement& b) const override;
+
     virtual const NqPointMotionFilter& pointMotionFilter() const { return motionFilter(); }
     virtual void setPointMotionFilter(const NqPointMotionFilter& filter) { setMotionFilter(filter); }
 

@@ -8,11 +8,6 @@ void NqPointEndEffector::calculatePlacement(const NqIndividualManipulator& manip
     placement.setCoordSysXForm(position);
 }
 
-double NqPointEndEffector::difference(const NqEndEffectorPlacement& a,
-                                      const NqEndEffectorPlacement& b) const {
-    return (a.coordSysXForm().inverse() * b.coordSysXForm()).translation().mag();
-}
-
 void NqPointEndEffector::calculatePointPlacement(const NqIndividualManipulator& manipulator,
                                                  NqManipulatorActiveState& state, NqVector& point) const {
     const auto* link =

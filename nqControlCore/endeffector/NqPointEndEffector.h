@@ -31,9 +31,6 @@ public:
     void calculatePlacement(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
                             NqEndEffectorPlacement& placement) const override;
 
-    /// The distance, in m.
-    double difference(const NqEndEffectorPlacement& a, const NqEndEffectorPlacement& b) const override;
-
     /// The point, measured from the primary frame of the link, in m.
     virtual const NqVector& point() const { return m_Point.value(); }
     virtual void setPoint(const NqVector& point) { m_Point = point; }

@@ -2,6 +2,8 @@
 
 #include <nqControlCore/endeffector/NqVelocityEntries.h>
 
+#include <cmath>
+
 void NqRotationBasedEndEffector::filterEndEffectorVelocity(const NqXmlRealVector& desiredVelocity,
                                                            const NqXmlRealVector& previousVelocity,
                                                            double timeStep, NqXmlRealVector& filtered) const {
@@ -9,4 +11,12 @@ void NqRotationBasedEndEffector::filterEndEffectorVelocity(const NqXmlRealVector
     motionFilter().filterVelocity(NqVelocityEntries::vectorAt(desiredVelocity),
                                   NqVelocityEntries::vectorAt(previousVelocity), timeStep, out);
     NqVelocityEntries::put(out, filtered);
+}
+
+double NqRotationBasedEndEffector::angleBetween(const NqEndEffectorPlacement& a,
+                                                const NqEndEffectorPlacement& b) {
+    double angle = 0.0;
+    NqVector axis;
+    (a.coordSysXForm().orientation().inverse() * b.coordSysXForm().orientation()).getAngleAxis(angle, axis);
+    return std::fabs(angle);
 }

@@ -10,4 +10,8 @@ public:
     void filterEndEffectorVelocity(const NqXmlRealVector& desiredVelocity,
                                    const NqXmlRealVector& previousVelocity, double timeStep,
                                    NqXmlRealVector& filtered) const override;
+
+protected:
+    /// The angle, in rad and not negative, between the orientations of two placements.
+    static double angleBetween(const NqEndEffectorPlacement& a, const NqEndEffectorPlacement& b);
 };

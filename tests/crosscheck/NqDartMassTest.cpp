@@ -1,5 +1,8 @@
 #include "NqCrossCheck.h"
 
+#include <nqControlCore/endeffector/special/NqCenterOfMassEndEffector.h>
+#include <nqControlCore/endeffector/special/NqSagEndEffector.h>
+#include <nqControlCore/endeffector/special/NqSpatialMomentumEndEffector.h>
 #include <nqControlCore/foundation/manipulator/NqGravitationalTorqueTool.h>
 #include <nqControlCore/foundation/manipulator/NqMatrixDTool.h>
 #include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
@@ -227,6 +230,88 @@ TEST_P(DartMass, Momenta) {
         }
         return std::max(nqDeviation(m_Model.momentaOfUnitRates(&NqDartModel::linearMomentum), linear),
                         nqDeviation(m_Model.momentaOfUnitRates(&NqDartModel::angularMomentum), angular));
+    });
+}
+
+/// The columns of three rows from a first one on.
+std::vector<NqVector> columnsOf(const NqReArray& j, unsigned row) {
+    std::vector<NqVector> columns;
+    for (std::size_t c = 0; c < j.columns(); ++c) {
+        columns.emplace_back(j[row][c], j[row + 1][c], j[row + 2][c]);
+    }
+    return columns;
+}
+
+TEST_P(DartMass, CenterOfMassConstraint) {
+    const NqIndividualManipulator& manipulator = m_Model.manipulator();
+    const NqCenterOfMassEndEffector e;
+    expectAgreement("placement of the centre of mass constraint", [&] {
+        NqEndEffectorPlacement placement;
+        e.calculatePlacement(manipulator, m_Model.state(), placement);
+        return nqDeviation(m_Model.centerOfMass(), placement.coordSysXForm().translation());
+    });
+    expectAgreement("its velocity", [&] {
+        NqXmlRealVector v;
+        e.calculateVelocity(manipulator, m_Model.state(), v, 0);
+        return nqDeviation(m_Model.centerOfMassVelocity(), NqVector(v[0], v[1], v[2]));
+    });
+    expectAgreement("its rows", [&] {
+        NqReArray j;
+        e.insertJacobianComponent(manipulator, 0, {}, true, m_Model.state(), j);
+        std::vector<NqVector> reference = m_Model.centerOfMassJacobian();
+        for (unsigned joint = 0; joint < reference.size(); ++joint) {
+            const NqManipulatorLink& link = *manipulator.linkByIndex(joint);
+            if (link.joint().type() == NqJointDescription::Prismatic) {
+                reference[joint] = reference[joint] / link.compositeMass(); // which these columns leave out
+            }
+        }
+        return nqDeviation(reference, columnsOf(j, 0));
+    });
+}
+
+TEST_P(DartMass, SagConstraint) {
+    const NqIndividualManipulator& manipulator = m_Model.manipulator();
+    const NqVector gravity(3.0, -5.0, 2.0);
+    NqSagEndEffector e;
+    NqLabelVector labels;
+    for (unsigned joint = 0; joint < manipulator.numberOfJoints(); ++joint) {
+        labels.pushBack(manipulator.linkByIndex(joint)->linkLabel());
+    }
+    e.setLinkLabels(labels);
+    e.setSpringConstants(NqXmlRealVector(labels.size(), 2.0));
+    e.setGravity(gravity);
+    expectAgreement("torques in the sag residual", [&] {
+        NqEndEffectorPlacement placement;
+        e.calculatePlacement(manipulator, m_Model.state(), placement);
+        std::vector<double> torques = m_Model.state().positionState().jointPositions();
+        for (std::size_t joint = 0; joint < torques.size(); ++joint) {
+            torques[joint] = 2.0 * torques[joint] - placement.dataVector()[joint];
+        }
+        return nqDeviation(m_Model.gravityTorques(gravity), torques);
+    });
+}
+
+TEST_P(DartMass, MomentumConstraint) {
+    const NqIndividualManipulator& manipulator = m_Model.manipulator();
+    const NqSpatialMomentumEndEffector e;
+    NqReArray j;
+    expectAgreement("rows of momentum times rates", [&] {
+        e.insertJacobianComponent(manipulator, 0, {}, false, m_Model.state(), j);
+        std::vector<double> x = m_Model.state().velocityState().jointVelocities();
+        const NqGeneralMotion& base = m_Model.state().velocityState().baseMotion();
+        for (unsigned i = 0; i < 6; ++i) {
+            x.push_back(base[i]);
+        }
+        std::vector<double> p;
+        EXPECT_TRUE(j.transform(x, p));
+        return std::max(nqDeviation(m_Model.linearMomentum(), NqVector(p[0], p[1], p[2])),
+                        nqDeviation(m_Model.angularMomentum(), NqVector(p[3], p[4], p[5])));
+    });
+    expectAgreement("rows of momentum", [&] {
+        e.insertJacobianComponent(manipulator, 0, {}, true, m_Model.state(), j);
+        return std::max(
+            nqDeviation(m_Model.momentaOfUnitRates(&NqDartModel::linearMomentum), columnsOf(j, 0)),
+            nqDeviation(m_Model.momentaOfUnitRates(&NqDartModel::angularMomentum), columnsOf(j, 3)));
     });
 }
 

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 #include <memory>
 #include <string>
@@ -40,8 +41,12 @@ struct NqEndEffectorTraits {
     bool hasThreeHalves = true;        ///< whether a mode word stands for that profile
     std::string whyNoRelativeMotion{}; ///< why relative modes play no part, if they don't
     std::string whyOnlyTheFirstRow{};  ///< why rows behind the first aren't rates of anything, if they aren't
-    std::string whySilent{}; ///< why unknown links go unreported, and have no entries in lists, if they do
-    bool hasNumber = false;  ///< whether the first row drives the number in the placement's z translation
+    std::string whySilent{};    ///< why unknown links go unreported, and have no entries in lists, if they do
+    bool hasNumber = false;     ///< whether the first row drives the number in the placement's z translation
+    std::string whyNoSliding{}; ///< why the columns of sliding joints aren't their motion
+    std::string whyOnlyFromSystem{}; ///< why relative rows are right for a base in the system frame alone
+    std::string whyNoLostLink{};     ///< why no link is missed, if none is
+    std::string whyNoPlacement{};    ///< why the placement isn't what the rows drive, if it isn't
 };
 
 /// Components of a motion in the axes of the system, by index.
@@ -199,6 +204,71 @@ inline NqEndEffectorTraits nqTraitsOf<NqDirectionalFrameEndEffector>() {
     return nqTraitsOf<NqFrameEndEffector>();
 }
 
+/// What the types that constrain the centre of mass have in common.
+inline NqEndEffectorTraits nqTraitsOfMassCenters() {
+    return {.usesExternalOffset = false,
+            .whyNoAcceleration = "no acceleration is written",
+            .hasThreeHalves = false,
+            .whyNoSliding = "the columns of sliding joints leave out how much mass they move",
+            .whyOnlyFromSystem = "the relative link's part takes the centre of mass as the base frame has it",
+            .whyNoLostLink = "all links count, whatever they are called"};
+}
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqCenterOfMassEndEffector>() {
+    NqEndEffectorTraits traits = nqTraitsOfMassCenters();
+    traits.rows = nqComponentsOf<0, 1, 2>;
+    return traits;
+}
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqProjectedCenterOfMassEndEffector>() {
+    NqEndEffectorTraits traits = nqTraitsOfMassCenters();
+    traits.rows = [](const NqEndEffector& any, const NqGeneralMotion& motion, const NqRowAxes& axes) {
+        const auto& e = dynamic_cast<const NqProjectedCenterOfMassEndEffector&>(any);
+        NqOrientation plane = axes.reference * e.xyOrientation();
+        if (e.projectAlongSystemVector()) {
+            // By the angle between the lines of the normal and of the vector, about what both are normal to.
+            const NqVector normal = plane.zAxis();
+            const NqVector about = normal.cross(e.systemVector());
+            plane = NqOrientation(std::atan2(about.mag(), std::fabs(normal.dot(e.systemVector()))), about) *
+                    plane;
+        }
+        const NqVector inPlane = plane.inverse() * motion.linear();
+        return std::vector<double>{inPlane.x(), inPlane.y()};
+    };
+    traits.whyNoError = "the error is in the axes of the system and not projected";
+    traits.errorRows = nqComponentsOf<0, 1>;
+    return traits;
+}
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqSpatialMomentumEndEffector>() {
+    return {.usesExternalOffset = false,
+            .whyNoVelocity = "the velocity is the momentum that is wanted, whatever moves",
+            .whyNoError = "a momentum has no placement to err from",
+            .whyNotDriven = "a momentum has no placement to be led to",
+            .whyNoRelativeMotion = "the momentum is that of the whole manipulator",
+            .whyNoLostLink = "all links count, whatever they are called",
+            .whyNoPlacement = "a momentum has none"};
+}
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqSagEndEffector>() {
+    return {.usesExternalOffset = false,
+            .whyNoError = "the error is zero by definition",
+            .whyNoBaseMotion = "the columns of the base are zero, though turning it turns gravity",
+            .whyNoAcceleration = "no acceleration is written",
+            .whyNotDriven = "residuals are led to zero and not to a target",
+            .whyNoRelativeMotion = "only joints that the type names itself count"};
+}
+template <>
+inline NqEndEffectorTraits nqTraitsOf<NqAccelerometerEndEffector>() {
+    return {.usesExternalOffset = false,
+            .whyNoError = "the error is zero by definition",
+            .whyNotDriven = "while it is off sag joints are led to zero and not to a target",
+            .whyNoRelativeMotion = "only joints that the type names itself count",
+            .whyNoLostLink = "sag joints that aren't there are left out in silence",
+            .whyNoPlacement =
+                "the placement is what the sensor reads, but while it is off joints are driven"};
+}
+
 /// Puts an end-effector on one link, or on two where it is between them.
 inline void nqAttach(NqEndEffector& endEffector, const std::string& link, const std::string&) {
     endEffector.setLinkIdentifier(link);
@@ -236,6 +306,18 @@ inline void nqAttach(NqSewAngleEndEffector& sew, const NqTestModel& model) {
     sew.setElbowLink(wrist ? labels[labels.size() / 2] : model.link);
     sew.setShoulderLink(wrist ? labels.back() : model.link);
 }
+inline void nqAttach(NqSpatialMomentumEndEffector& momentum, const NqTestModel& model) {
+    momentum.setLinkIdentifier(model.link);
+    momentum.setIncludeAngular(true);
+}
+inline void nqAttach(NqSagEndEffector& sag, const NqTestModel& model) {
+    sag.setLinkLabels({model.link, model.secondLink});
+    sag.setTriggerLinkLabel(std::string());
+}
+inline void nqAttach(NqAccelerometerEndEffector& sensor, const NqTestModel& model) {
+    sensor.setLinkIdentifier(model.link);
+    sensor.setSagLinkLabels({model.link, model.secondLink});
+}
 
 /// A type of end-effector, told apart from the others at run time. A sample of it has the values of its file
 /// in the folder of golden files, none of which is a default, and sits on the links of a model.
@@ -253,6 +335,10 @@ struct NqEndEffectorKind {
         endEffector->setRelativeLinkData({});
         endEffector->setUseExternalOffset(false);
         attach(*endEffector, model);
+        // Some know only then how many rows they have.
+        NqManipulatorActiveState state(*model.manipulator);
+        NqEndEffectorPlacement placement;
+        endEffector->calculatePlacement(*model.manipulator, state, placement);
         return endEffector;
     }
 };

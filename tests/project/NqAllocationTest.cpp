@@ -224,7 +224,17 @@ class ControlStep : public testing::TestWithParam<std::size_t> {};
 TEST_P(ControlStep, AllocatesNothingOnceWarm) {
     const NqTestModel& model = nqTestModels()[GetParam()];
     bool isSolved = false;
+    std::vector<NqEndEffectorKind> kinds = nqEndEffectorKinds();
     for (const NqEndEffectorKind& kind : nqEndEffectorKinds()) {
+        if (dynamic_cast<NqAccelerometerEndEffector*>(kind.makeDefault().get())) {
+            kinds.push_back(kind);
+            kinds.back().attach = [&](NqEndEffector& sensor, const NqTestModel& on) {
+                kind.attach(sensor, on);
+                dynamic_cast<NqAccelerometerEndEffector&>(sensor).setIsOn(true);
+            };
+        }
+    }
+    for (const NqEndEffectorKind& kind : kinds) {
         for (const auto mode : {RelativeData::relativeModeNone, RelativeData::relativeModeInternal,
                                 RelativeData::relativeModeExternal}) {
             ControlLoop loop(model, kind, mode);
@@ -270,7 +280,8 @@ TEST_P(ControlStep, MassesAllocateNothingOnceWarm) {
               0u);
 }
 
-/// With joints at limits, off the path, near singularities and at rest out of reach: all that a loop can meet.
+/// With joints at limits, off the path, near singularities and at rest out of reach: all that a loop can
+/// meet.
 TEST(NqControlLoop, AllocatesNothingAfterTheFirstStep) {
     const NqIndividualManipulator robot = nqTestManipulator("arm7");
     NqFrameEndEffector hand;
@@ -285,7 +296,8 @@ TEST(NqControlLoop, AllocatesNothingAfterTheFirstStep) {
     ASSERT_TRUE(loop.step());
     bool hasSlowed = false;
     bool isStuck = false;
-    for (const NqVector& place : {NqVector(0.5, 0.3, 0.6), NqVector(-0.9, -0.5, 0.2), NqVector(2.0, 0.0, 1.0)}) {
+    for (const NqVector& place :
+         {NqVector(0.5, 0.3, 0.6), NqVector(-0.9, -0.5, 0.2), NqVector(2.0, 0.0, 1.0)}) {
         const NqControlTarget target = NqControlTarget::place(place);
         const std::size_t allocations = allocationsOf([&] {
             loop.setTarget(0, target);

@@ -75,9 +75,7 @@ void NqXyBasedEndEffector::driveCoordinates(const NqIndividualManipulator& manip
 NqOrientation NqXyBasedEndEffector::axesOf(const NqEndEffectorRelativeLinkData& relativeLink,
                                            const NqIndividualManipulator& manipulator,
                                            NqManipulatorActivePositionState& state) const {
-    const auto* reference = NqLinkLookup::internalLink(manipulator, relativeLink);
-    return reference ? reference->primaryFrameInSystem(state).orientation() * constraintOrientation()
-                     : constraintOrientation();
+    return NqLinkMotion::referenceOrientation(manipulator, relativeLink, state) * constraintOrientation();
 }
 
 void NqXyBasedEndEffector::put(const NqPlanarVector& coordinates, NqXmlRealVector& values) const {

@@ -20,21 +20,6 @@ bool isFinite(const NqRigidBodyMassProperties& m) {
            isFinite(m.secondMoment() * NqVector(1.0, 1.0, 1.0));
 }
 
-/// The smallest rotation that takes the z axis to the unit vector `a`; about x by half a turn where a is -z.
-/// Of the two forms of the quaternion each is exact to rounding on its half of the sphere.
-NqOrientation rotationFromZ(const NqVector& a) {
-    NqOrientation rotation;
-    const double sine = std::hypot(a[0], a[1]);
-    if (a[2] >= 0.0) {
-        rotation.setFromQuaternion(1.0 + a[2], -a[1], a[0], 0.0);
-    } else if (sine > 0.0) {
-        rotation.setFromQuaternion(sine / (1.0 - a[2]), -a[1] / sine, a[0] / sine, 0.0);
-    } else {
-        rotation.setFromQuaternion(0.0, 1.0, 0.0, 0.0);
-    }
-    return rotation;
-}
-
 } // namespace
 
 NqIndividualManipulator::NqIndividualManipulator(const std::string& manipulatorLabel,
@@ -119,7 +104,7 @@ const NqManipulatorLink* NqIndividualManipulator::addLink(const std::string& par
     link.m_Joint = joint;
     link.m_Body = m_Links.size();
     if (moves) {
-        const NqOrientation dhInPrimary = rotationFromZ(axis / axisLength);
+        const NqOrientation dhInPrimary = NqOrientation::fromZTo(axis / axisLength);
         link.m_PrimaryFrameOffset = dhInPrimary.inverse();
         link.m_Parent = parent.m_Carrier;
         link.m_MassProperties = massProperties;

@@ -12,6 +12,20 @@ constexpr double kUnitLengthTolerance = 16.0 * std::numeric_limits<double>::epsi
 
 } // namespace
 
+NqOrientation NqOrientation::fromZTo(const NqVector& unit) {
+    // Of the two forms of the quaternion each is exact to rounding on its half of the sphere.
+    NqOrientation rotation;
+    const double sine = std::hypot(unit[0], unit[1]);
+    if (unit[2] >= 0.0) {
+        rotation.setFromQuaternion(1.0 + unit[2], -unit[1], unit[0], 0.0);
+    } else if (sine > 0.0) {
+        rotation.setFromQuaternion(sine / (1.0 - unit[2]), -unit[1] / sine, unit[0] / sine, 0.0);
+    } else {
+        rotation.setFromQuaternion(0.0, 1.0, 0.0, 0.0);
+    }
+    return rotation;
+}
+
 void NqOrientation::setFromAngleAxis(double angle, const NqVector& axis) {
     const NqVector scaled = axis * NqMath::scaleForSquares(axis.x(), axis.y(), axis.z());
     const double length = scaled.mag();

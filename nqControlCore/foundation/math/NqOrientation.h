@@ -16,6 +16,9 @@ public:
     /// The rotation by `angle` (radians) about the z axis.
     static NqOrientation aboutZ(double angle) { return NqOrientation().turnedAboutZ(angle); }
 
+    /// The smallest rotation that takes the z axis to a unit vector; about x by half a turn for -z.
+    static NqOrientation fromZTo(const NqVector& unit);
+
     /// Composition: (a * b) applies b first, then a.
     constexpr NqOrientation operator*(const NqOrientation& b) const {
         return {m_Scalar * b.m_Scalar - m_X * b.m_X - m_Y * b.m_Y - m_Z * b.m_Z,

@@ -251,7 +251,8 @@ inline NqEndEffectorTraits nqTraitsOf<NqSpatialMomentumEndEffector>() {
 }
 template <>
 inline NqEndEffectorTraits nqTraitsOf<NqSagEndEffector>() {
-    return {.usesExternalOffset = false,
+    return {.lostLinkKeepsVelocity = true,
+            .usesExternalOffset = false,
             .whyNoError = "the error is zero by definition",
             .whyNoBaseMotion = "the columns of the base are zero, though turning it turns gravity",
             .whyNoAcceleration = "no acceleration is written",

@@ -5,25 +5,18 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
+#include <numeric>
 
 using NqVelocityEntries::numberAt;
 
 namespace {
-
-/// From which change on a target is another one.
-constexpr double kTargetTolerance = 1.0e-9;
 
 /// What placements of different length are apart.
 constexpr double kIncomparable = 1000.0;
 
 /// From which rate limit on a joint counts as without one.
 constexpr double kUnlimitedRate = 1000.0;
-
-bool isOtherTarget(const NqXmlRealVector& a, const NqXmlRealVector& b) {
-    return a.size() != b.size() || !std::equal(a.begin(), a.end(), b.begin(), [](double x, double y) {
-               return !(std::fabs(x - y) > kTargetTolerance);
-           });
-}
 
 } // namespace
 
@@ -58,10 +51,10 @@ void NqCoordinatedJointEndEffector::forEachElement(const NqRowRequest& request, 
                                                    const char* message, Visit visit) const {
     initialize(request.manipulator);
     // An assigned object may remember more joints than it has rows.
-    const unsigned count = std::min(static_cast<unsigned>(m_Work->joints.size()), doc());
+    const unsigned count = std::min(m_Joints->size(), doc());
     for (unsigned k = 0; k < count; ++k) {
         const unsigned row = request.row + k;
-        const unsigned column = m_Work->joints[k].index;
+        const unsigned column = m_Joints->jointIndex(k);
         if (NqJacobianRows::hasElement(row, column, matrix, message)) {
             visit(row, column);
         }
@@ -90,9 +83,9 @@ void NqCoordinatedJointEndEffector::calculatePlacement(const NqIndividualManipul
     initialize(manipulator);
     const NqXmlRealVector& positions = state.positionState().jointPositions();
     NqXmlRealVector& values = placement.dataVector();
-    values.resize(std::min(m_Work->joints.size(), positions.size()));
-    for (std::size_t k = 0; k < values.size(); ++k) {
-        values[k] = numberAt(positions, m_Work->joints[k].index);
+    values.resize(std::min<std::size_t>(m_Joints->size(), positions.size()));
+    for (unsigned k = 0; k < values.size(); ++k) {
+        values[k] = numberAt(positions, m_Joints->jointIndex(k));
     }
 }
 
@@ -101,9 +94,9 @@ void NqCoordinatedJointEndEffector::calculateVelocity(const NqIndividualManipula
                                                       NqXmlRealVector& velocity, unsigned start) const {
     initialize(manipulator);
     const NqXmlRealVector& rates = state.velocityState().jointVelocities();
-    velocity.resize(start + m_Work->joints.size());
-    for (std::size_t k = 0; k < m_Work->joints.size(); ++k) {
-        velocity[start + k] = numberAt(rates, m_Work->joints[k].index);
+    velocity.resize(start + m_Joints->size());
+    for (unsigned k = 0; k < m_Joints->size(); ++k) {
+        velocity[start + k] = numberAt(rates, m_Joints->jointIndex(k));
     }
 }
 
@@ -111,14 +104,7 @@ void NqCoordinatedJointEndEffector::filterEndEffectorVelocity(const NqXmlRealVec
                                                               const NqXmlRealVector& previousVelocity,
                                                               double timeStep,
                                                               NqXmlRealVector& filtered) const {
-    Work& work = *m_Work;
-    filtered.resize(work.joints.size());
-    for (unsigned i = 0; i < work.joints.size(); ++i) {
-        Joint& joint = work.joints[i];
-        joint.filter.setThreshold(work.maxVelocity(joint));
-        joint.filter.filterVelocity(numberAt(desiredVelocity, i), numberAt(previousVelocity, i), timeStep,
-                                    filtered[i]);
-    }
+    m_Joints->filterVelocity(desiredVelocity, previousVelocity, timeStep, filtered);
 }
 
 void NqCoordinatedJointEndEffector::filterEndEffectorVelocity(
@@ -126,59 +112,11 @@ void NqCoordinatedJointEndEffector::filterEndEffectorVelocity(
     const NqXmlRealVector& desiredVelocity, const NqXmlRealVector& previousVelocity, double timeStep,
     NqManipulatorActiveState& state, NqXmlRealVector& filtered) const {
     initialize(manipulator);
-    Work& work = *m_Work;
-    if (!takeTarget(desiredPlacement)) {
-        filtered.assign(work.joints.size(), 0.0);
-        return;
-    }
-    const NqXmlRealVector& positions = state.positionState().jointPositions();
-    if (isOtherTarget(work.previousDesired, work.desired)) {
-        coordinate(positions, previousVelocity);
-    }
-    filtered.resize(work.joints.size());
-    for (unsigned i = 0; i < work.joints.size(); ++i) {
-        const Joint& joint = work.joints[i];
-        joint.filter.calculateVelocity(numberAt(positions, joint.index), work.desired[i],
-                                       numberAt(desiredVelocity, i), numberAt(previousVelocity, i), timeStep,
-                                       filtered[i]);
-    }
-    work.previousDesired = work.desired;
-}
-
-void NqCoordinatedJointEndEffector::coordinate(const NqXmlRealVector& positions,
-                                               const NqXmlRealVector& velocities) const {
-    Work& work = *m_Work;
-    const auto distance = [&](unsigned i) {
-        return work.desired[i] - numberAt(positions, work.joints[i].index);
-    };
-    const auto report = [](const char* message) { Nq::Print::instance().write(Nq::PrintFailure, message); };
-
-    double slowestTime = 0.0;
-    unsigned slowest = 0;
-    for (unsigned i = 0; i < work.joints.size(); ++i) {
-        NqTrapezoidalProfileTool& profile = work.joints[i].profile;
-        profile.setInitialVelocity(numberAt(velocities, i));
-        double time = 0.0;
-        if (!profile.computeMinimumTime(distance(i), time)) {
-            report("NqCoordinatedJointEndEffector::filterEndEffectorVelocity - Failed to compute minimum "
-                   "time");
-        } else if (time > slowestTime) {
-            slowestTime = time;
-            slowest = i;
-        }
-    }
-
-    for (unsigned i = 0; i < work.joints.size(); ++i) {
-        Joint& joint = work.joints[i];
-        double threshold = work.maxVelocity(joint);
-        double cruise = 0.0;
-        if (i != slowest && !joint.profile.computeProfileVelocity(distance(i), slowestTime, cruise)) {
-            report("NqCoordinatedJointEndEffector::filterEndEffectorVelocity - Failed to compute profile "
-                   "velocity");
-        } else if (i != slowest && joint.filter.speedFactor() > 0.0) {
-            threshold = std::fabs(cruise) / joint.filter.speedFactor(); // the filter multiplies by it
-        }
-        joint.filter.setThreshold(threshold);
+    if (m_Joints->takeTarget(desiredPlacement.dataVector())) {
+        m_Joints->filterTowardsTarget(state.positionState().jointPositions(), desiredVelocity,
+                                      previousVelocity, timeStep, filtered);
+    } else {
+        filtered.assign(m_Joints->size(), 0.0);
     }
 }
 
@@ -187,61 +125,30 @@ void NqCoordinatedJointEndEffector::calculateEndEffectorError(const NqIndividual
                                                               NqManipulatorActiveState& state,
                                                               NqXmlRealVector& error) const {
     initialize(manipulator);
-    const Work& work = *m_Work;
-    error.assign(work.joints.size(), 0.0);
-    if (!takeTarget(desiredPlacement)) {
+    error.assign(m_Joints->size(), 0.0);
+    if (!m_Joints->takeTarget(desiredPlacement.dataVector())) {
         return;
     }
     const NqXmlRealVector& positions = state.positionState().jointPositions();
-    for (std::size_t i = 0; i < work.joints.size(); ++i) {
-        error[i] = work.desired[i] - numberAt(positions, work.joints[i].index);
+    for (unsigned k = 0; k < m_Joints->size(); ++k) {
+        error[k] = m_Joints->target(k) - numberAt(positions, m_Joints->jointIndex(k));
     }
 }
 
 double NqCoordinatedJointEndEffector::minimumTime(const NqEndEffectorPlacement& from,
                                                   const NqEndEffectorPlacement& to) const {
-    const std::size_t count =
-        std::min({from.dataVector().size(), to.dataVector().size(), m_Work->joints.size()});
-    double slowestTime = 0.0;
-    for (std::size_t i = 0; i < count; ++i) {
-        double time = 0.0;
-        m_Work->joints[i].profile.computeMinimumTime(to.dataVector()[i] - from.dataVector()[i], time);
-        slowestTime = std::max(slowestTime, time);
-    }
-    return slowestTime;
+    return m_Joints->minimumTime(from.dataVector(), to.dataVector());
 }
 
 double NqCoordinatedJointEndEffector::difference(const NqEndEffectorPlacement& a,
                                                  const NqEndEffectorPlacement& b) const {
-    if (a.dataVector().size() != b.dataVector().size()) {
+    const NqXmlRealVector& from = a.dataVector();
+    const NqXmlRealVector& to = b.dataVector();
+    if (from.size() != to.size()) {
         return kIncomparable;
     }
-    double sum = 0.0;
-    for (std::size_t i = 0; i < a.dataVector().size(); ++i) {
-        sum += std::fabs(a.dataVector()[i] - b.dataVector()[i]);
-    }
-    return sum;
-}
-
-double NqCoordinatedJointEndEffector::speedFactor() const {
-    return m_Work->joints.empty() ? 1.0 : m_Work->joints.front().filter.speedFactor();
-}
-
-void NqCoordinatedJointEndEffector::setSpeedFactor(double factor) {
-    for (Joint& joint : m_Work->joints) {
-        joint.filter.setSpeedFactor(factor);
-        joint.profile.setSpeedFactor(factor);
-    }
-}
-
-bool NqCoordinatedJointEndEffector::filteringActive() const {
-    return m_Work->joints.empty() || m_Work->joints.front().filter.filteringActive();
-}
-
-void NqCoordinatedJointEndEffector::setFilteringActive(bool active) {
-    for (Joint& joint : m_Work->joints) {
-        joint.filter.setFilteringActive(active);
-    }
+    return std::inner_product(from.begin(), from.end(), to.begin(), 0.0, std::plus(),
+                              [](double x, double y) { return std::fabs(x - y); });
 }
 
 void NqCoordinatedJointEndEffector::setLinkLabels(const NqLabelVector& labels) {
@@ -259,92 +166,48 @@ void NqCoordinatedJointEndEffector::setProfileAccelerations(const NqXmlRealVecto
     reset();
 }
 
+template <typename Visit>
+void NqCoordinatedJointEndEffector::forEachJoint(const NqIndividualManipulator& manipulator,
+                                                 Visit visit) const {
+    for (unsigned label = 0; label < m_LinkLabels.size(); ++label) {
+        const NqManipulatorLink* link = manipulator.linkByLabel(m_LinkLabels[label]);
+        if (NqJointList::hasJoint(link)) {
+            visit(label, link->jointIndex());
+        }
+    }
+}
+
 void NqCoordinatedJointEndEffector::initializeWithControlParams(const NqIndividualManipulator& manipulator,
                                                                 const NqControlParameters& parameters) {
-    Work& work = *m_Work;
     const std::vector<double>& velocities = parameters.velocityLimits().values();
     const std::vector<double>& accelerations = parameters.accelerationLimits().values();
+    NqJointCoordination::Limits& limits = m_Joints->limits();
     if (!m_UseControlParameters ||
-        (work.maxVelocities == velocities && work.accelerations == accelerations)) {
+        (limits.velocities == velocities && limits.accelerations == accelerations)) {
         return;
     }
-    const auto limitsOf = [&](const std::vector<double>& limits, double theDefault) {
-        std::vector<double> result = limits;
-        result.resize(manipulator.numberOfJoints(), theDefault);
-        return result;
-    };
-    work.maxVelocities = limitsOf(velocities, m_DefaultMaxVelocity);
-    work.accelerations = limitsOf(accelerations, m_DefaultProfileAcceleration);
+    limits = {velocities, accelerations};
+    limits.velocities.resize(manipulator.numberOfJoints(), m_DefaultMaxVelocity);
+    limits.accelerations.resize(manipulator.numberOfJoints(), m_DefaultProfileAcceleration);
     reset();
-    makeJoints(manipulator, [](unsigned, unsigned) {});
+    forEachJoint(manipulator, [&](unsigned, unsigned index) { m_Joints->append(index); });
 }
 
 void NqCoordinatedJointEndEffector::initialize(const NqIndividualManipulator& manipulator) const {
-    Work& work = *m_Work;
-    if (!work.joints.empty()) {
+    if (!m_Joints->isEmpty()) {
         return;
     }
-    work.maxVelocities.assign(manipulator.numberOfJoints(), m_DefaultMaxVelocity);
-    work.accelerations.assign(manipulator.numberOfJoints(), m_DefaultProfileAcceleration);
-    makeJoints(manipulator, [&](unsigned label, unsigned joint) {
-        work.maxVelocities[joint] =
-            label < m_MaxVelocities.size() ? m_MaxVelocities[label] : m_DefaultMaxVelocity.value();
-        work.accelerations[joint] = label < m_ProfileAccelerations.size()
-                                        ? m_ProfileAccelerations[label]
-                                        : m_DefaultProfileAcceleration.value();
+    const auto limitOf = [](unsigned label, const NqXmlRealVector& limits, double theDefault) {
+        return label < limits.size() ? limits[label] : theDefault;
+    };
+    NqJointCoordination::Limits& limits = m_Joints->limits();
+    limits.velocities.assign(manipulator.numberOfJoints(), m_DefaultMaxVelocity);
+    limits.accelerations.assign(manipulator.numberOfJoints(), m_DefaultProfileAcceleration);
+    forEachJoint(manipulator, [&](unsigned label, unsigned index) {
+        limits.velocities[index] = limitOf(label, m_MaxVelocities, m_DefaultMaxVelocity);
+        limits.accelerations[index] = limitOf(label, m_ProfileAccelerations, m_DefaultProfileAcceleration);
+        m_Joints->append(index);
     });
-}
-
-template <typename Limit>
-void NqCoordinatedJointEndEffector::makeJoints(const NqIndividualManipulator& manipulator,
-                                               Limit limit) const {
-    Work& work = *m_Work;
-    for (unsigned label = 0; label < m_LinkLabels.size(); ++label) {
-        const NqManipulatorLink* link = manipulator.linkByLabel(m_LinkLabels[label]);
-        if (!NqJointList::hasJoint(link)) {
-            continue;
-        }
-        const unsigned index = link->jointIndex();
-        limit(label, index);
-        const double velocity = work.maxVelocities[index];
-        const double acceleration = work.accelerations[index];
-        Joint joint{index, {}, {}};
-        joint.filter.setFilteringMode(NqBaseMotionFilter::Trapezoidal);
-        joint.filter.setThreshold(velocity);
-        joint.filter.setAccelerationThreshold(acceleration);
-        joint.filter.setDecelerationThreshold(acceleration);
-        joint.profile.setParameters(acceleration, velocity, 0.0);
-        work.joints.push_back(joint);
-    }
-}
-
-void NqCoordinatedJointEndEffector::reset() const {
-    m_Work->joints.clear();
-}
-
-bool NqCoordinatedJointEndEffector::takeTarget(const NqEndEffectorPlacement& placement) const {
-    Work& work = *m_Work;
-    const NqXmlRealVector& values = placement.dataVector();
-    if (values.size() < work.joints.size()) {
-        return false;
-    }
-    if (values.size() > work.joints.size()) {
-        reorderJointPositions(values.values(), work.desired.values());
-    } else {
-        work.desired = values;
-    }
-    return true;
-}
-
-void NqCoordinatedJointEndEffector::reorderJointPositions(const std::vector<double>& all,
-                                                          std::vector<double>& selected) const {
-    const std::vector<Joint>& joints = m_Work->joints;
-    selected.resize(joints.size());
-    for (std::size_t k = 0; k < joints.size(); ++k) {
-        if (joints[k].index < all.size()) {
-            selected[k] = all[joints[k].index];
-        }
-    }
 }
 
 const NqEditableValueTable<NqCoordinatedJointEndEffector>& NqCoordinatedJointEndEffector::editableTable() {

@@ -4,8 +4,7 @@
 #include <nqControlCore/endeffector/NqJointList.h>
 #include <nqControlCore/endeffector/NqRowEndEffector.h>
 #include <nqControlCore/endeffector/NqUnfilteredEndEffector.h>
-#include <nqControlCore/filter/NqScalarMotionFilter.h>
-#include <nqControlCore/filter/NqTrapezoidalProfileTool.h>
+#include <nqControlCore/endeffector/special/NqJointCoordination.h>
 #include <nqControlCore/foundation/math/NqUncopied.h>
 
 #include <vector>
@@ -19,13 +18,10 @@ class NqControlParameters;
 /// as many numbers is taken in that order, and one of more as the positions of all joints of the manipulator,
 /// by joint index; one of fewer asks for nothing.
 ///
-/// Each joint has a scalar motion filter with a trapezoidal profile. When the target changes, by more than
-/// 1e-9 in any joint, the least time of each joint's move is found from its distance, its velocity, and its
-/// limits. The slowest joint keeps its limit of speed; each other one gets the speed at which its own move
-/// takes as long, or keeps its limit where there is none. Until the next target these stay the limits of the
-/// filters. With v the speed that a joint brakes from and a its acceleration, it arrives within 2 sqrt(v h /
-/// a) of that time, in steps of h; starting at rest, that is: a joint that has to slow down or turn back
-/// first is not timed exactly.
+/// When the target changes, each joint gets a limit of speed with which it takes as long as the slowest; see
+/// NqJointCoordination. With v the speed that a joint brakes from and a its acceleration, it arrives within
+/// 2 sqrt(v h / a) of that time, in steps of h; starting at rest, that is: a joint that has to slow down or
+/// turn back first is not timed exactly.
 ///
 /// A label that is unknown, or of a link without a joint, is skipped silently: doc() counts it, but the
 /// joints behind it move up a row, and lists of velocities, errors and positions have an entry for each joint
@@ -91,10 +87,10 @@ public:
 
     /// Those of the filters, from the first use on; before it they are 1 and true, and setting them does
     /// nothing. The profiles take a factor that is not above 0 for the one before.
-    double speedFactor() const override;
-    void setSpeedFactor(double factor) override;
-    bool filteringActive() const override;
-    void setFilteringActive(bool active) override;
+    double speedFactor() const override { return m_Joints->speedFactor(); }
+    void setSpeedFactor(double factor) override { m_Joints->setSpeedFactor(factor); }
+    bool filteringActive() const override { return m_Joints->filteringActive(); }
+    void setFilteringActive(bool active) override { m_Joints->setFilteringActive(active); }
 
     /// Limits of joints that have none of their own (rad/s or m/s, and s).
     virtual double defaultMaxVelocity() const { return m_DefaultMaxVelocity; }
@@ -131,11 +127,13 @@ protected:
     /// Makes joints and filters, unless they are there.
     virtual void initialize(const NqIndividualManipulator& manipulator) const;
     /// Forgets joints and filters.
-    virtual void reset() const;
+    virtual void reset() const { m_Joints->clear(); }
 
     /// Picks the joints' entries from those of all joints of the manipulator; one that isn't there leaves
     /// what was selected.
-    void reorderJointPositions(const std::vector<double>& all, std::vector<double>& selected) const;
+    void reorderJointPositions(const std::vector<double>& all, std::vector<double>& selected) const {
+        m_Joints->select(all, selected);
+    }
 
 private:
     friend struct NqXmlComponentAccess;
@@ -152,33 +150,9 @@ private:
             nqComponent(NqUseControlParametersToken, &E::m_UseControlParameters));
     }
 
-    /// A joint that was found.
-    struct Joint {
-        unsigned index;
-        NqScalarMotionFilter filter;
-        NqTrapezoidalProfileTool profile;
-    };
-
-    struct Work {
-        std::vector<Joint> joints;
-        NqXmlRealVector previousDesired; ///< the target of the last coordination
-        NqXmlRealVector desired;
-        std::vector<double> maxVelocities; ///< by joint index
-        std::vector<double> accelerations; ///< by joint index
-
-        double maxVelocity(const Joint& joint) const { return maxVelocities[joint.index]; }
-    };
-
-    /// Makes the joints of all labels; `limit(label, joint)` sees the place of each label and the index of
-    /// its joint first.
-    template <typename Limit>
-    void makeJoints(const NqIndividualManipulator& manipulator, Limit limit) const;
-
-    /// Takes the targets of the joints from a placement; false where it has too few numbers.
-    bool takeTarget(const NqEndEffectorPlacement& placement) const;
-
-    /// Gives all filters the limit of speed with which they arrive with the slowest.
-    void coordinate(const NqXmlRealVector& positions, const NqXmlRealVector& velocities) const;
+    /// Calls `visit(label, index)` for each label that has a joint, with its place in the list.
+    template <typename Visit>
+    void forEachJoint(const NqIndividualManipulator& manipulator, Visit visit) const;
 
     /// Calls `visit(row, column)` for each joint, with those that the matrix has, and with the message for
     /// others.
@@ -194,5 +168,5 @@ private:
     NqXmlBasicType<double> m_ErrorWeight = 1.0;
     NqXmlBasicType<bool> m_UseControlParameters = false;
 
-    mutable NqUncopied<Work> m_Work;
+    mutable NqUncopied<NqJointCoordination> m_Joints;
 };

@@ -48,10 +48,9 @@ void NqSpatialMomentumEndEffector::calculatePlacement(const NqIndividualManipula
 void NqSpatialMomentumEndEffector::calculateVelocity(const NqIndividualManipulator&,
                                                      NqManipulatorActiveState&, NqXmlRealVector& velocity,
                                                      unsigned start) const {
-    const NqGeneralMotion desired(desiredLinearMomentum(), desiredAngularMomentum());
     velocity.resize(start + doc());
     for (unsigned i = 0; i < doc(); ++i) {
-        velocity[start + i] = desired[i];
+        velocity[start + i] = i < 3 ? desiredLinearMomentum()[i] : desiredAngularMomentum()[i - 3];
     }
 }
 

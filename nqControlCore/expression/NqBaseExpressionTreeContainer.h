@@ -117,7 +117,7 @@ protected:
         }
         element->setContainer(this);
         const bool good = element->read(reader);
-        if (reader.good()) { // an element at which the document breaks off is a fragment
+        if (reader.good()) { // a tree at which the document breaks off is a fragment
             m_TopElement = std::move(element);
         }
         return good;

@@ -82,9 +82,7 @@ bool NqExpressionParent<Places>::readValueFromSpecialToken(const NqToken& token,
     NqXmlOwned<NqExpressionElement> child(static_cast<NqExpressionElement*>(object.release()));
     child->setContainer(container());
     const bool good = child->read(reader);
-    if (reader.good()) { // a child at which the document breaks off is a fragment
-        m_Children[std::min(m_ChildrenRead++, Places - 1)].emplace(std::move(child));
-    }
+    m_Children[std::min(m_ChildrenRead++, Places - 1)].emplace(std::move(child));
     return good;
 }
 

@@ -88,8 +88,10 @@ TEST(NqExpressionLeaf, KeepsAValueOfTheRightShape) {
     EXPECT_EQ(textOf(NqExpressionGeneralColumn(column).value()), "3;4;");
     column.setColumn({5.0, 6.0, 7.0});
     EXPECT_EQ(textOf(column.value()), "5;6;7;");
-    column = NqExpressionGeneralColumn();
-    EXPECT_EQ(textOf(column.value()), "1;");
+    NqExpressionGeneralColumn other;
+    other.assign(3, 1.0);
+    column = other;
+    EXPECT_EQ(textOf(column.value()), "1;1;1;");
 
     NqExpressionDiagonalMatrix diagonal;
     diagonal.assign(1, 2, 3.0);
@@ -189,6 +191,13 @@ TEST(NqExpressionReading, NeedsAContainer) {
     EXPECT_FALSE(NqXmlDocument::readString("<negative>\n<plus/></negative>", negative));
     EXPECT_EQ(negative.child(), nullptr);
     EXPECT_EQ(print.text(), "Bad token: plus on line 2\n");
+
+    const NqExpressionContainer container;
+    NqExpressionMinus minus(&container);
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_TRUE(NqXmlDocument::readString(element("minus", number("5") + number("3")), minus));
+        EXPECT_EQ(textOf(minus.value()), "2;");
+    }
 }
 
 TEST(NqExpressionReading, LeavesNoHalfOfAnExpression) {

@@ -67,7 +67,6 @@ TEST_F(NqXyOnHand, TheRelativeLinkTurnsTheAxesAndOnlyTheRowsMoveWithIt) {
     EXPECT_EQ(velocity.size(), 3u) << "the tail is cut";
     NqReArray rows;
     xy.insertJacobianComponent(arm, 0, relative, true, state, rows);
-    EXPECT_NEAR(rows[0][0], 0.0, 1e-15);
     EXPECT_NEAR(rows[0][1], 0.4, 1e-15);
 
     // A link that isn't there turns nothing, and only rows and bits say so.
@@ -99,11 +98,10 @@ TEST_F(NqXyOnHand, ALostLinkIsNamedByEachClass) {
     xy.insertSparsityComponent(arm, 0, {}, true, sparsity);
     EXPECT_TRUE(sparsity[0][0] && !sparsity[1][0]) << "a row that was there keeps its bits";
     double height = 7.0;
-    x.calculate1DPointPlacement(arm, state, height);
-    EXPECT_EQ(height, 7.0);
     NqEndEffectorPlacement placement = target;
+    x.calculate1DPointPlacement(arm, state, height);
     x.calculatePlacement(arm, state, placement);
-    EXPECT_EQ(placement, target);
+    EXPECT_TRUE(height == 7.0 && placement == target);
     EXPECT_EQ(capture.text(),
               "NqXyEndEffector::insertSparsityComponent(): bad label on end effector: lost.\n"
               "NqXEndEffector::calculate1DPointPlacement(): bad label on point end effector: lost.\n"

@@ -254,6 +254,8 @@ TEST(NqAccelerometer, LevelsAPlatform) {
     sensor.setLinkIdentifier("pitch");
     sensor.setSagLinkLabels({std::string("roll"), std::string("pitch")});
     sensor.setIsOn(true);
+    const NqEndEffectorPlacement target(
+        {NqVector(), NqOrientation(M_PI, {1.0, 0.0, 0.0})}); // gravity along -z
     constexpr double timeStep = 0.01;
     NqXmlRealVector w;
     for (unsigned i = 0; i < 300; ++i) {
@@ -261,7 +263,7 @@ TEST(NqAccelerometer, LevelsAPlatform) {
         NqReArray j;
         sensor.insertJacobianComponent(platform, 0, {}, true, state, j);
         const NqXmlRealVector previous = w;
-        sensor.filterEndEffectorVelocity(platform, {}, {}, previous, timeStep, state, w);
+        sensor.filterEndEffectorVelocity(platform, target, {}, previous, timeStep, state, w);
         const double determinant = j[0][0] * j[1][1] - j[0][1] * j[1][0];
         positions.jointPositions()[0] += timeStep * (w[0] * j[1][1] - w[1] * j[0][1]) / determinant;
         positions.jointPositions()[1] += timeStep * (w[1] * j[0][0] - w[0] * j[1][0]) / determinant;

@@ -35,7 +35,8 @@
 /// - Velocity and acceleration take the link's whole motion in rows 0 and 1 while it is on, not only what the
 ///   sag joints do. The acceleration counts the angular acceleration of the link as given in the axes of the
 ///   sensor frame.
-/// - A z axis that points against gravity counts as aligned (see NqRotationMotionFilter).
+/// - The target for a sensor whose z axis is to point up, against gravity, is half a turn about x. From
+///   exactly upside down it isn't led away, since such z axes count as aligned (see NqRotationMotionFilter).
 /// - calculateEndEffectorError() gives zeros. Relative links, external offsets and a free base play no part.
 /// - Sag joints are looked up once and remembered, also for another manipulator, until their labels are set,
 ///   read or assigned; labels that are unknown or of the base are left out in silence.

@@ -1,4 +1,4 @@
-# Runs all commands of README that call the program; each must reach its targets.
+# Runs all commands of a page, README, that call the program; each must reach its targets.
 cmake_minimum_required(VERSION 3.25)
 
 file(READ ${README} text)

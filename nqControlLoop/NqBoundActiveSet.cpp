@@ -193,4 +193,7 @@ void NqBoundActiveSet::settle(Response& response, const std::vector<double>& low
     for (unsigned k = 0; k < m_Unknowns; ++k) {
         x[k] = std::clamp(x[k], lower[k], upper[k]);
     }
+    for (const Hold& hold : m_Holds) {
+        x[hold.unknown] = boundOf(hold, lower, upper);
+    }
 }

@@ -425,7 +425,7 @@ std::string NqDriveRun::softRemainder() const {
     return text;
 }
 
-/// A direction in which no joint moves its end-effector at all, in words.
+/// A direction in which an end-effector is to go and no joint moves it at all, in words.
 std::string NqDriveRun::idleDirection() const {
     unsigned row = 0;
     for (const NqDriveRecord::Part& part : m_Record.parts) {
@@ -436,7 +436,7 @@ std::string NqDriveRun::idleDirection() const {
             const auto& entries = m_Loop.jacobian()[row];
             const bool isIdle = std::all_of(entries.begin(), entries.end(),
                                             [](double entry) { return std::abs(entry) < 1.0e-12; });
-            if (isIdle) {
+            if (isIdle && m_Loop.command()[row] != 0.0) {
                 const std::string axis = part.limits.isAngular ? " about " : " along ";
                 return " (no joint moves " + inQuotes(part.name) +
                        (part.limits.rows == 3 ? axis + "xyz"[i] : "") + ")";

@@ -96,8 +96,8 @@ INSTANTIATE_TEST_SUITE_P(Robots, NqControlLoopOnRobots,
                          testing::Values(RobotCase{"arm6", "flange", true}, RobotCase{"arm7", "hand", false},
                                          RobotCase{"arm7", "hand", true},
                                          RobotCase{"twin9", "left_tip", false}),
-                         [](const auto& info) {
-                             return std::string(info.param.name) + (info.param.isFrame ? "Frame" : "Point");
+                         [](const auto& robot) {
+                             return std::string(robot.param.name) + (robot.param.isFrame ? "Frame" : "Point");
                          });
 
 /// Runs towards a place of arm7's hand until nothing moves.
@@ -163,11 +163,14 @@ TEST(NqControlLoopStatus, NamesTheCause) {
 /// Where limits block the way, holding stays where it is and sliding comes nearer.
 TEST(NqControlLoop, HoldsOrSlides) {
     NqControlLoopSettings settings = settingsOf(0.002);
-    const std::vector<double> start{0.0, 0.3, 0.0, -0.1, 0.0, 2.0, 0.0};
-    const double slid = ofArm7({0.9, 0.9, 0.3}, settings, start).distance;
+    const NqVector behind(-0.3, 0.0, 0.3);
+    EXPECT_EQ(ofArm7(behind, settings).kind, Status::Reached);
     settings.setBlocked(NqControlLoopSettings::Hold);
-    const Status held = ofArm7({0.9, 0.9, 0.3}, settings, start);
-    EXPECT_GT(held.distance, slid + 0.01);
+    const Status held = ofArm7(behind, settings);
+    EXPECT_EQ(held.kind, Status::Held);
+    ASSERT_FALSE(held.joints.empty());
+    EXPECT_EQ(held.joints[0].cause, NqJointBounds::Cause::Range);
+    EXPECT_GT(held.distance, 0.05);
 }
 
 /// An arm that limits keep from a target finds a posture that reaches it, goes there and is there.
@@ -175,7 +178,7 @@ TEST(NqPostureSearch, FindsAWayAroundLimits) {
     const NqIndividualManipulator robot = nqTestManipulator("arm6");
     std::mt19937_64 random(5);
     unsigned found = 0;
-    for (unsigned trial = 0; trial < 20 && found < 3; ++trial) {
+    for (unsigned trial = 0; trial < 30 && found < 3; ++trial) {
         NqControlLoop loop(robot, settingsOf(0.002));
         loop.addEndEffector("hand", on<NqFrameEndEffector>("flange"));
         loop.setPositions(randomPosture(robot, random));
@@ -185,7 +188,7 @@ TEST(NqPostureSearch, FindsAWayAroundLimits) {
         for (unsigned i = 0; i < 3000; ++i) {
             ASSERT_TRUE(loop.step());
         }
-        if (loop.status().kind != Status::Held) {
+        if (loop.status().kind == Status::Reached) {
             continue;
         }
         std::vector<double> posture;

@@ -160,17 +160,36 @@ TEST(NqControlLoopStatus, NamesTheCause) {
     EXPECT_NE(twice.status().endEffector, twice.status().other);
 }
 
-/// Where limits block the way, holding stays where it is and sliding comes nearer.
+/// Where limits block the way, holding stays on it and sliding comes nearer.
 TEST(NqControlLoop, HoldsOrSlides) {
-    NqControlLoopSettings settings = settingsOf(0.002);
-    const NqVector behind(-0.3, 0.0, 0.3);
-    EXPECT_EQ(ofArm7(behind, settings).kind, Status::Reached);
-    settings.setBlocked(NqControlLoopSettings::Hold);
-    const Status held = ofArm7(behind, settings);
-    EXPECT_EQ(held.kind, Status::Held);
-    ASSERT_FALSE(held.joints.empty());
-    EXPECT_EQ(held.joints[0].cause, NqJointBounds::Cause::Range);
-    EXPECT_GT(held.distance, 0.05);
+    const NqIndividualManipulator robot = nqTestManipulator("planar3");
+    Status statuses[2];
+    double aside[2];
+    for (const auto blocked : {NqControlLoopSettings::Hold, NqControlLoopSettings::Slide}) {
+        NqControlLoopSettings settings = settingsOf(0.002);
+        settings.setBlocked(blocked);
+        NqControlLoop loop(robot, settings);
+        loop.addEndEffector("tip", on<NqPointEndEffector>("tip"));
+        loop.setPositions({2.6, 0.1, 0.0});
+        const NqVector start = loop.placements()[0].translation();
+        const NqVector target(-0.94, -0.342, 0.0);
+        loop.setTarget("tip", NqControlTarget::place(target));
+        for (unsigned i = 0; i < 4000; ++i) {
+            ASSERT_TRUE(loop.step());
+        }
+        statuses[blocked] = loop.status();
+        aside[blocked] =
+            (loop.placements()[0].translation() - start).cross((target - start).unitVector()).mag();
+    }
+    for (const Status& status : statuses) {
+        EXPECT_EQ(status.kind, Status::Held);
+        ASSERT_FALSE(status.joints.empty());
+        EXPECT_EQ(status.joints[0].joint, 0u);
+        EXPECT_EQ(status.joints[0].cause, NqJointBounds::Cause::Range);
+    }
+    EXPECT_LT(aside[NqControlLoopSettings::Hold], 0.01);
+    EXPECT_LT(statuses[NqControlLoopSettings::Slide].distance,
+              statuses[NqControlLoopSettings::Hold].distance - 0.01);
 }
 
 /// An arm that limits keep from a target finds a posture that reaches it, goes there and is there.

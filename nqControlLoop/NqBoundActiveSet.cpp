@@ -9,6 +9,9 @@ namespace {
 /// By how much a bound may be passed before that counts, for a bound of 1.
 constexpr double kSlack = 1.0e-12;
 
+/// By how much the last settling may still move an unknown.
+constexpr double kSettled = 1.0e-9;
+
 double slackOf(double bound) {
     return kSlack * (1.0 + std::abs(bound));
 }
@@ -167,12 +170,12 @@ NqBoundActiveSet::Outcome NqBoundActiveSet::solve(Response& response, const std:
             factor(response);
         }
     }
-    settle(response, lower, upper, x);
-    return Outcome::Solved;
+    return settle(response, lower, upper, x) ? Outcome::Solved : Outcome::Contradiction;
 }
 
-/// The same once more from the start, free of the rounding of the steps.
-void NqBoundActiveSet::settle(Response& response, const std::vector<double>& lower,
+/// The same once more from the start, free of the rounding of the steps. False where that isn't the same: the
+/// held unknowns then leave each other no freedom but rounding.
+bool NqBoundActiveSet::settle(Response& response, const std::vector<double>& lower,
                               const std::vector<double>& upper, std::vector<double>& x) {
     if (!m_Holds.empty()) {
         for (std::size_t i = 0; i < m_Holds.size(); ++i) {
@@ -190,7 +193,18 @@ void NqBoundActiveSet::settle(Response& response, const std::vector<double>& low
             }
         }
     }
+    double size = 1.0;
+    double change = 0.0;
+    const auto put = [&](unsigned k, double value) {
+        size = std::max(size, std::abs(value));
+        change = std::max(change, std::abs(x[k] - value));
+        x[k] = value;
+    };
     for (unsigned k = 0; k < m_Unknowns; ++k) {
-        x[k] = std::clamp(x[k], lower[k], upper[k]);
+        put(k, std::clamp(x[k], lower[k], upper[k]));
     }
+    for (const Hold& hold : m_Holds) {
+        put(hold.unknown, boundOf(hold, lower, upper));
+    }
+    return change <= kSettled * size;
 }

@@ -60,7 +60,7 @@ private:
     void factor(Response& response);
     void direction(Response& response);
     void letGo(std::size_t hold);
-    void settle(Response& response, const std::vector<double>& lower, const std::vector<double>& upper,
+    bool settle(Response& response, const std::vector<double>& lower, const std::vector<double>& upper,
                 std::vector<double>& x);
     double boundOf(const Hold& hold, const std::vector<double>& lower,
                    const std::vector<double>& upper) const {

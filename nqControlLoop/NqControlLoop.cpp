@@ -504,6 +504,9 @@ bool NqControlLoop::solve() {
     }
     m_SolverSteps =
         m_Tool.steps() + (tool == &m_Tool ? 0 : tool->steps()) + (leaving > 0.0 ? m_LeastSquares.steps() : 0);
+    for (std::size_t k = 0; k < m_Rates.size(); ++k) {
+        m_Rates[k] = std::clamp(m_Rates[k], m_Lower[k], m_Upper[k]); // free of the rounding of the mixture
+    }
     m_Slowing = shareMade();
     if (leaving > 0.0) {
         m_Scale += leaving * (std::max(m_Slowing, m_Scale) - m_Scale);
@@ -538,7 +541,9 @@ void NqControlLoop::leavePath(double share, const NqLimitedVelocityTool* tool) {
     const bool isHolding = m_Settings.blocked() == NqControlLoopSettings::Hold;
     m_LeastSquares.solve(m_Hard.jacobian, m_Hard.rows, isHolding ? m_NoCommand : m_Hard.command, m_Wished,
                          m_Weights, m_Settings.damping(), m_Lower, m_Upper, m_Sliding);
-    noteHolds(m_LeastSquares.holds());
+    if (!isHolding) {
+        noteHolds(m_LeastSquares.holds());
+    }
     for (std::size_t k = 0; k < m_Rates.size(); ++k) {
         m_Rates[k] = share < 1.0 ? (1.0 - share) * m_Rates[k] + share * m_Sliding[k] : m_Sliding[k];
     }

@@ -122,6 +122,8 @@ public:
     const NqEndEffectorPlacement& systemTarget(std::size_t e) const { return m_Constraints[e].systemTarget; }
     /// The rows of the hard end-effectors.
     const NqReArray& jacobian() const { return m_Hard.jacobian; }
+    /// What these were to give in the last step.
+    const std::vector<double>& command() const { return m_Hard.command; }
     /// Of the solver's square system in the last step; NaN before the first.
     double determinant() const { return m_Determinant; }
     /// Of the hard rows as they are at present, computed on request: m and rad count alike. NaN without rows.
@@ -230,7 +232,7 @@ private:
     std::vector<double> m_Wished;
     std::vector<double> m_Sliding; ///< rates that leave the path
     std::vector<double> m_NoCommand;
-    unsigned m_Lost = 0;  ///< directions, in the last step
+    unsigned m_Lost = 0; ///< directions, in the last step
     unsigned m_SolverSteps = 0;
     double m_Scale = 1.0; ///< of the commanded velocities, in the last step
     Stack m_Hard;

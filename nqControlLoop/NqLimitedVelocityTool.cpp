@@ -7,11 +7,11 @@
 namespace {
 
 /// How much more a unit of s costs than the motion that it stands for.
-constexpr double kScaleWeight = 1.0e8;
+constexpr double kScaleWeight = 1.0e5;
 /// Share of its freedom without any rows that a rate must have left to count as free.
-constexpr double kLeastFreedom = 1.0e-10;
+constexpr double kLeastFreedom = 1.0e-8;
 /// The same when s is free too, which adds a share of 1 / kScaleWeight at most.
-constexpr double kLeastScaledFreedom = 1.0e-13;
+constexpr double kLeastScaledFreedom = 1.0e-11;
 constexpr double kRounding = 1.0e-9;
 
 bool isWithin(const std::vector<double>& x, const std::vector<double>& lower,

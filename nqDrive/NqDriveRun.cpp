@@ -36,6 +36,8 @@ constexpr unsigned kDetours = 2;
 constexpr double kNearPosture = 0.02;
 /// A rate that changes its sign from step to step counts with both sides above this, rad/s or m/s.
 constexpr double kFlip = 0.05;
+/// A velocity asked for below this is none.
+constexpr double kIdle = 1.0e-9;
 /// Steps between two looks at the clock.
 constexpr std::uint64_t kStepsPerLook = 64;
 /// Postures drawn between the start and the end.
@@ -425,7 +427,7 @@ std::string NqDriveRun::softRemainder() const {
     return text;
 }
 
-/// A direction in which no joint moves its end-effector at all, in words.
+/// A direction in which an end-effector is to go and no joint moves it at all, in words.
 std::string NqDriveRun::idleDirection() const {
     unsigned row = 0;
     for (const NqDriveRecord::Part& part : m_Record.parts) {
@@ -436,7 +438,7 @@ std::string NqDriveRun::idleDirection() const {
             const auto& entries = m_Loop.jacobian()[row];
             const bool isIdle = std::all_of(entries.begin(), entries.end(),
                                             [](double entry) { return std::abs(entry) < 1.0e-12; });
-            if (isIdle) {
+            if (isIdle && std::abs(m_Loop.command()[row]) > kIdle) {
                 const std::string axis = part.limits.isAngular ? " about " : " along ";
                 return " (no joint moves " + inQuotes(part.name) +
                        (part.limits.rows == 3 ? axis + "xyz"[i] : "") + ")";

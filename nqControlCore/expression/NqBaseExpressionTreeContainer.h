@@ -9,7 +9,6 @@
 #include <nqControlCore/xml/NqXmlOwned.h>
 
 #include <algorithm>
-#include <optional>
 #include <string>
 #include <utility>
 
@@ -33,9 +32,9 @@ public:
         NqBaseExpressionTreeContainer::setTopElementContainerToThis();
     }
     NqBaseExpressionTreeContainer& operator=(const NqBaseExpressionTreeContainer& other) {
-        std::optional<NqXmlOwned<T>> copy = other.m_TopElement;
+        NqXmlOwned<T> copy = other.m_TopElement; // which may be a part of ours
         Variable::operator=(other);
-        m_TopElement.swap(copy);
+        m_TopElement = std::move(copy);
         setTopElementContainerToThis();
         return *this;
     }
@@ -46,8 +45,8 @@ public:
     }
 
     /// Null where there is none.
-    virtual const T* topElement() const { return m_TopElement ? &**m_TopElement : nullptr; }
-    virtual T* topElement() { return m_TopElement ? &**m_TopElement : nullptr; }
+    virtual const T* topElement() const { return m_TopElement.get(); }
+    virtual T* topElement() { return m_TopElement.get(); }
 
     /// Replaces the tree by a clone of this one.
     virtual void setTopElement(const T& element) {
@@ -60,15 +59,12 @@ public:
         if (element == topElement()) {
             return;
         }
-        m_TopElement.reset();
-        if (element) {
-            m_TopElement.emplace(element);
-        }
+        m_TopElement = NqXmlOwned<T>(element);
         setTopElementContainerToThis();
     }
 
     bool read(NqXmlReader& reader) override {
-        m_TopElement.reset();
+        m_TopElement = NqXmlOwned<T>();
         m_ElementsRead = 0;
         const bool good = Variable::read(reader);
         setTopElementContainerToThis();
@@ -77,7 +73,7 @@ public:
 
     bool write(NqXmlWriter& writer) const override {
         return Variable::write(writer) &&
-               (!m_TopElement || NqXmlCollection::writeNamed(writer, topElement()->token(), **m_TopElement));
+               (!m_TopElement || NqXmlCollection::writeNamed(writer, topElement()->token(), *m_TopElement));
     }
 
     bool writeSchema(NqXmlSchema& schema) const override {
@@ -130,7 +126,7 @@ protected:
     }
 
 private:
-    std::optional<NqXmlOwned<T>> m_TopElement;
+    NqXmlOwned<T> m_TopElement;
 
     mutable unsigned m_ElementsRead = 0; ///< while this is read
 };

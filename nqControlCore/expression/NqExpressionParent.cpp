@@ -30,7 +30,7 @@ bool NqExpressionParent<Places>::read(NqXmlReader& reader) {
 template <unsigned Places>
 bool NqExpressionParent<Places>::write(NqXmlWriter& writer) const {
     return NqExpressionElement::write(writer) && std::ranges::all_of(m_Children, [&](const Child& child) {
-               return !child || NqXmlCollection::writeNamed(writer, (*child)->token(), **child);
+               return !child || NqXmlCollection::writeNamed(writer, child->token(), *child);
            });
 }
 
@@ -44,7 +44,7 @@ void NqExpressionParent<Places>::setContainer(const NqXmlBaseVariableCompoundTyp
     NqExpressionElement::setContainer(container);
     for (Child& child : m_Children) {
         if (child) {
-            (*child)->setContainer(container);
+            child->setContainer(container);
         }
     }
 }
@@ -82,7 +82,7 @@ bool NqExpressionParent<Places>::readValueFromSpecialToken(const NqToken& token,
     NqXmlOwned<NqExpressionElement> child(static_cast<NqExpressionElement*>(object.release()));
     child->setContainer(container());
     const bool good = child->read(reader);
-    m_Children[std::min(m_ChildrenRead++, Places - 1)].emplace(std::move(child));
+    m_Children[std::min(m_ChildrenRead++, Places - 1)] = std::move(child);
     return good;
 }
 

@@ -4,7 +4,6 @@
 #include <nqControlCore/xml/NqXmlOwned.h>
 
 #include <array>
-#include <optional>
 
 /// A node with places for children, which it owns; any of them may be missing.
 ///
@@ -32,9 +31,7 @@ public:
     void setContainer(const NqXmlBaseVariableCompoundType* container) override;
 
 protected:
-    const NqExpressionElement* childAt(unsigned place) const {
-        return m_Children[place] ? &**m_Children[place] : nullptr;
-    }
+    const NqExpressionElement* childAt(unsigned place) const { return m_Children[place].get(); }
 
     /// Puts a clone in the place.
     void setChildAt(unsigned place, const NqExpressionElement& child);
@@ -44,7 +41,7 @@ protected:
     bool sameValue(const NqExpressionParent& other) const { return m_Children == other.m_Children; }
 
 private:
-    using Child = std::optional<NqXmlOwned<NqExpressionElement>>;
+    using Child = NqXmlOwned<NqExpressionElement>;
 
     std::array<Child, Places> m_Children;
 

@@ -8,19 +8,19 @@
 #include <type_traits>
 #include <utility>
 
-/// Owns one object of a class derived from T. It is without one only when it was given null or moved from:
-/// then it may be tested, moved, replaced and destroyed. A copy owns a clone, and two are equal when their
-/// objects are of one class and equal.
+/// Owns one object of a class derived from T, or none. A copy owns a clone, and two are equal when their
+/// objects are of one class and equal, or both have none.
 template <typename T>
 class NqXmlOwned {
 public:
+    NqXmlOwned() = default;
     explicit NqXmlOwned(T* object) noexcept : m_Object(object) {}
     explicit NqXmlOwned(const T& object) : m_Object(static_cast<T*>(object.clone())) {
         if (!m_Object) {
             throw std::bad_alloc(); // as any container does when there is no memory for a copy
         }
     }
-    NqXmlOwned(const NqXmlOwned& other) : NqXmlOwned(*other) {}
+    NqXmlOwned(const NqXmlOwned& other) : NqXmlOwned(other ? NqXmlOwned(*other) : NqXmlOwned()) {}
     NqXmlOwned(NqXmlOwned&& other) noexcept : m_Object(std::exchange(other.m_Object, nullptr)) {}
     NqXmlOwned& operator=(NqXmlOwned other) noexcept {
         std::swap(m_Object, other.m_Object);
@@ -34,13 +34,17 @@ public:
     T* release() { return std::exchange(m_Object, nullptr); }
     T& operator*() { return *m_Object; }
     const T& operator*() const { return *m_Object; }
+    T* get() { return m_Object; }
+    const T* get() const { return m_Object; }
     T* operator->() { return m_Object; }
     const T* operator->() const { return m_Object; }
 
-    friend bool operator==(const NqXmlOwned& a, const NqXmlOwned& b) { return a->equality(&*b); }
+    friend bool operator==(const NqXmlOwned& a, const NqXmlOwned& b) {
+        return a && b ? a->equality(b.get()) : !a && !b;
+    }
 
 private:
-    T* m_Object;
+    T* m_Object = nullptr;
 };
 
 /// Walks over the objects that a container of NqXmlOwned holds. Wrapped is the container's iterator, and T

@@ -8,6 +8,8 @@ namespace {
 
 /// How much more a unit of s costs than the motion that it stands for.
 constexpr double kScaleWeight = 1.0e5;
+/// The same for a second try, where rounding was in the way of the first: s may then be a little less.
+constexpr double kLowScaleWeight = 1.0e3;
 /// Share of its freedom without any rows that a rate must have left to count as free.
 constexpr double kLeastFreedom = 1.0e-8;
 /// The same when s is free too, which adds a share of 1 / kScaleWeight at most.
@@ -144,13 +146,17 @@ NqLimitedVelocityTool::Outcome NqLimitedVelocityTool::solveAgain(double greatest
     if (search == Search::Solved) {
         return m_Bounds.holds().empty() ? Outcome::Unlimited : Outcome::Limited;
     }
-    if (search == Search::Contradiction && m_PathCost > 0.0) {
-        const double weight = kScaleWeight * m_PathCost;
+    for (const double factor : {kScaleWeight, kLowScaleWeight}) {
+        if (search != Search::Contradiction || !(m_PathCost > 0.0)) {
+            break;
+        }
+        const double weight = factor * m_PathCost;
         ScaledResponse scaled(*this, weight);
         restart();
         m_Bounds.forgetResponse();
         search = m_Bounds.solve(scaled, lower, upper, m_Freedom, kLeastScaledFreedom, m_Limited);
         m_Steps += m_Bounds.steps();
+        m_Scale = greatestScale;
         for (const NqBoundActiveSet::Hold& hold : m_Bounds.holds()) {
             m_Scale -= m_Path[hold.unknown] * hold.multiplier / weight;
         }

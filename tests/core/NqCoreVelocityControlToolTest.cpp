@@ -204,11 +204,11 @@ TEST(CoreVelocityControlTool, IsTheTextbookToTheLastBit) {
     NqCoreVelocityControlTool tool;
     for (unsigned round = 0; round < 2000; ++round) {
         SCOPED_TRACE(round);
+        const unsigned kind = round % 8;
         const unsigned n = 1 + static_cast<unsigned>(random() % (round % 10 ? 14 : 40)),
-                       m = static_cast<unsigned>(random() % (n + 1));
+                       m = kind == 7 ? 0 : static_cast<unsigned>(random() % (n + 1));
         Problem problem(random, n, m, round % 3 == 0);
         NqReArray& metric = problem.metric;
-        const unsigned kind = round % 7;
         for (NqReArray* array : {&problem.jacobian, &metric}) {
             for (unsigned i = 0; i < array->rows() && (kind == 1 || kind == 2); ++i) {
                 for (double& entry : (*array)[i]) { // ties, exact cancellation, singular problems
@@ -220,6 +220,13 @@ TEST(CoreVelocityControlTool, IsTheTextbookToTheLastBit) {
             metric.resizeArray(static_cast<unsigned>(random() % (n + 3)) + 1, metric.columns());
         } else if (kind == 4) {
             metric[random() % n][0] = round % 2 ? std::nan("") : std::numeric_limits<double>::infinity();
+        } else if (kind == 7) { // rows of zeros between others, behind interchanges
+            metric = nqRandomArray(random, n, n);
+            for (unsigned j = 0; j < n; ++j) {
+                for (unsigned i = 0; i < n; ++i) {
+                    metric[j][i] = i % 3 == 1 ? 2.0 * metric[j][i - 1] : std::round(3.0 * metric[j][i]);
+                }
+            }
         } else if (kind == 5) {
             metric.setToZeros(n, n);
             metric[n / 2][n - 1] = 1.0;

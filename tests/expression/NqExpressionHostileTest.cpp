@@ -64,7 +64,7 @@ TEST(NqExpressionBounds, HoldForHostileTrees) {
 TEST(NqExpressionBounds, TheDeepestTreeThatReadsNeedsLittleStack) {
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, 1U << 18), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, 1U << 20), 0);
     pthread_t thread{};
     const auto run = [](void*) -> void* {
         goThrough({chain(254), true, "1;", ""});

@@ -132,6 +132,7 @@ void NqControlLoop::resize() {
     std::copy_n(base.begin(), std::min<std::size_t>(base.size(), columns() - m_Joints),
                 m_Weights.begin() + m_Joints);
     m_Metric = m_Weights;
+    m_Here = m_Position;
     m_Gradient.assign(columns(), 0.0);
     m_Rates.resize(columns());
     m_Limits.clear();
@@ -732,7 +733,7 @@ void NqControlLoop::judgeLostDirection() {
 bool NqControlLoop::canComeNearer() {
     const double before = largestError();
     const NqReArray& free = m_ReducedTools[m_Lost].nullSpace();
-    const NqPositionState here = m_Position;
+    m_Here = m_Position;
     bool isNearer = false;
     for (unsigned c = 0; c < free.columns() && !isNearer; ++c) {
         double largest = 0.0;
@@ -741,14 +742,14 @@ bool NqControlLoop::canComeNearer() {
         }
         for (const double step : {kProbe, -kProbe}) {
             for (unsigned j = 0; j < m_Joints && largest > 0.0; ++j) {
-                m_Position.jointPositions()[j] = here.jointPositions()[j] + step / largest * free[j][c];
+                m_Position.jointPositions()[j] = m_Here.jointPositions()[j] + step / largest * free[j][c];
             }
             m_State.setPositionState(m_Position);
             observe();
             isNearer = isNearer || largestError() < before - kProbe * kProbe * kProbe;
         }
     }
-    m_Position = here;
+    m_Position = m_Here;
     m_State.setPositionState(m_Position);
     observe();
     return isNearer;

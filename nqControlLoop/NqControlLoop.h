@@ -251,6 +251,7 @@ private:
     double m_Leaving = 0.0;      ///< share by which the last step left its path
     bool m_IsValid = false;      ///< whether validate() was asked since something changed, and found nothing
     bool m_IsRefused = false;    ///< and found something
+    NqPositionState m_Here;      ///< where canComeNearer() probes from
     bool m_IsProbed = false;     ///< whether canComeNearer() was asked since the arm moved
     bool m_CanComeNearer = true; ///< what it said
     NqSingularityFilter m_Probe; ///< for what is computed on request

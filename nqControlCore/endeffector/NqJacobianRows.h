@@ -13,7 +13,7 @@ namespace NqJacobianRows {
 template <typename RowsOf>
 void setJointColumns(const NqManipulatorLink& link, const NqVector& origin,
                      NqManipulatorActivePositionState& state, unsigned row, NqReArray& jacobian,
-                     RowsOf rowsOf) {
+                     const RowsOf& rowsOf) {
     link.forEachUnitRateMotion(origin, state, [&](unsigned column, const NqGeneralMotion& motion) {
         const auto entries = rowsOf(motion);
         for (unsigned i = 0; i < entries.size(); ++i) {
@@ -27,7 +27,7 @@ void setJointColumns(const NqManipulatorLink& link, const NqVector& origin,
 template <typename RowsOf>
 void subtractJointColumns(const NqManipulatorLink& link, const NqVector& origin,
                           NqManipulatorActivePositionState& state, unsigned row, NqReArray& jacobian,
-                          RowsOf rowsOf) {
+                          const RowsOf& rowsOf) {
     link.forEachUnitRateMotion(origin, state, [&](unsigned column, const NqGeneralMotion& motion) {
         const auto entries = rowsOf(motion);
         for (unsigned i = 0; i < entries.size(); ++i) {
@@ -39,7 +39,8 @@ void subtractJointColumns(const NqManipulatorLink& link, const NqVector& origin,
 /// Sets the six columns of a free base, from `column` on: what its unit translations along the axes of the
 /// system and its unit rotations about them do to a body at `arm` from the base's origin.
 template <typename RowsOf>
-void setBaseColumns(const NqVector& arm, unsigned column, unsigned row, NqReArray& jacobian, RowsOf rowsOf) {
+void setBaseColumns(const NqVector& arm, unsigned column, unsigned row, NqReArray& jacobian,
+                    const RowsOf& rowsOf) {
     for (unsigned axis = 0; axis < 3; ++axis) {
         NqVector unit;
         unit[axis] = 1.0;

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 /// The layer between an end-effector class and its base that gives rows, placement, velocity and acceleration
 /// where the rows are components of the motion of a frame fixed in a link. The column of a joint is
@@ -134,17 +135,23 @@ private:
         std::array<NqVector, 3> axes; ///< of the components, where they are turned
 
         std::array<double, theCount()> operator()(const NqGeneralMotion& motion) const {
-            std::array<double, theCount()> rows;
-            for (unsigned i = 0; i < rows.size(); ++i) {
-                const unsigned component = plan().rows[i];
-                if constexpr (plan().axes == NqMotionPlan::Axes::System) {
-                    rows[i] = motion[component];
-                } else {
-                    rows[i] = component < 3 ? axes[component].dot(motion.linear())
-                                            : axes[component - 3].dot(motion.angular());
-                }
+            return take(motion, std::make_index_sequence<theCount()>());
+        }
+
+    private:
+        /// All at once, the components known to the compiler: this is the innermost loop of a Jacobian.
+        template <std::size_t... Is>
+        std::array<double, theCount()> take(const NqGeneralMotion& motion, std::index_sequence<Is...>) const {
+            return {component<Derived::theMotionPlan.rows[Is]>(motion)...};
+        }
+        template <unsigned Component>
+        double component(const NqGeneralMotion& motion) const {
+            const NqVector& part = Component < 3 ? motion.linear() : motion.angular();
+            if constexpr (plan().axes == NqMotionPlan::Axes::System) {
+                return part[Component % 3];
+            } else {
+                return axes[Component % 3].dot(part);
             }
-            return rows;
         }
     };
 

@@ -14,7 +14,11 @@ void NqSparsityBits::setChain(const NqManipulatorLink* link, unsigned row, unsig
     if (!link) {
         return;
     }
-    link->forEachCarryingJoint([&](unsigned column) { setColumns(column, column + 1, row, count, bits); });
+    link->forEachCarryingJoint([&](unsigned column) {
+        for (unsigned i = row; i < row + count; ++i) {
+            bits[i][column] = true;
+        }
+    });
 }
 
 void NqSparsityBits::setColumns(unsigned first, unsigned end, unsigned row, unsigned count, Bits& bits) {

@@ -72,6 +72,7 @@ TEST(NqExpressionTree, MayBeReplacedByAPartOfItself) {
     minus.setRight(minus);
     EXPECT_EQ(textOf(minus.value()), "4;");
     EXPECT_NE(minus, inner);
+    EXPECT_NE(difference(Constant(), 1.0), difference(Constant(), 2.0));
     NqExpressionContainer expression;
     expression.setTopElement(minus);
     expression.setTopElement(*dynamic_cast<NqExpressionMinus*>(expression.topElement())->right());

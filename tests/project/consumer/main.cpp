@@ -7,7 +7,8 @@
 
 #include <cstdio>
 
-/// Uses each of the libraries: reads a robot, solves for joint rates, writes a constraint and makes a step of the loop.
+/// Uses each of the libraries: reads a robot, solves for joint rates, writes a constraint and makes a step of
+/// the loop.
 int main(int argc, char** argv) {
     NqIndividualManipulator arm;
     if (argc != 2 || !NqUrdfReader::readFile(argv[1], arm)) {

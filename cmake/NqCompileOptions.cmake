@@ -5,6 +5,10 @@ target_compile_options(nqCompileOptions INTERFACE
 if(NQ_WARNINGS_AS_ERRORS)
     target_compile_options(nqCompileOptions INTERFACE -Werror)
 endif()
+if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # Several sources in one: GCC takes the unnamed namespace of each for one of a header.
+    target_compile_options(nqCompileOptions INTERFACE -Wno-subobject-linkage)
+endif()
 # Functions in several versions, of which the program's loader takes the one that suits the processor (see
 # NqRowOperations.h). GCC makes them where the C library has indirect functions; sanitizers don't go with them.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT NQ_SANITIZE)

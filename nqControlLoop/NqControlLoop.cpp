@@ -26,7 +26,7 @@ constexpr double kDependent = 1.0e-9;
 constexpr double kGoingGain = 5.0;
 /// How far the joints are moved to see what that brings, rad or m.
 constexpr double kProbe = 0.05;
-constexpr double kEndless = std::numeric_limits<double>::infinity();
+constexpr double kUnbounded = std::numeric_limits<double>::infinity();
 
 } // namespace
 
@@ -141,8 +141,8 @@ void NqControlLoop::resize() {
     }
     m_Bounds.assign(m_Joints,
                     NqJointBounds(m_Limits.empty() ? NqJointBounds::Limits{} : m_Limits[0], 0.0, 0.0, 1.0));
-    m_Lower.assign(columns(), -kEndless);
-    m_Upper.assign(columns(), kEndless);
+    m_Lower.assign(columns(), -kUnbounded);
+    m_Upper.assign(columns(), kUnbounded);
     m_Sliding.assign(columns(), 0.0);
     m_Wished = m_DampedGradient = m_Sliding;
     m_DampedMetric.setToZeros(columns(), columns());
@@ -180,7 +180,7 @@ NqJointBounds::Limits NqControlLoop::limitsOf(unsigned j) const {
     const double time = m_Settings.accelerationTime();
     const double acceleration = j < given.size() ? given[j]
                                 : time > 0.0     ? joint.rateLimit() / time
-                                                 : kEndless;
+                                                 : kUnbounded;
     return {joint.lowerPositionLimit(), joint.upperPositionLimit(), isHeld ? 0.0 : joint.rateLimit(),
             acceleration, m_Settings.approach()};
 }
@@ -638,7 +638,7 @@ double NqControlLoop::largestError() const {
 /// What there is to say about the step, once it was made.
 void NqControlLoop::judge() {
     m_Status.distance = largestError();
-    m_Status.leastSingularValue = m_Lost > 0 ? m_Singularities.singularValue(0) : kEndless;
+    m_Status.leastSingularValue = m_Lost > 0 ? m_Singularities.singularValue(0) : kUnbounded;
     const double fastest = std::accumulate(m_Rates.begin(), m_Rates.end(), 0.0, [](double most, double rate) {
         return std::max(most, std::abs(rate));
     });

@@ -17,7 +17,7 @@ namespace {
 using Form = NqTargetForm;
 using Type = NqTargetType;
 
-constexpr double kEndless = std::numeric_limits<double>::infinity();
+constexpr double kUnlimited = std::numeric_limits<double>::infinity();
 constexpr double kHalfTurn = std::numbers::pi;
 
 constexpr std::array kForms{
@@ -42,12 +42,13 @@ struct Line {
 /// The one table of all types.
 const std::vector<Line>& lines() {
     using namespace NqControlCore;
-    constexpr auto number = [](std::string_view unit, double least = -kEndless, double greatest = kEndless) {
+    constexpr auto number = [](std::string_view unit, double least = -kUnlimited,
+                               double greatest = kUnlimited) {
         return Type{Form::Number, Type::ByPlacement, 1, 0, unit, least, greatest};
     };
     constexpr auto geometry = [](Form::Content content, Type::Measure measure, unsigned linear,
                                  unsigned angular) {
-        return Type{content, measure, linear, angular, "", -kEndless, kEndless};
+        return Type{content, measure, linear, angular, "", -kUnlimited, kUnlimited};
     };
     constexpr auto whole = Type::ByPlacement;
     constexpr auto part = Type::ByRows;
@@ -82,7 +83,7 @@ const std::vector<Line>& lines() {
 /// For a type without a line: what its base class says or, where that says nothing, its number of rows.
 Type guessed(const NqEndEffector& endEffector) {
     const unsigned rows = endEffector.doc();
-    Type type{Form::Nothing, Type::ByRows, rows, 0, "", -kEndless, kEndless};
+    Type type{Form::Nothing, Type::ByRows, rows, 0, "", -kUnlimited, kUnlimited};
     if (dynamic_cast<const NqPointBasedEndEffector*>(&endEffector)) {
         type.content = Form::Place;
     } else if (dynamic_cast<const NqFrameBasedEndEffector*>(&endEffector) || rows == 6) {

@@ -25,7 +25,7 @@ struct Bounds {
     double extent() const { return std::max({high[0] - low[0], high[1] - low[1], high[2] - low[2], 1.0e-3}); }
 };
 
-double niceStep(double step) {
+double roundedUp(double step) {
     const double power = std::pow(10.0, std::floor(std::log10(step)));
     const double lead = step / power;
     return power * (lead <= 1.0 ? 1.0 : lead <= 2.0 ? 2.0 : lead <= 5.0 ? 5.0 : 10.0);
@@ -124,7 +124,7 @@ private:
         for (const NqVector& point : m_Points) {
             bounds.include(point);
         }
-        m_Cell = niceStep(bounds.extent() / 7.0);
+        m_Cell = roundedUp(bounds.extent() / 7.0);
         for (unsigned i = 0; i < 3; ++i) {
             m_GridLow[i] = m_Cell * std::floor(bounds.low[i] / m_Cell - 0.25);
             m_GridHigh[i] = m_Cell * std::ceil(bounds.high[i] / m_Cell + 0.25);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/NqTestFiles.h"
+
 #include <nqControlCore/foundation/math/NqVector.h>
 
 #include <gtest/gtest.h>
@@ -22,8 +24,9 @@ inline constexpr int kCrossCheckPoses = 20;
 inline std::vector<std::string> nqCrossCheckFiles() {
     std::vector<std::string> result;
     const char* further = std::getenv("NQ_CROSSCHECK_MODELS");
-    for (const char* folder : {NQ_MODELS, NQ_TEST_MODELS, further}) {
-        if (folder) {
+    for (const std::string& folder :
+         {nqModelFile(), nqTestModelFile(), std::string(further ? further : "")}) {
+        if (!folder.empty()) {
             for (const auto& entry : std::filesystem::directory_iterator(folder)) {
                 if (entry.path().extension() == ".urdf") {
                     result.push_back(entry.path().string());

@@ -3,7 +3,6 @@
 namespace {
 
 class NqDriveKinds : public NqDriveFixture {};
-using Outcome = NqDriveRecord::Outcome;
 
 const char* const kBent = "0,0.3,0.2,-1.8,0.2,2,0.8";
 

@@ -2,8 +2,6 @@
 
 namespace {
 
-using Outcome = NqDriveRecord::Outcome;
-
 class NqDrive : public NqDriveFixture {};
 
 TEST_F(NqDrive, SlowsAtRateLimitsAndStaysOnTheStraightWay) {

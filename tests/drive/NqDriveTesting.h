@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/NqTestFiles.h"
+
 #include <NqDriveRun.h>
 
 #include <gtest/gtest.h>
@@ -7,6 +9,8 @@
 #include <cmath>
 #include <fstream>
 #include <stdexcept>
+
+using Outcome = NqDriveRecord::Outcome;
 
 inline std::string writeTemporary(const std::string& name, const std::string& text) {
     const std::string file = testing::TempDir() + name;
@@ -56,12 +60,12 @@ protected:
     /// The same with end-effectors of the models folder.
     void loadModel(const std::string& robot, const std::string& effectors,
                    std::vector<const char*> arguments) {
-        loadFiles(robot, std::string(NQ_MODELS) + "/" + effectors, std::move(arguments));
+        loadFiles(robot, nqModelFile("/" + effectors), std::move(arguments));
     }
 
     void loadFiles(const std::string& robot, const std::string& effectors,
                    std::vector<const char*> arguments) {
-        const std::string model = std::string(NQ_MODELS) + "/" + robot;
+        const std::string model = nqModelFile("/" + robot);
         arguments.insert(arguments.begin(), {"nqDrive", model.c_str(), effectors.c_str()});
         NqDriveOptions options;
         std::string complaint;

@@ -3,6 +3,7 @@
 #include <nqControlCore/endeffector/NqEndEffectorTypes.h>
 #include <nqControlCore/foundation/xml/NqXmlDocument.h>
 
+#include "support/NqTestFiles.h"
 #include "support/NqTestModels.h"
 
 #include <gtest/gtest.h>
@@ -328,7 +329,7 @@ struct NqEndEffectorKind {
     std::function<std::unique_ptr<NqEndEffector>()> makeDefault;
     std::function<void(NqEndEffector&, const NqTestModel& model)> attach;
 
-    std::string goldenFile() const { return NQ_GOLDEN "/" + name + "EndEffector.xml"; }
+    std::string goldenFile() const { return nqGoldenFile("/" + name + "EndEffector.xml"); }
 
     std::unique_ptr<NqEndEffector> make(const NqTestModel& model) const {
         std::unique_ptr<NqEndEffector> endEffector = makeDefault();

@@ -1,4 +1,5 @@
 #include "support/NqPrintCapture.h"
+#include "support/NqTestFiles.h"
 
 #include <nqControlCore/core/NqCoreVelocityControlTool.h>
 #include <nqControlCore/endeffector/NqEndEffectorVector.h>
@@ -31,7 +32,8 @@ void onThreads(Action action) {
 /// Gives the joint positions at the end.
 std::vector<double> driven(const NqIndividualManipulator& arm, unsigned run) {
     NqEndEffectorVector endEffectors;
-    if (!NqXmlDocument::readFile(NQ_MODELS "/arm7.endeffectors.xml", endEffectors) || endEffectors.empty()) {
+    if (!NqXmlDocument::readFile(nqModelFile("/arm7.endeffectors.xml"), endEffectors) ||
+        endEffectors.empty()) {
         return {};
     }
     const NqEndEffector& hand = *endEffectors.begin();
@@ -65,7 +67,7 @@ std::vector<double> driven(const NqIndividualManipulator& arm, unsigned run) {
 
 TEST(NqSharedManipulatorTest, ThreadsThatShareOneDriveAsIfAlone) {
     NqIndividualManipulator arm;
-    ASSERT_TRUE(NqUrdfReader::readFile(NQ_MODELS "/arm7.urdf", arm));
+    ASSERT_TRUE(NqUrdfReader::readFile(nqModelFile("/arm7.urdf"), arm));
     std::vector<std::vector<double>> together(kThreads);
     onThreads([&](unsigned i) { together[i] = driven(arm, i); });
     for (unsigned i = 0; i < kThreads; ++i) {

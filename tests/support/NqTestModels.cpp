@@ -1,5 +1,7 @@
 #include "support/NqTestModels.h"
 
+#include "support/NqTestFiles.h"
+
 #include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
 
 #include <gtest/gtest.h>
@@ -45,8 +47,9 @@ std::shared_ptr<NqIndividualManipulator> bracketArm() {
 
 NqIndividualManipulator nqTestManipulator(const std::string& name) {
     NqIndividualManipulator manipulator;
-    const std::string folder = name == "branched" ? NQ_TEST_MODELS : NQ_MODELS;
-    EXPECT_TRUE(NqUrdfReader::readFile(folder + "/" + name + ".urdf", manipulator));
+    const std::string file = "/" + name + ".urdf";
+    EXPECT_TRUE(
+        NqUrdfReader::readFile(name == "branched" ? nqTestModelFile(file) : nqModelFile(file), manipulator));
     return manipulator;
 }
 

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string>
+
+/// The folder of the project's models, with what names the file in it: "/arm7.urdf".
+std::string nqModelFile(const std::string& name = {});
+/// The same in the folder of models that only tests use.
+std::string nqTestModelFile(const std::string& name = {});
+/// The same in the folder of files whose form has to stay.
+std::string nqGoldenFile(const std::string& name = {});

@@ -20,6 +20,8 @@ NqOwnPeer::NqOwnPeer(const NqBenchmarkCase& benchmarkCase, NullSpace nullSpace)
         m_Still.emplace_back(task.rows);
     }
     m_Previous = m_Filtered = m_Errors = m_Still;
+    insertSparsity();
+    m_JacobianState.setSparsity(m_Sparsity);
 }
 
 void NqOwnPeer::kinematics(unsigned step) {
@@ -89,11 +91,7 @@ void NqOwnPeer::calculateError() {
 }
 
 void NqOwnPeer::solve() {
-    NqJacobianState* jacobianState = nullptr;
-    if (m_NullSpace == NullSpace::Sparse) {
-        m_JacobianState.setSparsity(m_Sparsity);
-        jacobianState = &m_JacobianState;
-    }
-    m_Tool.calcJointRates(jacobianState, m_Jacobian, m_Metric, m_Case.gradient(), m_Alpha, m_Command,
-                          m_Case.joints(), m_Rates, m_NullSpaceRates, m_Determinant);
+    m_Tool.calcJointRates(m_NullSpace == NullSpace::Sparse ? &m_JacobianState : nullptr, m_Jacobian, m_Metric,
+                          m_Case.gradient(), m_Alpha, m_Command, m_Case.joints(), m_Rates, m_NullSpaceRates,
+                          m_Determinant);
 }

@@ -1,6 +1,8 @@
 #include <nqControlCore/core/NqCoreVelocityControlTool.h>
 
+#include <nqControlCore/core/NqSparseSystem.h>
 #include <nqControlCore/foundation/manipulator/NqJacobianState.h>
+#include <nqControlCore/foundation/matrix/NqRowMask.h>
 #include <nqControlCore/foundation/matrix/NqRowOperations.h>
 #include <nqControlCore/foundation/text/NqPrint.h>
 
@@ -49,6 +51,19 @@ void swapColumns(NqReArray& matrix, unsigned first, unsigned second, unsigned ro
     }
 }
 
+/// target[i] += sum over k of factors[k] rows[k][i], in rising k.
+NQ_WIDE_ROWS void addRows(const NqReArray& rows, const double* factors, unsigned count, double* target,
+                          std::size_t length) {
+    for (unsigned k = 0; k < count; k += PanelWidth) {
+        const double* panel[PanelWidth];
+        const unsigned width = std::min(PanelWidth, count - k);
+        for (unsigned i = 0; i < width; ++i) {
+            panel[i] = rows[k + i].data();
+        }
+        NqRowOperations::addMultiples(target, factors + k, panel, width, 0, length);
+    }
+}
+
 /// weighted[j][i] = sum over k of W[j][k] N[k][i], each from 0 in rising k. Entries that W lacks count as
 /// zero.
 void applyMetric(const NqReArray& metric, const NqReArray& nullSpace, unsigned n, NqReArray& weighted) {
@@ -69,14 +84,7 @@ void applyMetric(const NqReArray& metric, const NqReArray& nullSpace, unsigned n
         const std::vector<double>& weights = metric[j];
         const auto count =
             static_cast<unsigned>(std::min<std::size_t>(std::min(n, metricColumns), weights.size()));
-        for (unsigned k = 0; k < count; k += PanelWidth) {
-            const double* rows[PanelWidth];
-            const unsigned width = std::min(PanelWidth, count - k);
-            for (unsigned i = 0; i < width; ++i) {
-                rows[i] = nullSpace[k + i].data();
-            }
-            NqRowOperations::addMultiples(target.data(), &weights[k], rows, width, 0, target.size());
-        }
+        addRows(nullSpace, weights.data(), count, target.data(), target.size());
     }
 }
 
@@ -198,12 +206,36 @@ void substituteBackward(const NqReArray& factors, unsigned n, Number* x) {
     }
 }
 
-/// Solves with the factors, undoes the column interchanges and gives the determinant.
+/// The same as both for factors that are mostly zeros, of at most as many columns as a mask has places. False
+/// where the result has an infinity or a NaN, which zeros would have spread.
+NQ_WIDE_ROWS bool substituteNonZeros(const NqReArray& factors, unsigned n, std::array<double, 2>* x) {
+    NqRowMask::Mask filled[NqRowMask::Places];
+    for (unsigned i = 0; i < n; ++i) {
+        const double* const row = factors[i].data();
+        filled[i] = NqRowMask::filled(row, n);
+        auto sum = load(x[i]);
+        NqRowMask::forEach(filled[i] & (NqRowMask::bit(i) - 1),
+                           [&](unsigned j) { sum -= load(x[j]) * row[j]; });
+        store(x[i], sum);
+    }
+    bool isFinite = true;
+    for (unsigned i = n; i-- > 0;) {
+        const double* const row = factors[i].data();
+        auto sum = load(x[i]);
+        NqRowMask::forEach(filled[i] & ~(NqRowMask::bit(i) - 1) & ~NqRowMask::bit(i),
+                           [&](unsigned j) { sum -= load(x[j]) * row[j]; });
+        if (row[i] != 0.0) {
+            store(x[i], sum / row[i]);
+        }
+        isFinite = isFinite && std::isfinite(x[i][0]) && std::isfinite(x[i][1]);
+    }
+    return isFinite;
+}
+
+/// Undoes the column interchanges of a solution, and gives the determinant.
 template <typename Number>
-double solveInPlace(const NqReArray& factors, const std::vector<unsigned>& indices, Number* x) {
+double finish(const NqReArray& factors, const std::vector<unsigned>& indices, Number* x) {
     const auto n = static_cast<unsigned>(factors.size());
-    substituteForward(factors, n, x);
-    substituteBackward(factors, n, x);
     bool isOdd = false;
     for (unsigned i = n; i-- > 0;) {
         if (indices[i] != i) {
@@ -268,6 +300,7 @@ bool NqCoreVelocityControlTool::calcJointRates(NqJacobianState* jacobianState, c
                                                double& determinant) {
     m_M = jacobian.rows();
     m_N = n;
+    *m_PassOverZeros = false;
     if (m_N < m_M) {
         m_NullDimension = 0;
         jointRates.resize(m_N);
@@ -294,10 +327,7 @@ bool NqCoreVelocityControlTool::calcJointRates(NqJacobianState* jacobianState, c
     }
     std::vector<double>& stacked = *m_StackedRightHandSide;
     stacked.assign(m_N, 0.0);
-    for (unsigned j = 0; j < m_N; ++j) {
-        NqRowOperations::addMultiple(stacked.data() + m_M, gradient[j], m_NullSpace[j].data(),
-                                     m_NullDimension);
-    }
+    addRows(m_NullSpace, gradient.data(), m_N, stacked.data() + m_M, m_NullDimension);
     for (unsigned i = m_M; i < m_N; ++i) {
         stacked[i] = -(stacked[i] * alpha);
     }
@@ -315,6 +345,7 @@ bool NqCoreVelocityControlTool::calcJointRatesAB(NqJacobianState* jacobianState,
                                     "NqCoreVelocityControlTool::calcJointRatesAB(): no Jacobian state\n");
         return false;
     }
+    *m_PassOverZeros = false;
     const NqReArray& jacobian = jacobianState->jacobianArray();
     if (jacobian.size() != 0) {
         m_PrimaryMatrix = jacobianState->factoredJacobianArray();
@@ -364,21 +395,26 @@ bool NqCoreVelocityControlTool::solveTwice(const std::vector<double>& velocity,
     std::vector<double>& stacked = *m_StackedRightHandSide;
     std::vector<double>& nullPart = *m_NullRightHandSide;
     nullPart.resize(m_N);
-    m_Pairs->resize(m_N);
     for (unsigned i = 0; i < m_M; ++i) {
         stacked[i] = velocity[i];
         nullPart[i] = 0.0;
-        store((*m_Pairs)[i], Lanes{velocity[i], 0.0});
     }
     for (unsigned i = m_M; i < m_N; ++i) {
         nullPart[i] = stacked[i];
-        store((*m_Pairs)[i], Lanes{stacked[i], stacked[i]});
     }
     *m_Both = Both::Given;
     calc(m_PrimaryMatrix, m_Indices, stacked, jointRates, determinant);
     calc(m_PrimaryMatrix, m_Indices, nullPart, nullSpaceJointRates, determinant);
     *m_Both = Both::No;
     return true;
+}
+
+/// Puts both right-hand sides side by side.
+void NqCoreVelocityControlTool::pairUp() {
+    m_Pairs->resize(m_N);
+    for (unsigned i = 0; i < m_N; ++i) {
+        (*m_Pairs)[i] = {(*m_StackedRightHandSide)[i], (*m_NullRightHandSide)[i]};
+    }
 }
 
 void NqCoreVelocityControlTool::resize() {
@@ -424,10 +460,23 @@ bool NqCoreVelocityControlTool::prep(NqJacobianState* jacobianState, NqReArray& 
     if (m != 0 && metric.rows() == 0) {
         return false;
     }
+    const bool passOverZeros = m != 0 && jacobianState && jacobianState->useSparseNullSpace();
+    if (passOverZeros && hasShape(primaryMatrix, n, n) && hasShape(nullSpace, n, n - m) &&
+        hasShape(weightedNullSpace, n, n - m)) {
+        if (!*m_SparseSystem) {
+            *m_SparseSystem = std::make_shared<NqSparseSystem>();
+        }
+        *m_PassOverZeros = (*m_SparseSystem)
+                               ->factor(primaryMatrix, indices, m, weightFlag == 1 ? &metric : nullptr,
+                                        nullSpace, weightedNullSpace);
+        if (*m_PassOverZeros) {
+            return true;
+        }
+    }
     if (m == 0) {
         nullSpace.setToIdentity(n, n);
         std::iota(indices.begin(), indices.end(), 0u);
-    } else if (jacobianState && jacobianState->useSparseNullSpace()) {
+    } else if (passOverZeros) {
         primaryMatrix.nullSpaceSparse(nullSpace, m, indices, jacobianState->sparsityIndicesFirst(),
                                       jacobianState->sparsityIndicesSecond());
     } else {
@@ -566,7 +615,13 @@ bool NqCoreVelocityControlTool::calc(const NqReArray& factoredMatrix,
     const bool isOfBoth = isFirst || &rightHandSide == &*m_NullRightHandSide;
     if (isOfBoth && *m_Both != Both::No && &factoredMatrix == &m_PrimaryMatrix && &indices == &m_Indices) {
         if (*m_Both == Both::Given) {
-            *m_Determinant = solveInPlace(factoredMatrix, indices, m_Pairs->data());
+            pairUp();
+            if (!*m_PassOverZeros || !substituteNonZeros(factoredMatrix, n, m_Pairs->data())) {
+                pairUp();
+                substituteForward(factoredMatrix, n, m_Pairs->data());
+                substituteBackward(factoredMatrix, n, m_Pairs->data());
+            }
+            *m_Determinant = finish(factoredMatrix, indices, m_Pairs->data());
             *m_Both = Both::Solved;
         }
         const std::size_t lane = isFirst ? 0 : 1;
@@ -577,6 +632,8 @@ bool NqCoreVelocityControlTool::calc(const NqReArray& factoredMatrix,
         return true;
     }
     std::copy_n(rightHandSide.begin(), n, solution.begin());
-    determinant = solveInPlace(factoredMatrix, indices, solution.data());
+    substituteForward(factoredMatrix, n, solution.data());
+    substituteBackward(factoredMatrix, n, solution.data());
+    determinant = finish(factoredMatrix, indices, solution.data());
     return true;
 }

@@ -4,9 +4,11 @@
 #include <nqControlCore/foundation/matrix/NqReArray.h>
 
 #include <array>
+#include <memory>
 #include <vector>
 
 class NqJacobianState;
+class NqSparseSystem;
 namespace NqRowOperations {
 struct Panel;
 }
@@ -123,6 +125,7 @@ private:
 
     bool solveTwice(const std::vector<double>& velocity, std::vector<double>& jointRates,
                     std::vector<double>& nullSpaceJointRates, double& determinant);
+    void pairUp();
     template <typename Fill>
     void completeFactoring(NqReArray& matrix, std::vector<unsigned int>& indices, unsigned m, unsigned n,
                            Ties ties, const Fill& fill);
@@ -141,6 +144,8 @@ private:
     unsigned int m_M = 0;
     unsigned int m_NullDimension = 0;
 
+    NqUncopied<std::shared_ptr<NqSparseSystem>> m_SparseSystem; ///< once it is wanted
+    NqUncopied<bool> m_PassOverZeros;                           ///< in this step
     NqUncopied<std::vector<double>> m_StackedRightHandSide;
     NqUncopied<std::vector<double>> m_NullRightHandSide;    ///< the same with v = 0
     NqUncopied<std::vector<std::array<double, 2>>> m_Pairs; ///< these two side by side, then both solutions

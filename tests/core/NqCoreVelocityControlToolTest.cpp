@@ -455,6 +455,110 @@ TEST(CoreVelocityControlTool, PassesOverKnownZerosOnlyWhereTheStateSaysSo) {
     EXPECT_EQ(remaining(false, true), 0u);
 }
 
+/// Equal but for the sign of zeros; any NaN equals any other.
+bool sameValues(const Numbers& a, const Numbers& b) {
+    return std::ranges::equal(a, b,
+                              [](double x, double y) { return x == y || (std::isnan(x) && std::isnan(y)); });
+}
+
+bool sameValues(const NqReArray& a, const NqReArray& b) {
+    bool same = a.rows() == b.rows();
+    for (unsigned i = 0; same && i < a.rows(); ++i) {
+        same = sameValues(a[i], b[i]);
+    }
+    return same;
+}
+
+/// Limbs, each with constraints of its own, and joints that none moves.
+Problem limbs(NqRandom& random, unsigned count, unsigned joints, unsigned constraints, unsigned others) {
+    Problem problem(random, count * joints + others, count * constraints, true);
+    for (unsigned i = 0; i < problem.m; ++i) {
+        for (unsigned j = 0; j < problem.n; ++j) {
+            double& entry = problem.jacobian[i][j];
+            entry = j / joints == i / constraints ? entry : 0.0;
+        }
+    }
+    return problem;
+}
+
+TEST(CoreVelocityControlTool, ZerosOfLimbsChangeNothing) {
+    NqRandom random(30);
+    const double infinity = std::numeric_limits<double>::infinity();
+    NqCoreVelocityControlTool plainTool, sparseTool;
+    unsigned taken = 0;
+    const auto check = [&](const Problem& problem, const std::string& what) {
+        SCOPED_TRACE(what + ", " + std::to_string(problem.n) + " joints");
+        NqJacobianState state;
+        state.setUseSparseNullSpace(true);
+        NqPrintCapture plainPrints;
+        const Outcome plain = problem.solve(plainTool);
+        NqPrintCapture sparsePrints;
+        const Outcome sparse = problem.solve(sparseTool, &state);
+        EXPECT_EQ(sparse.success, plain.success);
+        EXPECT_TRUE(sameValues(sparse.rates, plain.rates) && sameValues(sparse.nullRates, plain.nullRates) &&
+                    sameValues({sparse.determinant}, {plain.determinant}));
+        EXPECT_TRUE(sameValues(sparseTool.primaryMatrix(), plainTool.primaryMatrix()) &&
+                    sameValues(sparseTool.nullSpace(), plainTool.nullSpace()) &&
+                    sameValues(sparseTool.weightedNullSpace(), plainTool.weightedNullSpace()));
+        EXPECT_EQ(sparseTool.indices(), plainTool.indices());
+        EXPECT_EQ(sparsePrints.text(), plainPrints.text());
+        taken += nqNegativeZeros(plainTool.nullSpace()) > nqNegativeZeros(sparseTool.nullSpace()) ? 1u : 0u;
+    };
+    for (unsigned round = 0; round < 8; ++round) {
+        const Problem good = limbs(random, 3 + round % 4, 5 + round % 3, 3 + round % 3, round);
+        check(good, "plain");
+        EXPECT_EQ(taken, round + 1) << "zeros were not passed over";
+        sparseTool.setWeightFlag(false), plainTool.setWeightFlag(false);
+        check(good, "without weights");
+        sparseTool.setWeightFlag(true), plainTool.setWeightFlag(true);
+        taken = round + 1;
+
+        const auto changed = [&](const char* what, const auto& change) {
+            Problem problem = good;
+            change(problem);
+            const unsigned before = taken;
+            check(problem, what);
+            taken = before;
+        };
+        const unsigned last = good.m - 1;
+        changed("full metric", [&](Problem& p) { p.metric = Problem(random, p.n, 1).metric; });
+        changed("banded metric", [&](Problem& p) {
+            const NqReArray diagonal = p.metric;
+            p.metric.setToIdentity(p.n, p.n);
+            for (unsigned j = 0; j + 1 < p.n; ++j) {
+                p.metric[j][j] = diagonal[j][0];
+                p.metric[j + 1][j] = 0.3;
+            }
+        });
+        changed("small metric", [](Problem& p) { p.metric.resizeArray(p.n - 2, 1); });
+        changed("joint without weight", [](Problem& p) { p.metric[p.n - 1][0] = 0.0; });
+        changed("doubled row", [&](Problem& p) { p.jacobian[last] = p.jacobian[last - 1]; });
+        changed("row of zeros", [&](Problem& p) { p.jacobian[1].assign(p.n, 0.0); });
+        changed("signs of zeros", [&](Problem& p) {
+            for (double& entry : p.jacobian[last]) {
+                entry = entry == 0.0 ? -0.0 : entry;
+            }
+        });
+        changed("equal pivots", [&](Problem& p) {
+            for (unsigned i = 0; i < p.m; ++i) {
+                std::ranges::transform(p.jacobian[i], p.jacobian[i].begin(), [](double entry) {
+                    return entry == 0.0 ? 0.0 : std::copysign(1.0, entry);
+                });
+            }
+        });
+        for (const double value : {infinity, -infinity, std::nan(""), 1.0e-310, 1.0e200, 1.0e308}) {
+            changed("odd value", [&](Problem& p) { p.jacobian[round % p.m][0] = value; });
+            changed("odd limb", [&](Problem& p) {
+                std::ranges::transform(p.jacobian[last], p.jacobian[last].begin(),
+                                       [value](double entry) { return entry == 0.0 ? 0.0 : entry * value; });
+            });
+            changed("odd weight", [&](Problem& p) { p.metric[round % p.n][0] = value; });
+            changed("odd velocity", [&](Problem& p) { p.velocity[round % p.m] = value; });
+            changed("odd gradient", [&](Problem& p) { p.gradient[round % p.n] = value; });
+        }
+    }
+}
+
 TEST(CoreVelocityControlTool, CopiesCarryTheResultButNoScratch) {
     NqRandom random(3);
     const Problem large(random, 40, 2), small(random, 3, 2);

@@ -1,0 +1,316 @@
+#include <nqControlCore/core/NqSparseSystem.h>
+
+#include <nqControlCore/foundation/matrix/NqReArray.h>
+#include <nqControlCore/foundation/matrix/NqRowOperations.h>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstring>
+#include <numeric>
+#include <utility>
+
+namespace {
+
+using NqRowMask::bit;
+using NqRowMask::Mask;
+
+/// What has fewer columns is solved before its zeros are found.
+constexpr unsigned kLeastColumns = 12;
+/// What an element costs here, in that of the dense way.
+constexpr unsigned kCost = 4;
+/// A full metric with more weights than so many for each joint leaves too few zeros.
+constexpr unsigned kWeights = 4;
+
+typedef double Group __attribute__((vector_size(4 * sizeof(double))));
+
+/// For rows that are too short for a call of memset.
+inline void setToZeros(double* row, unsigned n) {
+    const Group zeros = {};
+    unsigned j = 0;
+    for (; j + 4 <= n; j += 4) {
+        std::memcpy(row + j, &zeros, sizeof zeros);
+    }
+    for (; j < n; ++j) {
+        row[j] = 0.0;
+    }
+}
+
+/// to[j] += factor from[j] where `filled` says so, by groups of columns of which any is filled.
+inline void addMultiple(double* to, double factor, const double* from, Mask filled, unsigned n) {
+    constexpr Mask kGroupStarts = 0x1111111111111111;
+    const unsigned whole = n / 4 * 4;
+    Mask groups = whole == 0 ? 0 : filled & ~Mask{0} >> (NqRowMask::Places - whole);
+    groups |= groups >> 1;
+    groups = (groups | groups >> 2) & kGroupStarts;
+    NqRowMask::forEach(groups, [&](unsigned j) {
+        Group x, y;
+        std::memcpy(&x, from + j, sizeof x);
+        std::memcpy(&y, to + j, sizeof y);
+        y += factor * x;
+        std::memcpy(to + j, &y, sizeof y);
+    });
+    for (unsigned j = whole; j < n; ++j) {
+        to[j] += factor * from[j];
+    }
+}
+
+} // namespace
+
+bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indices, unsigned m,
+                            const NqReArray* metric, NqReArray& nullSpace, NqReArray& weightedNullSpace) {
+    if (m_N != matrix.columns() || m_M != m) {
+        m_N = matrix.columns();
+        m_M = m;
+        m_JacobianFilled.fill(0);
+        m_IsWorthIt = false;
+    }
+    if (m_N < kLeastColumns || m_N > NqRowMask::Places || !findZeros(matrix) || !findWeights(metric)) {
+        return false;
+    }
+    for (unsigned r = 0; r < m_N; ++r) {
+        m_Rows[r] = matrix[r].data();
+    }
+    m_Multipliers.resize(m_N * m_N / 2);
+    m_NextMultiplier = m_Multipliers.data();
+    m_Settled = 0;
+    std::iota(m_Order.begin(), m_Order.begin() + m_N, 0u);
+    m_Place = m_Order;
+    bool isRegular = factorRows(0, m_M) && findBasis(nullSpace);
+    if (isRegular) {
+        weightBasis(nullSpace, weightedNullSpace);
+        isRegular = factorRows(m_M, m_N);
+    }
+    if (!isRegular) {
+        restoreJacobian();
+        return false;
+    }
+    permuteRows();
+    std::copy_n(m_Indices.begin(), m_N, indices.begin());
+    return true;
+}
+
+/// Finds the zeros of J, and keeps the rest of it. False where there are too few of them.
+NQ_WIDE_ROWS bool NqSparseSystem::findZeros(const NqReArray& matrix) {
+    bool isKnown = true;
+    unsigned count = 0;
+    for (unsigned r = 0; r < m_M; ++r) {
+        m_Filled[r] = NqRowMask::filled(matrix[r].data(), m_N);
+        isKnown = isKnown && m_Filled[r] == m_JacobianFilled[r];
+        count += static_cast<unsigned>(std::popcount(m_Filled[r]));
+    }
+    if (!isKnown) {
+        std::copy_n(m_Filled.begin(), m_M, m_JacobianFilled.begin());
+        m_IsWorthIt = fillsFew();
+    }
+    if (!m_IsWorthIt) {
+        return false;
+    }
+    m_Jacobian.resize(count);
+    double* saved = m_Jacobian.data();
+    for (unsigned r = 0; r < m_M; ++r) {
+        NqRowMask::forEach(m_Filled[r], [&](unsigned column) { *saved++ = matrix[r][column]; });
+    }
+    return true;
+}
+
+/// Whether the rows of J stay short when each takes in all columns of those before that it has one in common
+/// with, as those of one limb do.
+bool NqSparseSystem::fillsFew() const {
+    ForEachRow<Mask> reach;
+    unsigned work = 0;
+    for (unsigned r = 0; r < m_M; ++r) {
+        reach[r] = m_Filled[r];
+        for (unsigned k = r; k-- > 0;) {
+            reach[r] |= (reach[k] & reach[r]) != 0 ? reach[k] : 0;
+        }
+        const auto length = static_cast<unsigned>(std::popcount(reach[r]));
+        work += length * length;
+    }
+    return work * kCost <= m_M * m_N * m_N;
+}
+
+void NqSparseSystem::restoreJacobian() {
+    const double* saved = m_Jacobian.data();
+    for (unsigned r = 0; r < m_M; ++r) {
+        setToZeros(m_Rows[r], m_N);
+        NqRowMask::forEach(m_JacobianFilled[r], [&](unsigned column) { m_Rows[r][column] = *saved++; });
+    }
+}
+
+/// The steps that columns were settled in.
+inline NqSparseSystem::Mask NqSparseSystem::stepsOf(Mask columns) const {
+    Mask steps = 0;
+    NqRowMask::forEach(columns & m_Settled, [&](unsigned column) { steps |= bit(m_Place[column]); });
+    return steps;
+}
+
+NQ_WIDE_ROWS bool NqSparseSystem::factorRows(unsigned begin, unsigned end) {
+    for (unsigned row = begin; row < end; ++row) {
+        if (!eliminate(row) || !settle(row)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Eliminates what a row has in settled columns. False when a multiplier isn't finite.
+inline bool NqSparseSystem::eliminate(unsigned row) {
+    double* const values = m_Rows[row];
+    Mask filled = m_Filled[row];
+    Mask steps = stepsOf(filled);
+    Mask done = 0;
+    while (steps != 0) {
+        const auto k = static_cast<unsigned>(std::countr_zero(steps));
+        const double multiplier = values[m_Order[k]] * m_Reciprocal[k];
+        if (!std::isfinite(multiplier)) {
+            return false;
+        }
+        *m_NextMultiplier++ = multiplier;
+        done |= bit(k);
+        steps = (steps & (steps - 1)) | stepsOf(m_Filled[k] & ~filled);
+        filled |= m_Filled[k];
+        addMultiple(values, -multiplier, m_Rows[k], m_Filled[k], m_N);
+    }
+    NqRowMask::forEach(filled & m_Settled, [&](unsigned column) { values[column] = 0.0; });
+    m_Eliminated[row] = done;
+    m_Filled[row] = filled & ~m_Settled;
+    return true;
+}
+
+/// Settles the column of a row's largest element, of equal ones of that at the first place. False when all
+/// are zero, one isn't finite, or the reciprocal of the pivot isn't.
+inline bool NqSparseSystem::settle(unsigned row) {
+    double* const values = m_Rows[row];
+    double largest = 0.0;
+    unsigned place = m_N;
+    bool isFinite = true;
+    NqRowMask::forEach(m_Filled[row], [&](unsigned column) {
+        const double magnitude = std::abs(values[column]);
+        isFinite = isFinite && std::isfinite(magnitude);
+        if (magnitude > largest || (magnitude == largest && m_Place[column] < place)) {
+            largest = magnitude;
+            place = m_Place[column];
+        }
+    });
+    if (!isFinite || largest == 0.0) {
+        return false;
+    }
+    const unsigned column = m_Order[place];
+    m_Indices[row] = place;
+    std::swap(m_Order[row], m_Order[place]);
+    m_Place[m_Order[place]] = place;
+    m_Place[column] = row;
+    m_Settled |= bit(column);
+    m_Pivot[row] = std::exchange(values[column], 0.0);
+    m_Filled[row] &= ~bit(column);
+    m_Reciprocal[row] = 1.0 / m_Pivot[row];
+    return std::isfinite(m_Reciprocal[row]);
+}
+
+/// With U = [U11 U12] the rows -U11^-1 U12 for the columns of U11, and a one for each other. False when an
+/// element isn't finite.
+NQ_WIDE_ROWS bool NqSparseSystem::findBasis(NqReArray& nullSpace) {
+    const unsigned dimension = m_N - m_M;
+    for (unsigned place = m_M; place < m_N; ++place) {
+        double* const basis = nullSpace[m_Order[place]].data();
+        setToZeros(basis, dimension);
+        basis[place - m_M] = 1.0;
+        m_BasisFilled[m_Order[place]] = bit(place - m_M);
+    }
+    for (unsigned k = m_M; k-- > 0;) {
+        const double* const u = m_Rows[k];
+        double* const basis = nullSpace[m_Order[k]].data();
+        setToZeros(basis, dimension);
+        Mask filled = 0;
+        NqRowMask::forEach(m_Filled[k] & ~m_Settled, [&](unsigned column) {
+            basis[m_Place[column] - m_M] = -u[column];
+            filled |= bit(m_Place[column] - m_M);
+        });
+        NqRowMask::forEach(stepsOf(m_Filled[k]), [&](unsigned step) {
+            const unsigned known = m_Order[step];
+            addMultiple(basis, -u[known], nullSpace[known].data(), m_BasisFilled[known], dimension);
+            filled |= m_BasisFilled[known];
+        });
+        bool isFinite = true;
+        NqRowMask::forEach(filled, [&](unsigned i) {
+            basis[i] *= m_Reciprocal[k];
+            isFinite = isFinite && std::isfinite(basis[i]);
+        });
+        m_BasisFilled[m_Order[k]] = filled;
+        if (!isFinite) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Finds the weights of each joint, one or those of a row. False when they are many, or one isn't finite.
+NQ_WIDE_ROWS bool NqSparseSystem::findWeights(const NqReArray* metric) {
+    const unsigned columns = metric ? metric->columns() : 1;
+    const unsigned rows = metric ? std::min(m_N, metric->rows()) : m_N;
+    unsigned count = 0;
+    bool isFinite = true;
+    for (unsigned j = 0; j < m_N; ++j) {
+        const std::size_t length = j < rows && metric ? (*metric)[j].size() : 0;
+        m_Weights[j] = length > 0 ? (*metric)[j].data() : nullptr;
+        m_WeightsFilled[j] = !metric ? bit(j) : 0;
+        if (length > 0 && columns == 1) {
+            m_WeightsFilled[j] = bit(j);
+            isFinite = isFinite && std::isfinite(m_Weights[j][0]);
+        } else if (length > 0) {
+            const auto end = static_cast<unsigned>(std::min<std::size_t>(std::min(m_N, columns), length));
+            m_WeightsFilled[j] = NqRowMask::filled(m_Weights[j], end);
+            NqRowMask::forEach(m_WeightsFilled[j],
+                               [&](unsigned k) { isFinite = isFinite && std::isfinite(m_Weights[j][k]); });
+        }
+        count += static_cast<unsigned>(std::popcount(m_WeightsFilled[j]));
+    }
+    m_IsDiagonal = columns == 1;
+    return isFinite && count <= kWeights * m_N;
+}
+
+/// W N, whose columns are the rows below J.
+NQ_WIDE_ROWS void NqSparseSystem::weightBasis(const NqReArray& nullSpace, NqReArray& weightedNullSpace) {
+    for (unsigned r = m_M; r < m_N; ++r) {
+        setToZeros(m_Rows[r], m_N);
+        m_Filled[r] = 0;
+    }
+    const unsigned dimension = m_N - m_M;
+    for (unsigned j = 0; j < m_N; ++j) {
+        double* const weighted = weightedNullSpace[j].data();
+        Mask filled = 0;
+        if (m_IsDiagonal) {
+            const double weight = m_Weights[j] ? m_Weights[j][0] : m_WeightsFilled[j] != 0 ? 1.0 : 0.0;
+            const double* const basis = nullSpace[j].data();
+            for (unsigned i = 0; i < dimension; ++i) {
+                weighted[i] = basis[i] * weight;
+            }
+            filled = m_BasisFilled[j];
+        } else {
+            setToZeros(weighted, dimension);
+            NqRowMask::forEach(m_WeightsFilled[j], [&](unsigned k) {
+                addMultiple(weighted, m_Weights[j][k], nullSpace[k].data(), m_BasisFilled[k], dimension);
+                filled |= m_BasisFilled[k];
+            });
+        }
+        NqRowMask::forEach(filled, [&](unsigned i) {
+            m_Rows[m_M + i][j] = weighted[i];
+            m_Filled[m_M + i] |= bit(j);
+        });
+    }
+}
+
+/// Puts the rows into the order of the factors.
+NQ_WIDE_ROWS void NqSparseSystem::permuteRows() {
+    const double* multiplier = m_Multipliers.data();
+    for (unsigned r = 0; r < m_N; ++r) {
+        double* const row = m_Rows[r];
+        double values[NqRowMask::Places];
+        NqRowMask::forEach(m_Filled[r],
+                           [&](unsigned column) { values[column] = std::exchange(row[column], 0.0); });
+        NqRowMask::forEach(m_Filled[r], [&](unsigned column) { row[m_Place[column]] = values[column]; });
+        NqRowMask::forEach(m_Eliminated[r], [&](unsigned k) { row[k] = *multiplier++; });
+        row[r] = m_Pivot[r];
+    }
+}

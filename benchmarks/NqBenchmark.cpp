@@ -8,6 +8,7 @@
 #include "NqPeers.h"
 #include "NqStages.h"
 #include "NqStepTimes.h"
+#include "NqTypeStages.h"
 
 #include <benchmark/benchmark.h>
 
@@ -44,7 +45,9 @@ int NqBenchmark::execute(char* program) {
         return 0;
     }
     std::printf("%s\n", NqBenchmarkMachine::text().c_str());
-    addWork();
+    if (!addWork()) {
+        return 1;
+    }
     m_Run.execute(program, m_Options.isQuick ? 5 : 21, m_Options.isQuick ? 0.002 : 0.01);
     std::fputs(m_Run.table().text().c_str(), stdout);
     const std::string stepTimes = m_Options.stepTimes ? measureStepTimes() : std::string();
@@ -103,7 +106,7 @@ bool NqBenchmark::check() {
                        [](NqSolverContest& contest) { return contest.check(); });
 }
 
-void NqBenchmark::addWork() {
+bool NqBenchmark::addWork() {
     for (const Contest& contest : m_Contests) {
         addContest(contest);
     }
@@ -123,6 +126,12 @@ void NqBenchmark::addWork() {
         NqStages::addExpressions(m_Run);
         NqStages::addXml(m_Run);
     }
+    if (m_Options.types) {
+        using namespace NqBenchmarkCases;
+        return NqTypeStages::add(arm(m_Options.models), "link7", "link4", m_Run) &&
+               NqTypeStages::add(humanoid(m_Options.models), "left_hand", "chest", m_Run);
+    }
+    return true;
 }
 
 void NqBenchmark::addContest(const Contest& contest) {

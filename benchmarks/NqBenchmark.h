@@ -27,7 +27,7 @@ private:
     bool enter(std::unique_ptr<NqBenchmarkCase> benchmarkCase, bool hasStages = true);
     bool makeContests();
     bool check();
-    void addWork();
+    bool addWork();
     void addContest(const Contest& contest);
     std::string measureStepTimes();
     bool writeJson(const std::string& stepTimes) const;

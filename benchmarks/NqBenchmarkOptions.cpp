@@ -15,6 +15,7 @@ Parts; all of them if none is named:
   --chains          a frame on chains of 7 to 200 joints (d)
   --solver          the solver alone, on random Jacobians
   --stages          each stage of our control step alone, motion filters, XML
+  --types           stages of one constraint of each type, on the arm and on the humanoid
   --times           how long single steps of ours take
   --model FILE --links A,B,...
                     frames on these links of another robot, given as URDF
@@ -42,8 +43,9 @@ std::vector<std::string> split(const std::string& text) {
 bool NqBenchmarkOptions::parse(int argc, const char* const* argv, NqBenchmarkOptions& options) {
     using Options = NqBenchmarkOptions;
     static const std::map<std::string, bool Options::*> parts = {
-        {"--arm", &Options::arm},       {"--humanoid", &Options::humanoid}, {"--chains", &Options::chains},
-        {"--solver", &Options::solver}, {"--stages", &Options::stages},     {"--times", &Options::stepTimes}};
+        {"--arm", &Options::arm},        {"--humanoid", &Options::humanoid}, {"--chains", &Options::chains},
+        {"--solver", &Options::solver},  {"--stages", &Options::stages},     {"--types", &Options::types},
+        {"--times", &Options::stepTimes}};
     static const std::map<std::string, bool Options::*> switches = {{"--quick", &Options::isQuick},
                                                                     {"--check", &Options::checksOnly}};
     static const std::map<std::string, std::string Options::*> texts = {{"--models", &Options::models},

@@ -9,6 +9,7 @@ struct NqBenchmarkOptions {
     bool humanoid = true; ///< case (c)
     bool chains = true;   ///< case (d)
     bool stages = true;
+    bool types = true;
     bool solver = true;
     bool stepTimes = true;
     bool isQuick = false;

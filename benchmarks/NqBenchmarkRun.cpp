@@ -39,8 +39,8 @@ private:
 } // namespace
 
 void NqBenchmarkRun::add(const std::string& task, const std::string& subject, unsigned steps,
-                         std::function<void(unsigned)> work) {
-    m_Table.add(task, subject);
+                         std::function<void(unsigned)> work, const std::string& stage) {
+    m_Table.add(task, subject, stage);
     m_Entries.push_back({steps, std::move(work)});
 }
 

@@ -11,9 +11,10 @@
 /// out what other processes take, and how the harness itself was compiled.
 class NqBenchmarkRun {
 public:
-    /// `steps` repetitions of `work` are timed together; entries are per one of these.
+    /// `steps` repetitions of `work` are timed together; entries are per one of these. It may be a stage of
+    /// what the subject does.
     void add(const std::string& task, const std::string& subject, unsigned steps,
-             std::function<void(unsigned steps)> work);
+             std::function<void(unsigned steps)> work, const std::string& stage = {});
 
     /// As often as `repetitions` says, each `seconds` long at least. `program` is the name in argv.
     void execute(char* program, int repetitions, double seconds);

@@ -78,10 +78,10 @@ public:
         return result;
     }
 
-    /// Columns, by our joint index, of the Jacobian of a point given in a link's frame, in the base frame or
-    /// in axes that are turned against it, as KDL has them.
+    /// Columns, by our joint index, of the Jacobian of a point given in a link's frame, in axes that are
+    /// turned against the base frame, as KDL has them.
     std::vector<NqGeneralMotion> jacobian(const std::string& label, const NqVector& point,
-                                          const KDL::Rotation& axes = KDL::Rotation::Identity()) const {
+                                          const KDL::Rotation& axes) const {
         KDL::Jacobian columns(m_Tree.getNrOfJoints());
         KDL::TreeJntToJacSolver(m_Tree).JntToJac(m_Positions, columns, label);
         columns.changeRefPoint(frame(label).M * KDL::Vector(point[0], point[1], point[2]));
@@ -148,43 +148,25 @@ TEST_P(KdlKinematics, FramesOfAllLinks) {
     });
 }
 
-TEST_P(KdlKinematics, JacobiansOnEachLink) {
-    const NqVector offset(0.1, -0.2, 0.3);
-    NqPointEndEffector point;
-    point.setPoint(offset);
-    NqFrameEndEffector frame;
-    frame.setFrame({offset, NqOrientation(0.7, {0.3, -0.4, 0.5})});
-    NqOrientationEndEffector orientation;
-    expectAgreement("Jacobians", [&](const std::string& label) {
-        const std::vector<NqGeneralMotion> reference = m_Model.jacobian(label, offset);
-        const NqReArray ofPoint = rowsOf(point, label);
-        const NqReArray ofFrame = rowsOf(frame, label);
-        const NqReArray ofOrientation = rowsOf(orientation, label);
-        double largest = 0.0;
-        for (unsigned j = 0; j < reference.size(); ++j) {
-            for (unsigned i = 0; i < 6; ++i) {
-                const double scale = std::max(1.0, reference[j].linear().mag());
-                const double expected = reference[j][i];
-                const double partial = i < 3 ? ofPoint[i][j] : ofOrientation[i - 3][j];
-                largest = std::max({largest, std::fabs(ofFrame[i][j] - expected) / scale,
-                                    std::fabs(partial - expected) / scale});
-            }
-        }
-        return largest;
-    });
-}
-
-/// A constraint on some components of the motion of a point, in axes of its own.
-struct NqPartialRows {
+/// A constraint on some components of the motion of a point, in the axes of the system, in others that are
+/// turned against these, or in those of the frame.
+struct NqRowsCase {
+    enum Axes { System, Turned, Frame };
     NqEndEffector& endEffector;
     std::vector<unsigned> components;
     NqVector point;
+    Axes axes;
 };
 
-TEST_P(KdlKinematics, PartialJacobiansOnEachLink) {
-    const NqCoordinateSystemTransformation offset(NqVector(0.1, -0.2, 0.3),
-                                                  NqOrientation(0.7, {0.3, -0.4, 0.5}));
-    const NqVector& origin = offset.translation();
+TEST_P(KdlKinematics, JacobiansOnEachLink) {
+    using enum NqRowsCase::Axes;
+    const NqVector origin(0.1, -0.2, 0.3);
+    const NqOrientation orientation(0.7, {0.3, -0.4, 0.5});
+    NqPointEndEffector point;
+    NqOrientationEndEffector turn;
+    NqXEndEffector x;
+    NqXyEndEffector xy;
+    NqFrameEndEffector frame;
     NqPlanarEndEffector planar;
     NqSlidingEndEffector sliding;
     NqSlideXSpinZEndEffector slideSpin;
@@ -192,41 +174,42 @@ TEST_P(KdlKinematics, PartialJacobiansOnEachLink) {
     NqRCMEndEffector rcm;
     NqLookAtEndEffector lookAt;
     for (NqFrameBasedEndEffector* each : std::initializer_list<NqFrameBasedEndEffector*>{
-             &planar, &sliding, &slideSpin, &freeSpin, &rcm, &lookAt}) {
-        each->setFrame(offset);
+             &frame, &planar, &sliding, &slideSpin, &freeSpin, &rcm, &lookAt}) {
+        each->setFrame({origin, orientation});
     }
-    NqXEndEffector x;
-    NqXyEndEffector xy;
+    point.setPoint(origin);
     x.setPoint(origin);
-    x.setXOrientation(offset.orientation());
+    x.setXOrientation(orientation);
     xy.setPoint(origin);
-    xy.setXyOrientation(offset.orientation());
-
-    const std::vector<NqPartialRows> inFrame{
-        {planar, {2, 3, 4}, origin},
-        {sliding, {1, 2, 3, 4, 5}, origin},
-        {slideSpin, {1, 2, 3, 4}, origin},
-        {freeSpin, {0, 1, 2, 3, 4}, origin},
-        {rcm, {1, 2}, origin},
-        {lookAt, {1, 2}, offset * NqVector(lookAt.focusDistance(), 0.0, 0.0)}};
-    const std::vector<NqPartialRows> inSystem{{x, {0}, origin}, {xy, {0, 1}, origin}};
-    expectAgreement("partial Jacobians", [&](const std::string& label) {
+    xy.setXyOrientation(orientation);
+    const NqVector focus = origin + orientation * NqVector(lookAt.focusDistance(), 0.0, 0.0);
+    const std::vector<NqRowsCase> cases{{point, {0, 1, 2}, origin, System},
+                                        {frame, {0, 1, 2, 3, 4, 5}, origin, System},
+                                        {turn, {3, 4, 5}, origin, System},
+                                        {x, {0}, origin, Turned},
+                                        {xy, {0, 1}, origin, Turned},
+                                        {planar, {2, 3, 4}, origin, Frame},
+                                        {sliding, {1, 2, 3, 4, 5}, origin, Frame},
+                                        {slideSpin, {1, 2, 3, 4}, origin, Frame},
+                                        {freeSpin, {0, 1, 2, 3, 4}, origin, Frame},
+                                        {rcm, {1, 2}, origin, Frame},
+                                        {lookAt, {1, 2}, focus, Frame}};
+    expectAgreement("Jacobians", [&](const std::string& label) {
+        const KDL::Rotation turned = rotation(orientation);
+        const KDL::Rotation axes[] = {KDL::Rotation::Identity(), turned, m_Model.frame(label).M * turned};
         double largest = 0.0;
-        const auto compare = [&](const std::vector<NqPartialRows>& cases, const KDL::Rotation& axes) {
-            for (const auto& [endEffector, components, point] : cases) {
-                const std::vector<NqGeneralMotion> reference = m_Model.jacobian(label, point, axes);
-                const NqReArray rows = rowsOf(endEffector, label);
-                for (unsigned j = 0; j < reference.size(); ++j) {
-                    const double scale = std::max(1.0, reference[j].linear().mag());
-                    for (unsigned i = 0; i < components.size(); ++i) {
-                        largest =
-                            std::max(largest, std::fabs(rows[i][j] - reference[j][components[i]]) / scale);
-                    }
+        for (const NqRowsCase& each : cases) {
+            const std::vector<NqGeneralMotion> reference =
+                m_Model.jacobian(label, each.point, axes[each.axes]);
+            const NqReArray rows = rowsOf(each.endEffector, label);
+            for (unsigned j = 0; j < reference.size(); ++j) {
+                const double scale = std::max(1.0, reference[j].linear().mag());
+                for (unsigned i = 0; i < each.components.size(); ++i) {
+                    const double expected = reference[j][each.components[i]];
+                    largest = std::max(largest, std::fabs(rows[i][j] - expected) / scale);
                 }
             }
-        };
-        compare(inFrame, m_Model.frame(label).M * rotation(offset.orientation()));
-        compare(inSystem, rotation(offset.orientation()));
+        }
         return largest;
     });
 }

@@ -1,10 +1,7 @@
-#include "support/NqPrintCapture.h"
-#include "support/NqTestModels.h"
+#include "endeffector/NqEndEffectorTest.h"
 
 #include <nqControlCore/endeffector/special/NqDirectionalFrameEndEffector.h>
 #include <nqControlCore/foundation/xml/NqXmlDocument.h>
-
-#include <gtest/gtest.h>
 
 #include <array>
 #include <cmath>
@@ -17,20 +14,13 @@ constexpr Frame::ThresholdType theTypes[] = {Frame::LinearVelocity,     Frame::A
                                              Frame::LinearAcceleration, Frame::AngularAcceleration,
                                              Frame::LinearDeceleration, Frame::AngularDeceleration};
 
-class NqDirectionalFrame : public testing::Test {
+class NqDirectionalFrame : public NqEndEffectorTest {
 protected:
-    NqDirectionalFrame() { frame.setLinkIdentifier("link7"); }
-
-    NqCoordinateSystemTransformation present(const NqEndEffector& endEffector) {
-        NqEndEffectorPlacement placement;
-        endEffector.calculatePlacement(manipulator, state, placement);
-        return placement;
-    }
+    NqDirectionalFrame() : NqEndEffectorTest(nqTestModels()[2], 5) { frame.setLinkIdentifier("link7"); }
 
     /// The limits of the filter after a step towards a target, by type.
-    std::array<double, 6> limitsTowards(const NqCoordinateSystemTransformation& target) {
-        NqGeneralMotion filtered;
-        frame.filterFrameEndEffectorVelocity(manipulator, target, {}, {}, 0.01, state, filtered);
+    std::array<double, 6> limitsTowards(const Placement& target) {
+        filtered(frame, target);
         const NqGeneralMotionFilter& f = frame.motionFilter();
         return {f.linearVelocityThreshold(),     f.angularVelocityThreshold(),
                 f.linearAccelerationThreshold(), f.angularAccelerationThreshold(),
@@ -53,10 +43,6 @@ protected:
         return std::sqrt(square);
     }
 
-    const NqTestModel& model = nqTestModels()[2];
-    const NqIndividualManipulator& manipulator = *model.manipulator;
-    std::mt19937_64 random{5};
-    NqManipulatorActiveState state = nqRandomState(model, random);
     Frame frame;
 };
 
@@ -74,7 +60,7 @@ TEST_F(NqDirectionalFrame, LimitsAreThoseOfTheDirectionInTheReferenceFrame) {
             frame.setDefaultThreshold(type, uniform(random));
             frame.setDirectionalThresholdMap(type, map);
         }
-        state = nqRandomState(model, random);
+        state = nqRandomState(nqTestModels()[2], random);
         frame.setReferenceOffset(nqRandomFrame(random).orientation());
         frame.setReferenceLinkLabel(round % 3 == 0 ? "link3" : (round % 3 == 1 ? "nowhere" : ""));
         NqOrientation reference = frame.referenceOffset();
@@ -82,9 +68,9 @@ TEST_F(NqDirectionalFrame, LimitsAreThoseOfTheDirectionInTheReferenceFrame) {
             reference = link->primaryFrameInSystem(state.activePositionState()).orientation() * reference;
         }
         const NqVector way = nqRandomVector(random), axis = nqRandomVector(random).unitVector();
-        const NqCoordinateSystemTransformation here = present(frame);
+        const Pose here = placement(frame);
         const std::array<double, 6> limits = limitsTowards(
-            {here.translation() + way, NqOrientation(uniform(random), axis) * here.orientation()});
+            Pose(here.translation() + way, NqOrientation(uniform(random), axis) * here.orientation()));
         for (const Frame::ThresholdType type : theTypes) {
             const NqVector direction = type % 2 == 0 ? way.unitVector() : axis;
             EXPECT_NEAR(limits[type], expectedLimit(type, direction, reference), 1e-12)
@@ -102,14 +88,10 @@ TEST_F(NqDirectionalFrame, IsAFrameWithLimitsOfOneUnlessToldOtherwise) {
     filter.setLinearDecelerationThreshold(1.0);
     filter.setAngularDecelerationThreshold(1.0);
     plain.setMotionFilter(filter);
-    const NqCoordinateSystemTransformation target = nqRandomFrame(random);
-    const NqXmlRealVector desired(6, 0.1), previous(6, 0.3);
-    NqXmlRealVector v, expected;
-    frame.filterEndEffectorVelocity(manipulator, target, desired, previous, 0.01, state, v);
-    plain.filterEndEffectorVelocity(manipulator, target, desired, previous, 0.01, state, expected);
-    for (unsigned i = 0; i < 6; ++i) {
-        EXPECT_NEAR(v[i], expected[i], 1e-14);
-    }
+    const Placement target = nqRandomFrame(random);
+    const Reals desired(6, 0.1), previous(6, 0.3);
+    expectNear(filtered(frame, target, desired, previous),
+               filtered(plain, target, desired, previous).values(), 1e-14);
 }
 
 TEST_F(NqDirectionalFrame, DefaultsComeIntoForceWithTheNextMap) {
@@ -119,9 +101,8 @@ TEST_F(NqDirectionalFrame, DefaultsComeIntoForceWithTheNextMap) {
     frame.setMotionThreshold(0.25);
     frame.setAccelerationThreshold(0.5);
     EXPECT_EQ(frame.defaultThreshold(Frame::LinearAcceleration), 0.5);
-    const NqCoordinateSystemTransformation here = present(frame);
-    const NqCoordinateSystemTransformation below(here.translation() - NqVector::zVector(0.1),
-                                                 here.orientation());
+    const Pose here = placement(frame);
+    const Pose below(here.translation() - NqVector::zVector(0.1), here.orientation());
     EXPECT_EQ(limitsTowards(below)[0], 1.0);
     EXPECT_EQ(frame.minimumTime(here, below), frame.difference(here, below) / 0.25);
     frame.setDirectionalThresholdMap(Frame::LinearVelocity, map);
@@ -132,7 +113,7 @@ TEST_F(NqDirectionalFrame, DefaultsComeIntoForceWithTheNextMap) {
 
 TEST_F(NqDirectionalFrame, ListsOfLimitsLeaveOutWhatIsNoNumber) {
     const auto set = [&](const std::string& text) {
-        NqLabelVector values = frame.editableValues();
+        Labels values = frame.editableValues();
         values[18] = text;
         values.pushBack(std::string("ignored"));
         frame.setEditableValues(values);
@@ -153,9 +134,8 @@ TEST_F(NqDirectionalFrame, ShortListsOfAFileAreFilledUp) {
         "</directionalFrameEndEffector>",
         frame));
     EXPECT_EQ(capture.text(), "");
-    const NqCoordinateSystemTransformation here = present(frame);
-    const NqVector down = NqVector::zVector(-1.0);
-    EXPECT_EQ(limitsTowards({here.translation() + down, here.orientation()}),
+    const Pose here = placement(frame);
+    EXPECT_EQ(limitsTowards(Pose(here.translation() - NqVector::zVector(1.0), here.orientation())),
               (std::array<double, 6>{0.125, 0.25, 1.0, 1.0, 1.0, 1.0}));
 }
 

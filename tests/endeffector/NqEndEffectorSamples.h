@@ -6,11 +6,10 @@
 #include "support/NqTestFiles.h"
 #include "support/NqTestModels.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -333,7 +332,9 @@ struct NqEndEffectorKind {
 
     std::unique_ptr<NqEndEffector> make(const NqTestModel& model) const {
         std::unique_ptr<NqEndEffector> endEffector = makeDefault();
-        EXPECT_TRUE(NqXmlDocument::readFile(goldenFile(), *endEffector));
+        if (!NqXmlDocument::readFile(goldenFile(), *endEffector)) {
+            throw std::runtime_error("cannot read " + goldenFile());
+        }
         endEffector->setRelativeLinkData({});
         endEffector->setUseExternalOffset(false);
         attach(*endEffector, model);

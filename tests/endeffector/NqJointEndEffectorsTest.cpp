@@ -1,92 +1,52 @@
-#include "support/NqPrintCapture.h"
-#include "support/NqTestModels.h"
+#include "endeffector/NqEndEffectorTest.h"
 
 #include <nqControlCore/core/NqControlParameters.h>
 #include <nqControlCore/endeffector/special/NqCoordinatedJointEndEffector.h>
 #include <nqControlCore/endeffector/special/NqOneDofGripperEndEffector.h>
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 
 namespace {
 
-using Reals = NqXmlRealVector;
-using Labels = NqLabelVector;
-
-NqEndEffectorPlacement at(const Reals& joints) {
-    NqEndEffectorPlacement placement;
-    placement.setDataVector(joints);
-    return placement;
-}
-
-/// A model, and an end-effector on it.
-template <typename EndEffector>
-class OnModel : public testing::Test {
+class NqCoordinatedJoints : public NqEndEffectorTest {
 protected:
-    explicit OnModel(std::size_t model) : manipulator(*nqTestModels()[model].manipulator) {}
+    explicit NqCoordinatedJoints(std::size_t model = 2)
+        : NqEndEffectorTest(nqTestModels()[model].manipulator) {}
 
-    void place(const Reals& positions) { state.setPositionState(NqPositionState(positions)); }
-    NqReArray rows() {
-        NqReArray j;
-        endEffector.insertJacobianComponent(manipulator, 0, {}, true, state, j);
-        return j;
+    static Placement at(const Reals& joints) {
+        Placement placement;
+        placement.setDataVector(joints);
+        return placement;
     }
-    Reals velocity() {
-        Reals v;
-        endEffector.calculateVelocity(manipulator, state, v, 0);
-        return v;
-    }
-    Reals error(const NqEndEffectorPlacement& target) {
-        Reals error;
-        endEffector.calculateEndEffectorError(manipulator, target, state, error);
-        return error;
-    }
-    Reals filtered(const NqEndEffectorPlacement& target, const Reals& previous, double timeStep = 1e-3,
-                   const Reals& desired = {}) {
-        Reals filtered(9, 7.0);
-        endEffector.filterEndEffectorVelocity(manipulator, target, desired, previous, timeStep, state,
-                                              filtered);
-        return filtered;
-    }
-    Reals filtered(const Reals& desired, const Reals& previous, double timeStep) {
-        Reals filtered;
-        endEffector.filterEndEffectorVelocity(desired, previous, timeStep, filtered);
-        return filtered;
+    Reals towards(const Placement& target, const Reals& previous, const Reals& desired = {},
+                  double timeStep = 1e-3) {
+        return filtered(joints, target, desired, previous, timeStep, Reals(9, 7.0));
     }
 
-    const NqIndividualManipulator& manipulator;
-    NqManipulatorActiveState state{manipulator};
-    EndEffector endEffector;
-};
-
-class NqCoordinatedJoints : public OnModel<NqCoordinatedJointEndEffector> {
-protected:
-    NqCoordinatedJoints() : OnModel(2) {}
+    NqCoordinatedJointEndEffector joints;
 };
 
 TEST_F(NqCoordinatedJoints, RandomMovesEndTogetherWithinTheLimits) {
     constexpr double h = 1e-3;
-    std::mt19937_64 random(7);
     const auto drawn = [&](double middle, double width) {
         std::uniform_real_distribution<double> uniform(middle - width, middle + width);
         Reals values(7);
         std::generate(values.begin(), values.end(), [&] { return uniform(random); });
         return values;
     };
-    endEffector = NqCoordinatedJointEndEffector::defaultJointControlEndEffector(manipulator, 1.0);
+    joints = NqCoordinatedJointEndEffector::defaultJointControlEndEffector(manipulator, 1.0);
     for (unsigned move = 0; move < 15; ++move) {
         const Reals speeds = drawn(1.0, 0.7), accelerations = drawn(3.0, 2.0);
-        endEffector.setMaxVelocities(speeds);
-        endEffector.setProfileAccelerations(accelerations);
-        const NqEndEffectorPlacement target = at(drawn(0.0, 2.0));
+        joints.setMaxVelocities(speeds);
+        joints.setProfileAccelerations(accelerations);
+        const Placement target = at(drawn(0.0, 2.0));
         const Reals start = state.positionState().jointPositions();
         Reals q = start, v(7), fastest(7);
         std::vector<unsigned> arrival(7, 0);
         for (unsigned step = 1; std::count(arrival.begin(), arrival.end(), 0U) > 0 && step < 20000; ++step) {
             const Reals before = v;
-            v = filtered(target, before, h);
+            v = towards(target, before, {}, h);
             for (unsigned i = 0; i < 7; ++i) {
                 const double change = accelerations[i] * h;
                 ASSERT_TRUE(std::fabs(v[i] - before[i]) <= change * (1.0 + 1e-9) ||
@@ -98,10 +58,10 @@ TEST_F(NqCoordinatedJoints, RandomMovesEndTogetherWithinTheLimits) {
                     arrival[i] = step;
                 }
             }
-            place(q);
+            setJoints(q);
         }
         // Braking in steps a filter ends at the speed sqrt(v a h), before or behind its target.
-        const double time = endEffector.minimumTime(at(start), target);
+        const double time = joints.minimumTime(at(start), target);
         for (unsigned i = 0; i < 7; ++i) {
             EXPECT_NEAR(arrival[i] * h, time, 2.0 * std::sqrt(fastest[i] * h / accelerations[i]) + 2.0 * h)
                 << "joint " << i << ", move " << move;
@@ -112,26 +72,26 @@ TEST_F(NqCoordinatedJoints, RandomMovesEndTogetherWithinTheLimits) {
 
 TEST_F(NqCoordinatedJoints, TargetsAreOfTheListedJointsOrOfAll) {
     const Reals all = {0.1, 0.2, 0.3, 0.4, 0.5, 0.6, 0.7};
-    endEffector.setLinkLabels(
+    joints.setLinkLabels(
         {std::string("link6"), std::string("nowhere"), std::string("base"), std::string("link2")});
-    endEffector.setMaxVelocities({0.5, 9.0, 9.0, 0.25});
+    joints.setMaxVelocities({0.5, 9.0, 9.0, 0.25});
     NqPrintCapture capture;
-    EXPECT_EQ(error(at(all)), Reals({0.6, 0.2}));
-    EXPECT_EQ(error(at({1.0, 2.0})), Reals({1.0, 2.0}));
-    EXPECT_EQ(error(at({1.0})), Reals(2));
-    EXPECT_EQ(filtered(at({1.0}), {0.1, 0.1}), Reals(2));
-    EXPECT_EQ(error(at({8.0, 9.0, 3.0})), Reals({1.0, 9.0})) << "the sixth is missing, and stays";
+    EXPECT_EQ(error(joints, at(all)), Reals({0.6, 0.2}));
+    EXPECT_EQ(error(joints, at({1.0, 2.0})), Reals({1.0, 2.0}));
+    EXPECT_EQ(error(joints, at({1.0})), Reals(2));
+    EXPECT_EQ(towards(at({1.0}), {0.1, 0.1}), Reals(2));
+    EXPECT_EQ(error(joints, at({8.0, 9.0, 3.0})), Reals({1.0, 9.0})) << "the sixth is missing, and stays";
     NqReArray expected(4, 7);
     expected[0][5] = expected[1][1] = 1.0;
-    EXPECT_EQ(rows(), expected);
-    EXPECT_EQ(filtered({9.0, 9.0}, {0.5, 0.25}, 1.0), Reals({0.5, 0.25})) << "limits belong to labels";
-    EXPECT_EQ(endEffector.difference(at({1.0, -1.0}), at({0.0, 1.0})), 3.0);
-    EXPECT_EQ(endEffector.difference(at({1.0}), at({0.0, 1.0})), 1000.0);
+    EXPECT_EQ(rows(joints), expected);
+    EXPECT_EQ(limited(joints, {9.0, 9.0}, {0.5, 0.25}, 1.0), Reals({0.5, 0.25})) << "limits belong to labels";
+    EXPECT_EQ(joints.difference(at({1.0, -1.0}), at({0.0, 1.0})), 3.0);
+    EXPECT_EQ(joints.difference(at({1.0}), at({0.0, 1.0})), 1000.0);
     EXPECT_EQ(capture.text(), "");
 
     const NqIndividualManipulator other("other", "root");
     NqReArray j;
-    endEffector.insertJacobianComponent(other, 0, {}, true, state, j);
+    joints.insertJacobianComponent(other, 0, {}, true, state, j);
     EXPECT_TRUE(capture.contains("NqCoordinatedJointEndEffector::insertJacobianComponent(): Indices out of "
                                  "range: row 0 and column 5\n"));
 }
@@ -140,148 +100,143 @@ TEST_F(NqCoordinatedJoints, ControlParametersLimitByJointIndex) {
     NqControlParameters parameters;
     parameters.setVelocityLimits({0.1, 0.2, 0.3, 0.4, 0.5, 0.6, 0.7});
     parameters.setAccelerationLimits(Reals(7, 2.0));
-    endEffector.setLinkLabels({std::string("link6"), std::string("link2")});
+    joints.setLinkLabels({std::string("link6"), std::string("link2")});
     const auto limits = [&] {
-        endEffector.initializeWithControlParams(manipulator, parameters);
-        rows();
-        return filtered({9.0, 9.0}, {}, 100.0);
+        joints.initializeWithControlParams(manipulator, parameters);
+        rows(joints);
+        return limited(joints, {9.0, 9.0}, {}, 100.0);
     };
     EXPECT_EQ(limits(), Reals({1.0, 1.0})) << "not asked for";
-    endEffector.setUseControlParameters(true);
+    joints.setUseControlParameters(true);
     EXPECT_EQ(limits(), Reals({0.6, 0.2}));
-    endEffector.setSpeedFactor(0.5);
+    joints.setSpeedFactor(0.5);
     EXPECT_EQ(limits(), Reals({0.3, 0.1})) << "the same parameters change nothing";
     parameters.setVelocityLimits({0.1, 0.3});
-    endEffector.setDefaultMaxVelocity(0.8);
+    joints.setDefaultMaxVelocity(0.8);
     EXPECT_EQ(limits(), Reals({0.8, 0.3})) << "filters anew, the missing limit by default";
 }
 
 /// Two joints with limits of speed 1 and of acceleration 4.
-class NqTwoCoordinatedJoints : public OnModel<NqCoordinatedJointEndEffector> {
+class NqTwoCoordinatedJoints : public NqCoordinatedJoints {
 protected:
-    NqTwoCoordinatedJoints() : OnModel(0) {
-        endEffector.setLinkLabels({std::string("upper"), std::string("lower")});
-        endEffector.setProfileAccelerations({4.0, 4.0});
+    NqTwoCoordinatedJoints() : NqCoordinatedJoints(0) {
+        joints.setLinkLabels({std::string("upper"), std::string("lower")});
+        joints.setProfileAccelerations({4.0, 4.0});
     }
 };
 
 TEST_F(NqTwoCoordinatedJoints, SpeedsAreFoundOncePerTarget) {
-    EXPECT_EQ(endEffector.minimumTime(at({0.0}), at({1.0})), 0.0) << "before the first use";
+    EXPECT_EQ(joints.minimumTime(at({0.0}), at({1.0})), 0.0) << "before the first use";
     // The far joint needs T = 2 / 1 + 1 / 4; for the near one c^2 - 4 T c + 4 = 0.
     const double near = 0.5 * (9.0 - std::sqrt(81.0 - 16.0));
-    const auto limits = [&](double second) { return filtered(at({2.0, second}), {1.0, near}); };
-    filtered(at({2.0, 1.0}), {});
+    const auto limits = [&](double second) { return towards(at({2.0, second}), {1.0, near}); };
+    towards(at({2.0, 1.0}), {});
     EXPECT_EQ(limits(1.0)[0], 1.0) << "the slowest keeps its limit";
     EXPECT_NEAR(limits(1.0)[1], near, 1e-14);
-    EXPECT_EQ(endEffector.minimumTime(at({0.0, 0.0}), at({2.0, 1.0})), 2.25);
-    place({1.0, 0.25});
+    EXPECT_EQ(joints.minimumTime(at({0.0, 0.0}), at({2.0, 1.0})), 2.25);
+    setJoints({1.0, 0.25});
     EXPECT_NEAR(limits(1.0 + 5e-10)[1], near, 1e-14) << "the same target";
     EXPECT_GT(limits(1.0 + 1e-8)[1], near + 0.001) << "another one, of which the near joint has more left";
-    EXPECT_EQ(filtered({5.0, 5.0}, {1.0, 1.0}, 1e-3), Reals({1.0, 1.0})) << "without a target, its own";
+    EXPECT_EQ(limited(joints, {5.0, 5.0}, {1.0, 1.0}, 1e-3), Reals({1.0, 1.0}))
+        << "without a target, its own";
     EXPECT_NEAR(limits(1.0 + 1e-8)[1], near + 4e-3, 1e-14) << "until the next target";
 
-    place({0.0, 1.0});
-    filtered(at({2.0, 1.0}), {});
-    EXPECT_EQ(filtered(at({2.0, 1.0}), {0.0, 0.5}, 1e-3, {0.0, 0.5})[1], 0.0) << "nothing to go, no speed";
+    setJoints({0.0, 1.0});
+    towards(at({2.0, 1.0}), {});
+    EXPECT_EQ(towards(at({2.0, 1.0}), {0.0, 0.5}, {0.0, 0.5})[1], 0.0) << "nothing to go, no speed";
 
     // Of equal times the first is the slowest: it keeps its limit, the other one gets what it just reaches.
-    endEffector.setMaxVelocities({9.0, 9.0});
-    place({0.0, 0.0});
-    filtered(at({1.0, 1.0}), {});
-    const Reals equal = filtered(at({1.0, 1.0}), {std::sqrt(8.0), 2.0});
+    joints.setMaxVelocities({9.0, 9.0});
+    setJoints({0.0, 0.0});
+    towards(at({1.0, 1.0}), {});
+    const Reals equal = towards(at({1.0, 1.0}), {std::sqrt(8.0), 2.0});
     EXPECT_NEAR(equal[0], std::sqrt(8.0), 1e-14);
     EXPECT_EQ(equal[1], 2.0);
 }
 
 TEST_F(NqTwoCoordinatedJoints, SpeedFactorAndJointsBelongToTheFilters) {
-    endEffector.setSpeedFactor(0.5);
-    EXPECT_EQ(endEffector.speedFactor(), 1.0) << "there are no filters yet";
-    rows();
-    endEffector.setSpeedFactor(0.5);
-    filtered(at({2.0, 1.0}), {});
+    joints.setSpeedFactor(0.5);
+    EXPECT_EQ(joints.speedFactor(), 1.0) << "there are no filters yet";
+    rows(joints);
+    joints.setSpeedFactor(0.5);
+    towards(at({2.0, 1.0}), {});
     const double near =
         0.5 * (8.5 - std::sqrt(8.5 * 8.5 - 8.0)); // T = 2 / 0.5 + 0.5 / 2, c^2 - 2 T c + 2 = 0
-    const Reals v = filtered(at({2.0, 1.0}), {0.5, near});
+    const Reals v = towards(at({2.0, 1.0}), {0.5, near});
     EXPECT_EQ(v[0], 0.5);
     EXPECT_NEAR(v[1], near, 1e-14);
-    endEffector.setSpeedFactor(0.0);
-    EXPECT_EQ(filtered(at({2.0, 1.5}), {}), Reals(2)) << "no division by it";
-    endEffector.setFilteringActive(false);
-    EXPECT_EQ(filtered(at({2.0, 1.5}), {}, 0.5), Reals({4.0, 3.0}));
+    joints.setSpeedFactor(0.0);
+    EXPECT_EQ(towards(at({2.0, 1.5}), {}), Reals(2)) << "no division by it";
+    joints.setFilteringActive(false);
+    EXPECT_EQ(towards(at({2.0, 1.5}), {}, {}, 0.5), Reals({4.0, 3.0}));
 
-    const NqCoordinatedJointEndEffector copy = endEffector;
+    const NqCoordinatedJointEndEffector copy = joints;
     EXPECT_EQ(copy.speedFactor(), 1.0) << "a copy begins without joints";
-    endEffector = NqCoordinatedJointEndEffector();
-    EXPECT_EQ(endEffector.speedFactor(), 0.0) << "an assigned object keeps those that it has";
-    EXPECT_EQ(velocity().size(), 2U);
-    EXPECT_EQ(rows().rows(), 0U) << "but writes no rows that aren't its own";
+    joints = NqCoordinatedJointEndEffector();
+    EXPECT_EQ(joints.speedFactor(), 0.0) << "an assigned object keeps those that it has";
+    EXPECT_EQ(velocity(joints).size(), 2U);
+    EXPECT_EQ(rows(joints).rows(), 0U) << "but writes no rows that aren't its own";
 }
 
 /// The hand of the planar arm as the master of the upper arm, at 0.4 and 0.7.
-class NqGripper : public OnModel<NqOneDofGripperEndEffector> {
+class NqGripper : public NqEndEffectorTest {
 protected:
-    NqGripper() : OnModel(0) {
-        place({0.4, 0.7});
-        state.setVelocityState(NqVelocityState(Reals{2.0, -1.0}));
-        endEffector.setLinkIdentifier("hand");
-        endEffector.setSlaveJointLabels({std::string("upper")});
+    NqGripper() : NqEndEffectorTest(nqTestModels()[0].manipulator) {
+        setJoints({0.4, 0.7}, {2.0, -1.0});
+        gripper.setLinkIdentifier("hand");
+        gripper.setSlaveJointLabels({std::string("upper")});
     }
 
-    const NqEndEffectorPlacement target{NqVector(0.0, 0.0, 0.5)};
+    NqOneDofGripperEndEffector gripper;
 };
 
 TEST_F(NqGripper, SlavesFollowInTheirRatios) {
-    endEffector.setSlaveJointWeights({-2.0});
+    gripper.setSlaveJointWeights({-2.0});
     std::vector<double> product;
-    ASSERT_TRUE(rows().transform({-2.0 * 0.3, 0.3}, product));
+    ASSERT_TRUE(rows(gripper).transform({-2.0 * 0.3, 0.3}, product));
     EXPECT_EQ(product, std::vector<double>({0.3, 0.0})) << "the slave at -2 times the master's rate";
-    EXPECT_EQ(velocity(), Reals({-1.0, 0.0})) << "whatever the slave does";
-    EXPECT_NEAR(error(target)[0], 0.2, 1e-15);
+    EXPECT_EQ(velocity(gripper), Reals({-1.0, 0.0})) << "whatever the slave does";
+    EXPECT_NEAR(error(gripper, at(0.5))[0], 0.2, 1e-15);
 
-    endEffector.setSlaveJointLabels({std::string("upper"), std::string("upper")});
-    EXPECT_EQ(rows()[2], std::vector<double>({-1.0, 1.0})) << "without a weight of its own";
-    endEffector.setSlaveJointWeights({0.0});
-    EXPECT_EQ(rows()[1], std::vector<double>({0.0, 0.0}));
-    NqEndEffector::SparsityDescription bits;
-    endEffector.insertSparsityComponent(manipulator, 0, {}, true, bits);
-    EXPECT_EQ(bits[1], std::vector<bool>({true, true}));
+    gripper.setSlaveJointLabels({std::string("upper"), std::string("upper")});
+    EXPECT_EQ(rows(gripper)[2], std::vector<double>({-1.0, 1.0})) << "without a weight of its own";
+    gripper.setSlaveJointWeights({0.0});
+    EXPECT_EQ(rows(gripper)[1], std::vector<double>({0.0, 0.0}));
+    EXPECT_EQ(bits(gripper)[1], std::vector<bool>({true, true}));
 
-    Reals acceleration(8, 7.0);
-    endEffector.calculateAcceleration(manipulator, state, acceleration, 1);
-    EXPECT_EQ(acceleration, Reals({7.0, 0.0})) << "of the master alone";
-    EXPECT_EQ(filtered(target, {}, 0.1), Reals({-1.0, 0.0, 0.0}));
-    EXPECT_EQ(filtered({9.0, 9.0}, {1.0}, 0.1), Reals({1.0, 0.0, 0.0}));
+    EXPECT_EQ(acceleration(gripper, Reals(8, 7.0), 1), Reals({7.0, 0.0})) << "of the master alone";
+    EXPECT_EQ(filtered(gripper, at(0.5), {}, {}, 0.1), Reals({-1.0, 0.0, 0.0}));
+    EXPECT_EQ(limited(gripper, {9.0, 9.0}, {1.0}), Reals({1.0, 0.0, 0.0}));
 }
 
 TEST_F(NqGripper, LostSlavesLeaveTheLastRows) {
     NqPrintCapture capture;
-    endEffector.setSlaveJointLabels(
+    gripper.setSlaveJointLabels(
         {std::string("lost"), std::string("base"), std::string("upper"), std::string("upper")});
-    endEffector.setSlaveJointWeights({0.5, 4.0, 8.0, 8.0});
+    gripper.setSlaveJointWeights({0.5, 4.0, 8.0, 8.0});
     NqReArray expected(5, 2);
     expected.assign(0, {0.0, 1.0});
     expected.assign(1, {-2.0, 1.0});
     expected.assign(2, {-0.25, 1.0});
-    EXPECT_EQ(rows(), expected);
-    EXPECT_EQ(velocity(), Reals({-1.0, 0.0, 0.0}));
-    EXPECT_EQ(filtered(target, {}).size(), 5U);
+    EXPECT_EQ(rows(gripper), expected);
+    EXPECT_EQ(velocity(gripper), Reals({-1.0, 0.0, 0.0}));
+    EXPECT_EQ(filtered(gripper, at(0.5)).size(), 5U);
     EXPECT_EQ(capture.text(), "");
 }
 
 TEST_F(NqGripper, SlavesPileUpWhileTheMasterIsLost) {
     NqPrintCapture capture;
-    endEffector.setLinkIdentifier("base");
-    NqEndEffectorPlacement placement(NqVector(1.0, 2.0, 3.0));
-    endEffector.calculatePlacement(manipulator, state, placement);
-    EXPECT_EQ(placement.coordSysXForm().translation(), NqVector(1.0, 2.0, 3.0));
-    EXPECT_EQ(filtered(target, {0.5}), Reals(2)) << "no feed-forward either";
-    endEffector.setLinkIdentifier("hand");
-    EXPECT_EQ(velocity().size(), 1U + 3U) << "once for each evaluation";
-    EXPECT_EQ(rows().rows(), 2U);
-    endEffector.setLinkIdentifier("base");
-    EXPECT_EQ(velocity()[0], -1.0) << "the master is remembered";
-    endEffector = NqOneDofGripperEndEffector(endEffector);
-    EXPECT_EQ(velocity(), Reals(2)) << "but not by a copy";
+    gripper.setLinkIdentifier("base");
+    const Placement before(NqVector(1.0, 2.0, 3.0));
+    EXPECT_EQ(placement(gripper, before), before);
+    EXPECT_EQ(filtered(gripper, at(0.5), {}, {0.5}), Reals(2)) << "no feed-forward either";
+    gripper.setLinkIdentifier("hand");
+    EXPECT_EQ(velocity(gripper).size(), 1U + 3U) << "once for each evaluation";
+    EXPECT_EQ(rows(gripper).rows(), 2U);
+    gripper.setLinkIdentifier("base");
+    EXPECT_EQ(velocity(gripper)[0], -1.0) << "the master is remembered";
+    gripper = NqOneDofGripperEndEffector(gripper);
+    EXPECT_EQ(velocity(gripper), Reals(2)) << "but not by a copy";
     EXPECT_EQ(capture.text(), "");
 }
 

@@ -1,51 +1,27 @@
-#include "support/NqPrintCapture.h"
-#include "support/NqTestModels.h"
+#include "endeffector/NqEndEffectorTest.h"
 
 #include <nqControlCore/endeffector/NqEndEffectorTypes.h>
-
-#include <gtest/gtest.h>
 
 #include <cmath>
 
 namespace {
 
 /// An arm of 7 joints in a pose at random, with a frame, placed obliquely in its hand, for all end-effectors.
-class NqPartialFrames : public testing::Test {
+class NqPartialFrames : public NqEndEffectorTest {
 protected:
-    NqPartialFrames() {
+    NqPartialFrames() : NqEndEffectorTest(nqTestModels()[2], 7) {
         for (NqFrameBasedEndEffector* each : all) {
-            each->setLinkIdentifier(model.link);
+            each->setLinkIdentifier(nqTestModels()[2].link);
             each->setFrame({NqVector(0.1, -0.2, 0.3), NqOrientation(0.9, {1.0, 2.0, -0.5})});
         }
-        NqEndEffectorPlacement placement;
-        planar.calculatePlacement(arm, state, placement);
-        here = placement;
-        axes = here.orientation();
+        here = placement(planar);
     }
 
     /// The present frame, moved and turned in its own axes.
-    NqEndEffectorPlacement away(const NqVector& way, const NqOrientation& turn = {}) const {
-        return here * NqCoordinateSystemTransformation(way, turn);
+    Placement away(const NqVector& way, const NqOrientation& turn = {}) const {
+        return here * Pose(way, turn);
     }
 
-    NqXmlRealVector filter(const NqEndEffector& endEffector, const NqEndEffectorPlacement& target,
-                           const NqXmlRealVector& desired, const NqXmlRealVector& previous, double h = 0.01) {
-        NqXmlRealVector filtered(1, 9.0);
-        endEffector.filterEndEffectorVelocity(arm, target, desired, previous, h, state, filtered);
-        return filtered;
-    }
-
-    static void expectNear(const NqXmlRealVector& actual, const std::vector<double>& expected) {
-        ASSERT_EQ(actual.size(), expected.size());
-        for (unsigned i = 0; i < expected.size(); ++i) {
-            EXPECT_NEAR(actual[i], expected[i], 1e-12) << "entry " << i;
-        }
-    }
-
-    const NqTestModel& model = nqTestModels()[2];
-    const NqIndividualManipulator& arm = *model.manipulator;
-    std::mt19937_64 random{7};
-    NqManipulatorActiveState state = nqRandomState(model, random);
     NqPlanarEndEffector planar;
     NqSlidingEndEffector sliding;
     NqSlideXSpinZEndEffector slideSpin;
@@ -53,25 +29,24 @@ protected:
     NqRCMEndEffector rcm;
     NqLookAtEndEffector lookAt;
     std::vector<NqFrameBasedEndEffector*> all{&planar, &sliding, &slideSpin, &freeSpin, &rcm, &lookAt};
-    NqCoordinateSystemTransformation here;
-    NqOrientation axes;
+    Pose here;
 };
 
 TEST_F(NqPartialFrames, CommandsAreTheRowsInTheFramesOwnAxes) {
     const double way[] = {0.02, -0.01, 0.03, 0.2, -0.1, 0.3};
     const NqVector turn(way[3], way[4], way[5]);
-    const NqEndEffectorPlacement target = away({way[0], way[1], way[2]}, NqOrientation(turn.mag(), turn));
-    const auto check = [&](NqFrameBasedEndEffector& endEffector, std::initializer_list<unsigned> rows) {
-        std::vector<double> expected;
+    const Placement target = away({way[0], way[1], way[2]}, NqOrientation(turn.mag(), turn));
+    const auto check = [&](NqFrameBasedEndEffector& e, std::initializer_list<unsigned> rows) {
+        Row expected;
         for (const unsigned row : rows) {
             expected.push_back(way[row]);
         }
-        expectNear(filter(endEffector, here, expected, {}, 1.0), expected); // as feed-forward
-        NqXmlRealVector fast(expected.size());
+        expectNear(filtered(e, here, expected, {}, 1.0), expected); // as feed-forward
+        Reals fast(expected.size());
         fast[0] = 1.0;
-        EXPECT_NEAR(filter(endEffector, here, fast, fast)[0], 0.08, 1e-12) << "every step is from rest";
-        endEffector.setFilteringActive(false);
-        expectNear(filter(endEffector, target, fast, {}, 1.0), expected);
+        EXPECT_NEAR(filtered(e, here, fast, fast)[0], 0.08, 1e-12) << "every step is from rest";
+        e.setFilteringActive(false);
+        expectNear(filtered(e, target, fast, {}, 1.0), expected);
     };
     check(planar, {2, 3, 4});
     check(sliding, {1, 2, 3, 4, 5});
@@ -80,11 +55,13 @@ TEST_F(NqPartialFrames, CommandsAreTheRowsInTheFramesOwnAxes) {
 
 TEST_F(NqPartialFrames, VelocitiesOfTheWrongSizeAndLostLinksAreRefused) {
     NqPrintCapture capture;
-    const NqXmlRealVector untouched(1, 9.0);
-    EXPECT_EQ(filter(planar, {}, NqXmlRealVector(4), {}), untouched);
-    EXPECT_EQ(filter(sliding, {}, NqXmlRealVector(4), {}), untouched);
-    EXPECT_EQ(filter(slideSpin, {}, NqXmlRealVector(5), {}), untouched);
-    EXPECT_EQ(filter(freeSpin, {}, NqXmlRealVector(5), NqXmlRealVector(4)), untouched);
+    const auto expectRefused = [&](const NqEndEffector& e, unsigned desired, unsigned previous) {
+        EXPECT_EQ(filtered(e, {}, Reals(desired), Reals(previous), 0.01, {9.0}), Reals({9.0}));
+    };
+    expectRefused(planar, 4, 0);
+    expectRefused(sliding, 4, 0);
+    expectRefused(slideSpin, 5, 0);
+    expectRefused(freeSpin, 5, 4);
     const std::string tail = "EndEffector::filterEndEffectorVelocity input velocity size wrong.";
     EXPECT_EQ(capture.text(),
               "NqPlanar" + tail + "NqSliding" + tail + "NqSlideXSpinZ" + tail + "NqFreeSpinInZ" + tail);
@@ -92,14 +69,12 @@ TEST_F(NqPartialFrames, VelocitiesOfTheWrongSizeAndLostLinksAreRefused) {
     for (NqFrameBasedEndEffector* each : all) {
         each->setLinkIdentifier("lost");
     }
-    EXPECT_EQ(filter(sliding, {}, NqXmlRealVector(5), {}), untouched);
-    EXPECT_EQ(filter(freeSpin, {}, NqXmlRealVector(6), NqXmlRealVector(5)), untouched);
-    EXPECT_EQ(filter(rcm, {}, {}, {}).size(), 2u);
-    NqReArray rows;
-    NqEndEffectorPlacement placement;
-    planar.insertJacobianComponent(arm, 0, {}, true, state, rows);
-    freeSpin.insertJacobianComponent(arm, 0, {}, true, state, rows);
-    rcm.calculatePlacement(arm, state, placement);
+    expectRefused(sliding, 5, 0);
+    expectRefused(freeSpin, 6, 5);
+    EXPECT_EQ(filtered(rcm, {}).size(), 2u);
+    rows(planar);
+    rows(freeSpin);
+    placement(rcm);
     EXPECT_EQ(capture.text(),
               "NqFrameEndEffector::insertJacobianComponent(): bad label on frame end effector: lost.\n"
               "NqFreeSpinInZEndEffector::insertJacobianComponent(): bad label on frame end effector: lost.\n"
@@ -107,49 +82,41 @@ TEST_F(NqPartialFrames, VelocitiesOfTheWrongSizeAndLostLinksAreRefused) {
 }
 
 TEST_F(NqPartialFrames, AFreeSpinIsNeitherAskedForNorCommanded) {
-    const NqEndEffectorPlacement spun = away({}, NqOrientation::aboutZ(1.2));
-    NqXmlRealVector error;
-    freeSpin.calculateEndEffectorError(arm, spun, state, error);
-    expectNear(error, {0.0, 0.0, 0.0, 0.0, 0.0});
+    const Placement spun = away({}, NqOrientation::aboutZ(1.2));
+    expectNear(error(freeSpin, spun), {0.0, 0.0, 0.0, 0.0, 0.0});
     EXPECT_NEAR(freeSpin.difference(here, spun), 0.0, 1e-7) << "of an angle near acos(1)";
 
     // At the target the feed-forward passes, where the step before had it too. A sixth entry is passed over.
-    const NqXmlRealVector desired{0.1, -0.2, 0.3, 0.2, -0.1, 7.0};
-    expectNear(filter(freeSpin, spun, desired, desired), {0.1, -0.2, 0.3, 0.2, -0.1});
-    EXPECT_LT(filter(freeSpin, spun, desired, NqXmlRealVector(5))[0], 0.05) << "from rest it is limited";
+    const Reals desired{0.1, -0.2, 0.3, 0.2, -0.1, 7.0};
+    expectNear(filtered(freeSpin, spun, desired, desired), {0.1, -0.2, 0.3, 0.2, -0.1});
+    EXPECT_LT(filtered(freeSpin, spun, desired, Reals(5))[0], 0.05) << "from rest it is limited";
 
-    const NqEndEffectorPlacement tilted = away({0.3, 0.4, 0.0}, NqOrientation(0.4, {1.0, 0.0, 0.0}));
+    const Placement tilted = away({0.3, 0.4, 0.0}, NqOrientation(0.4, {1.0, 0.0, 0.0}));
     EXPECT_NEAR(freeSpin.difference(here, tilted), 0.5 + 0.2 * 0.4, 1e-12);
-    freeSpin.calculateEndEffectorError(arm, tilted, state, error);
-    expectNear(error, {0.3, 0.4, 0.0, 0.4, 0.0});
+    expectNear(error(freeSpin, tilted), {0.3, 0.4, 0.0, 0.4, 0.0});
 }
 
 TEST_F(NqPartialFrames, ARemoteCentreIsReachedInOneStepAcrossTheLastAxis) {
-    const NqEndEffectorPlacement target = away({5.0, 0.3, -0.4});
-    expectNear(filter(rcm, target, {}, {}, 0.01), {30.0, -40.0});
+    const Placement target = away({5.0, 0.3, -0.4});
+    expectNear(filtered(rcm, target), {30.0, -40.0});
     rcm.setSpeedFactor(0.5);
     EXPECT_NEAR(rcm.minimumTime(here, target), 0.5, 1e-12) << "the speed factor doesn't count";
-    EXPECT_GT(filter(rcm, target, {}, {}, 0.0)[0], 1e299);
+    EXPECT_GT(filtered(rcm, target, {}, {}, 0.0)[0], 1e299);
 
     // Jacobian and velocity take the axes along, placement and acceleration don't.
     for (const bool byRows : {true, false}) {
-        NqManipulatorActiveState moved = nqRandomState(model, random);
-        NqEndEffectorPlacement there;
-        NqXmlRealVector values;
-        NqReArray rows;
-        rcm.calculatePlacement(arm, moved, there);
-        rcm.calculateAcceleration(arm, moved, values, 0);
-        const NqCoordinateSystemTransformation& frame = there;
-        const NqEndEffectorPlacement along(frame * NqVector(2.0, 0.0, 0.0));
+        state = nqRandomState(nqTestModels()[2], random);
+        const Pose there = placement(rcm);
+        acceleration(rcm);
+        const Placement along(there * NqVector(2.0, 0.0, 0.0));
         EXPECT_GT(rcm.difference(there, along), 0.1);
-        byRows ? rcm.insertJacobianComponent(arm, 0, {}, true, moved, rows)
-               : rcm.calculateVelocity(arm, moved, values, 0);
+        byRows ? void(rows(rcm)) : void(velocity(rcm));
         EXPECT_NEAR(rcm.difference(there, along), 0.0, 1e-12);
     }
 }
 
 TEST_F(NqPartialFrames, DifferencesAndTimesGoTheirOwnWays) {
-    const NqEndEffectorPlacement target(here.translation() + NqVector(0.3, 0.4, -1.2));
+    const Placement target(here.translation() + NqVector(0.3, 0.4, -1.2));
     EXPECT_NEAR(planar.difference(here, target), 1.2, 1e-12) << "along z of the system";
     EXPECT_NEAR(sliding.difference(here, target), 1.3, 1e-12);
     slideSpin.setSpeedFactor(0.5);
@@ -159,9 +126,9 @@ TEST_F(NqPartialFrames, DifferencesAndTimesGoTheirOwnWays) {
 }
 
 TEST_F(NqPartialFrames, BitsOfAnEarlierCallAreCleared) {
-    NqEndEffector::SparsityDescription sparsity(1, std::vector<bool>(9, true));
-    planar.setLinkIdentifier(arm.linkByIndex(0)->linkLabel());
-    planar.insertSparsityComponent(arm, 0, {}, true, sparsity);
+    Sparsity sparsity(1, std::vector<bool>(9, true));
+    planar.setLinkIdentifier(manipulator.linkByIndex(0)->linkLabel());
+    planar.insertSparsityComponent(manipulator, 0, {}, true, sparsity);
     std::vector<bool> row(7, false);
     row[0] = true;
     EXPECT_EQ(sparsity[1], row);
@@ -177,34 +144,25 @@ public:
 
 TEST_F(NqPartialFrames, ACameraSeesOnlyWhatIsAcross) {
     lookAt.setFocusDistance(2.0);
-    NqEndEffectorPlacement focus;
-    lookAt.calculatePlacement(arm, state, focus);
-    EXPECT_NEAR((focus.coordSysXForm().translation() - here * NqVector(2.0, 0.0, 0.0)).mag(), 0.0, 1e-12);
+    const Pose focus = placement(lookAt);
+    expectNear(focus.translation(), here * NqVector(2.0, 0.0, 0.0), 1e-12);
 
     // From rest, and as if there were no way ahead.
-    expectNear(filter(lookAt, away({5.0, 0.03, -0.04}), {0.5, 0.5}, {0.5, 0.5}), {0.048, -0.064});
+    expectNear(filtered(lookAt, away({5.0, 0.03, -0.04}), {0.5, 0.5}, {0.5, 0.5}), {0.048, -0.064});
     lookAt.setFilteringActive(false);
-    expectNear(filter(lookAt, away({5.0, 0.03, -0.04}), {}, {}), {3.0, -4.0});
+    expectNear(filtered(lookAt, away({5.0, 0.03, -0.04})), {3.0, -4.0});
 
-    const NqEndEffectorPlacement aside = away({2.0, 2.0, 0.0});
+    const Placement aside = away({2.0, 2.0, 0.0});
     EXPECT_EQ(lookAt.difference(focus, aside), 0.0);
     ScaledLookAt scaled;
     scaled.setFocusDistance(2.0);
     EXPECT_NEAR(scaled.difference(focus, aside), 3.0 * std::atan(1.0), 1e-12);
-}
 
-TEST_F(NqPartialFrames, ACameraKnowsNoRelativeLinkAndNoBase) {
-    NqEndEffectorRelativeLinkData relative;
-    relative.setRelativeMode(NqEndEffectorRelativeLinkData::relativeModeInternal);
-    relative.setRelativeLinkID(model.secondLink);
-    NqReArray plain, related;
-    lookAt.insertJacobianComponent(arm, 0, {}, false, state, plain);
-    lookAt.insertJacobianComponent(arm, 0, relative, false, state, related);
-    EXPECT_EQ(related, plain);
+    // It knows no relative link and no base.
+    const NqReArray plain = rows(lookAt, {}, false);
+    EXPECT_EQ(rows(lookAt, internalTo(nqTestModels()[2].secondLink), false), plain);
     EXPECT_EQ(plain[1].back(), 0.0);
-    NqEndEffector::SparsityDescription sparsity;
-    lookAt.insertSparsityComponent(arm, 0, {}, false, sparsity);
-    EXPECT_EQ(sparsity[1], std::vector<bool>(13, true));
+    EXPECT_EQ(bits(lookAt, {}, false)[1], std::vector<bool>(13, true));
 }
 
 } // namespace

@@ -1,55 +1,35 @@
-#include "support/NqPrintCapture.h"
-#include "support/NqTestModels.h"
+#include "endeffector/NqEndEffectorTest.h"
 
 #include <nqControlCore/endeffector/special/NqAccelerometerEndEffector.h>
 #include <nqControlCore/endeffector/special/NqSagEndEffector.h>
-#include <nqControlCore/foundation/matrix/NqReArray.h>
 #include <nqControlCore/foundation/xml/NqXmlDocument.h>
-
-#include <gtest/gtest.h>
 
 #include <cmath>
 
 namespace {
 
-/// A boom that turns about y, with 2 kg at 1 m, on which a weightless slide runs out; the boom stands at 0.3.
-class NqBoom : public testing::Test {
+/// A boom that turns about y, with 2 kg at 1 m, on which a weightless slide runs out.
+std::shared_ptr<NqIndividualManipulator> boom() {
+    const NqVector reach(1.0, 0.0, 0.0);
+    auto arm = std::make_shared<NqIndividualManipulator>("boom", "base");
+    arm->addLink("base", "boom", NqJointDescription(NqJointDescription::Revolute), NqVector(),
+                 {0.0, 1.0, 0.0}, {2.0, 2.0 * reach, NqSecondMoment::ofPointMass(2.0, reach)});
+    arm->addLink("boom", "slide", NqJointDescription(NqJointDescription::Prismatic), NqVector(), reach);
+    return arm;
+}
+
+/// The boom stands at 0.3.
+class NqBoom : public NqEndEffectorTest {
 protected:
-    NqBoom() : state(makeBoom()) {
+    NqBoom() : NqEndEffectorTest(boom()) {
+        setJoints({0.3, 0.5}, {2.0, 1.0});
         sag.setLinkLabels({std::string("boom")});
         sag.setSpringConstants({100.0});
         sag.setCalibrationOffsets({0.05});
     }
 
-    NqManipulatorActiveState makeBoom() {
-        const NqVector reach(1.0, 0.0, 0.0);
-        manipulator.addLink("base", "boom", NqJointDescription(NqJointDescription::Revolute), NqVector(),
-                            {0.0, 1.0, 0.0}, {2.0, 2.0 * reach, NqSecondMoment::ofPointMass(2.0, reach)});
-        manipulator.addLink("boom", "slide", NqJointDescription(NqJointDescription::Prismatic), NqVector(),
-                            reach);
-        NqManipulatorActiveState result(manipulator);
-        result.setPositionState(NqPositionState(NqXmlRealVector{0.3, 0.5}));
-        result.setVelocityState(NqVelocityState(NqXmlRealVector{2.0, 1.0}));
-        return result;
-    }
+    Reals residuals(const Placement& before = {}) { return placement(sag, before).dataVector(); }
 
-    NqXmlRealVector residuals(NqEndEffectorPlacement placement = {}) {
-        sag.calculatePlacement(manipulator, state, placement);
-        return placement.dataVector();
-    }
-    NqReArray rows() {
-        NqReArray j;
-        sag.insertJacobianComponent(manipulator, 0, {}, true, state, j);
-        return j;
-    }
-    NqXmlRealVector velocity() {
-        NqXmlRealVector v;
-        sag.calculateVelocity(manipulator, state, v, 0);
-        return v;
-    }
-
-    NqIndividualManipulator manipulator{"boom", "base"};
-    NqManipulatorActiveState state;
     NqSagEndEffector sag;
     const double torque = 2.0 * 9.8 * std::cos(0.3);
     const double stiffening = 2.0 * 9.8 * std::sin(0.3);
@@ -57,24 +37,20 @@ protected:
 
 TEST_F(NqBoom, BalancesSpringAndGravity) {
     EXPECT_EQ(sag.doc(), 0u) << "not evaluated yet";
-    EXPECT_NEAR(residuals()[0], 100.0 * (0.3 - 0.05) - torque, 1e-13);
+    expectNear(residuals(), {100.0 * (0.3 - 0.05) - torque}, 1e-13);
     EXPECT_EQ(sag.doc(), 1u);
-    EXPECT_NEAR(rows()[0][0], 100.0 + stiffening, 1e-13);
-    EXPECT_NEAR(velocity()[0], 2.0 * (100.0 + stiffening), 1e-12);
-    NqXmlRealVector command;
-    sag.filterEndEffectorVelocity(manipulator, {}, {}, {}, 0.0, state, command);
-    EXPECT_EQ(command, NqXmlRealVector({-(0.1 * residuals()[0])})) << "a positive residual calls for less";
-    NqXmlRealVector acceleration(2, 7.0);
-    sag.calculateAcceleration(manipulator, state, acceleration, 0);
-    EXPECT_EQ(acceleration, NqXmlRealVector(2, 7.0));
+    EXPECT_NEAR(rows(sag)[0][0], 100.0 + stiffening, 1e-13);
+    expectNear(velocity(sag), {2.0 * (100.0 + stiffening)});
+    EXPECT_EQ(filtered(sag, {}), Reals({-(0.1 * residuals()[0])})) << "a positive residual calls for less";
+    EXPECT_EQ(acceleration(sag, Reals(2, 7.0)), Reals(2, 7.0));
     sag.setMotionThreshold(3.0);
     EXPECT_EQ(sag.motionThreshold(), 1.0);
     sag.setLinkLabels({std::string("boom")});
     EXPECT_EQ(sag.doc(), 0u) << "forgotten";
-    rows();
+    rows(sag);
     EXPECT_EQ(NqSagEndEffector(sag).doc(), 0u) << "a copy looks for itself";
 
-    NqEndEffectorPlacement a, b;
+    Placement a, b;
     a.setDataVector({4.0, 5.0, 100.0});
     b.setDataVector({1.0, 1.0});
     EXPECT_EQ(sag.difference(a, b), 5.0);
@@ -83,65 +59,55 @@ TEST_F(NqBoom, BalancesSpringAndGravity) {
 TEST_F(NqBoom, AJointBelowItsTriggerValueSwitchesGravityOff) {
     sag.setTriggerLinkLabel(std::string("slide"));
     for (const double threshold : {0.5, 0.6}) {
-        const bool isOn = threshold == 0.5; // where the slide stands
+        const double isOn = threshold == 0.5 ? 1.0 : 0.0; // where the slide stands
         sag.setActivationTriggerValues({threshold});
-        EXPECT_NEAR(residuals()[0], 25.0 - (isOn ? torque : 0.0), 1e-13);
-        EXPECT_NEAR(rows()[0][0], 100.0 + (isOn ? stiffening : 0.0), 1e-13);
-        EXPECT_NEAR(velocity()[0], 200.0 + (isOn ? 2.0 * stiffening : 0.0), 1e-12);
+        expectNear(residuals(), {25.0 - isOn * torque}, 1e-13);
+        EXPECT_NEAR(rows(sag)[0][0], 100.0 + isOn * stiffening, 1e-13);
+        expectNear(velocity(sag), {200.0 + 2.0 * isOn * stiffening});
     }
     sag.setTriggerLinkLabel(std::string());
-    EXPECT_NEAR(residuals()[0], 25.0, 1e-13) << "a trigger that was found stays";
+    expectNear(residuals(), {25.0}, 1e-13); // a trigger that was found stays
     sag.setTriggerLinkLabel(std::string("base"));
-    EXPECT_NEAR(residuals()[0], 25.0 - torque, 1e-13) << "no joint moves the base";
+    expectNear(residuals(), {25.0 - torque}, 1e-13); // no joint moves the base
 }
 
 TEST_F(NqBoom, RowsOfUnknownLabelsCountAndStay) {
     NqPrintCapture capture;
     sag.setLinkLabels({std::string("lost"), std::string("base"), std::string("boom"), std::string("slide")});
-    sag.setSpringConstants({1.0, 2.0, 100.0});
-    NqEndEffectorPlacement before;
+    sag.setSpringConstants(
+        {1.0, 2.0, 100.0}); // the smaller number counts, and an offset that is missing is 0
+    Placement before;
     before.setDataVector({7.0, 8.0, 9.0, 10.0});
-    const NqXmlRealVector after = residuals(before);
-    EXPECT_EQ(after.size(), 3u) << "the smaller number";
-    EXPECT_EQ(after[0], 7.0);
-    EXPECT_EQ(after[1], 8.0);
-    EXPECT_NEAR(after[2], 100.0 * 0.3 - torque, 1e-13) << "an offset that is missing is 0";
-    EXPECT_EQ(rows()[0], std::vector<double>(2));
+    expectNear(residuals(before), {7.0, 8.0, 100.0 * 0.3 - torque}, 1e-13);
+    EXPECT_EQ(rows(sag)[0], Row(2));
     EXPECT_EQ(capture.text(), "NqSagEndEffector::setLinkIndices(): bad label: lost.\n"
                               "NqSagEndEffector::setLinkIndices(): error: label is for base link\n");
-    NqXmlRealVector command;
-    sag.filterEndEffectorVelocity(manipulator, before, {}, {}, 0.0, state, command);
-    EXPECT_EQ(command[0], 0.0);
+    EXPECT_EQ(filtered(sag, before)[0], 0.0);
 }
 
 TEST_F(NqBoom, ComplaintsOfEditingLoseNothing) {
     NqPrintCapture capture;
-    NqLabelVector values = sag.editableValues();
-    values[1] = std::string("1,2");
-    values[6] = std::string("1,2");
+    Labels values = sag.editableValues();
+    values[1] = values[6] = std::string("1,2");
     sag.setEditableValues(values);
-    ASSERT_EQ(capture.lines().size(), 2u);
-    EXPECT_EQ(capture.lines()[0].first, 5u);
-    EXPECT_EQ(capture.lines()[1].first, 5u);
-    EXPECT_EQ(capture.text(),
-              "NqSagEndEffector::setEditableValues> Link Labels and Spring Constants count mismatch.\n"
-              "NqSagEndEffector::setEditableValues> Invalid gravity vector.\n");
+    const std::string name = "NqSagEndEffector::setEditableValues> ";
+    EXPECT_EQ(capture.lines(), (std::vector<std::pair<unsigned, std::string>>{
+                                   {5, name + "Link Labels and Spring Constants count mismatch.\n"},
+                                   {5, name + "Invalid gravity vector.\n"}}));
     EXPECT_EQ(sag.springConstants().size(), 2u);
     EXPECT_EQ(sag.gravity().value(), NqVector(0.0, 0.0, -9.8));
 
-    rows();
-    NqXmlDocument::readString("<sagEndEffector xmlns=\"http://nq.example/namespace/ct#\"><jointWeights>1 2 3"
-                              "</jointWeights></sagEndEffector>",
-                              sag);
+    rows(sag);
+    NqXmlDocument::readString("<sagEndEffector><jointWeights>1 2 3</jointWeights></sagEndEffector>", sag);
     EXPECT_EQ(sag.calibrationOffsets().size(), 3u);
     EXPECT_EQ(sag.doc(), 0u);
 }
 
-/// The arm of 6 joints, all but the third of which sag in some test.
-class NqSensorOnArm : public testing::Test {
+/// The arm of 6 joints, all but the third and the last of which sag in some test, and alone move.
+class NqSensorOnArm : public NqEndEffectorTest {
 protected:
-    NqSensorOnArm() {
-        NqLabelVector labels;
+    NqSensorOnArm() : NqEndEffectorTest(nqTestModels()[1], 3) {
+        Labels labels;
         for (const unsigned joint : {4u, 0u, 3u, 1u}) {
             labels.pushBack(manipulator.linkByIndex(joint)->linkLabel());
         }
@@ -156,50 +122,30 @@ protected:
         state.setVelocityState(velocities);
     }
 
-    NqReArray rows() {
-        NqReArray j;
-        sensor.insertJacobianComponent(manipulator, 0, {}, true, state, j);
-        return j;
-    }
-    NqXmlRealVector command(const NqEndEffectorPlacement& target) {
-        NqXmlRealVector filtered;
-        sensor.filterEndEffectorVelocity(manipulator, target, {}, {}, 0.01, state, filtered);
-        return filtered;
-    }
-    NqXmlRealVector velocity() {
-        NqXmlRealVector v;
-        sensor.calculateVelocity(manipulator, state, v, 1);
-        return v;
-    }
-
-    const NqIndividualManipulator& manipulator = *nqTestModels()[1].manipulator;
-    std::mt19937_64 random{3};
-    NqManipulatorActiveState state = nqRandomState(nqTestModels()[1], random);
-    const NqXmlRealVector& q = state.positionState().jointPositions();
+    const Reals& q = state.positionState().jointPositions();
     NqAccelerometerEndEffector sensor;
 };
 
 TEST_F(NqSensorOnArm, OffItHoldsTheFirstThreeSagJoints) {
-    const NqReArray j = rows();
-    EXPECT_EQ(j[0], std::vector<double>({1, 0, 0, 0, 0, 0}));
-    EXPECT_EQ(j[1], std::vector<double>({0, 1, 0, 0, 0, 0}));
-    EXPECT_EQ(j[2], std::vector<double>({0, 0, 0, 1, 0, 0}));
-    EXPECT_EQ(command({}), NqXmlRealVector({-200.0 * q[0], -200.0 * q[1], -200.0 * q[3]}));
+    const NqReArray j = rows(sensor);
+    EXPECT_EQ(j[0], Row({1, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(j[1], Row({0, 1, 0, 0, 0, 0}));
+    EXPECT_EQ(j[2], Row({0, 0, 0, 1, 0, 0}));
+    EXPECT_EQ(filtered(sensor, {}), Reals({-200.0 * q[0], -200.0 * q[1], -200.0 * q[3]}));
     sensor.setSagLinkLabels({});
-    EXPECT_EQ(rows(), NqReArray(3, 6));
-    EXPECT_EQ(command({}), NqXmlRealVector(3));
+    EXPECT_EQ(rows(sensor), NqReArray(3, 6));
+    EXPECT_EQ(filtered(sensor, {}), Reals(3));
 }
 
 TEST_F(NqSensorOnArm, OnItsRowsAreWhatSagJointsDo) {
     sensor.setIsOn(true);
     sensor.setGravityVector({1.0, -2.0, -9.0});
     sensor.setSagStiffness({50.0, 20.0}); // of the first two alone
-    const NqReArray j = rows();
-    std::vector<double> product;
+    const NqReArray j = rows(sensor);
+    Row product{0.0};
     ASSERT_TRUE(j.transform(state.velocityState().jointVelocities(), product));
-    for (unsigned i = 0; i < 3; ++i) {
-        EXPECT_NEAR(velocity()[1 + i], product[i], 1e-12) << "with only sag joints in motion";
-    }
+    product.insert(product.begin(), 0.0);
+    expectNear(velocity(sensor, {}, 1), product);
     EXPECT_EQ(j[2][2] + j[2][3] + j[2][4] + j[2][5], 0.0);
     NqManipulatorActiveState straight = state;
     NqPositionState zeros = state.positionState();
@@ -208,32 +154,47 @@ TEST_F(NqSensorOnArm, OnItsRowsAreWhatSagJointsDo) {
     straight.setPositionState(zeros);
     const auto& frame = manipulator.linkByIndex(1)->linkFrameInSystem(straight.activePositionState());
     EXPECT_NEAR(j[2][1], -20.0 * frame.orientation().zAxis().dot(sensor.gravityVector()), 1e-12);
-    NqEndEffector::SparsityDescription bits;
-    sensor.insertSparsityComponent(manipulator, 0, {}, true, bits);
+    const Sparsity set = bits(sensor);
     for (unsigned r = 0; r < 3; ++r) {
         for (unsigned c = 0; c < 6; ++c) {
-            EXPECT_TRUE(j[r][c] == 0.0 || bits[r][c]);
+            EXPECT_TRUE(j[r][c] == 0.0 || set[r][c]);
         }
     }
 
     // Where the target is what it reads, it doesn't turn; the third entry leads the springs to rest.
-    NqEndEffectorPlacement target;
-    sensor.calculatePlacement(manipulator, state, target);
-    const NqXmlRealVector filtered = command(target);
-    EXPECT_NEAR(filtered[0], 0.0, 1e-6);
-    EXPECT_NEAR(filtered[1], 0.0, 1e-6);
-    EXPECT_NEAR(filtered[2], -200.0 * (j[2][0] * q[0] + j[2][1] * q[1]), 1e-9);
+    expectNear(filtered(sensor, placement(sensor)), {0.0, 0.0, -200.0 * (j[2][0] * q[0] + j[2][1] * q[1])},
+               1e-6);
+}
+
+/// From rest the angular acceleration of the link is that of its joints. It is turned as though it were given
+/// in the sensor's axes.
+TEST_F(NqSensorOnArm, OnItsAccelerationIsThatOfTheWholeLink) {
+    sensor.setIsOn(true);
+    sensor.setSagStiffness({50.0, 20.0, 30.0});
+    state.setVelocityState(NqVelocityState(6));
+    const Reals& change = state.accelerationState().jointAccelerations();
+    const NqManipulatorLink& link = *manipulator.linkByLabel(sensor.linkIdentifier());
+    NqVector angular;
+    link.forEachUnitRateMotion(
+        {}, state.activePositionState(),
+        [&](unsigned joint, const NqGeneralMotion& motion) { angular += change[joint] * motion.angular(); });
+    const NqOrientation& axes = link.linkFrameInSystem(state.activePositionState()).orientation();
+    const NqVector turned =
+        axes * (sensor.sensorFrame().orientation().inverse() * (axes.inverse() * angular));
+    Row product;
+    ASSERT_TRUE(rows(sensor).transform(change, product));
+    expectNear(acceleration(sensor, Reals(6, 7.0), 1), {7.0, turned.x(), turned.y(), product[2], 7.0, 7.0});
 }
 
 TEST_F(NqSensorOnArm, OnItMissesItsLink) {
     sensor.setIsOn(true);
     sensor.setLinkIdentifier("gone");
     NqPrintCapture capture;
-    EXPECT_EQ(rows(), NqReArray(3, 6));
-    EXPECT_EQ(velocity(), NqXmlRealVector(4));
-    EXPECT_EQ(command({}), NqXmlRealVector(3));
-    NqEndEffectorPlacement placement;
-    sensor.calculatePlacement(manipulator, state, placement);
+    EXPECT_EQ(rows(sensor), NqReArray(3, 6));
+    EXPECT_EQ(velocity(sensor, {}, 1), Reals(4));
+    EXPECT_EQ(acceleration(sensor, {}, 1), Reals(4));
+    EXPECT_EQ(filtered(sensor, {}), Reals(3));
+    placement(sensor);
     const std::string start = "NqAccelerometerEndEffector::";
     const std::string end = "(): bad label on accelerometer end effector: gone.\n";
     EXPECT_EQ(capture.text(), start + "insertJacobianComponent" + end + start +
@@ -241,34 +202,38 @@ TEST_F(NqSensorOnArm, OnItMissesItsLink) {
                                   end);
 }
 
-TEST(NqAccelerometer, LevelsAPlatform) {
-    NqIndividualManipulator platform("platform", "ground");
-    platform.addLink("ground", "roll", NqJointDescription(NqJointDescription::Revolute), NqVector(),
-                     {1.0, 0.0, 0.0});
-    platform.addLink("roll", "pitch", NqJointDescription(NqJointDescription::Revolute), NqVector(),
-                     {0.0, 1.0, 0.0});
-    NqManipulatorActiveState state(platform);
-    NqPositionState positions(NqXmlRealVector{0.5, -0.4});
+std::shared_ptr<NqIndividualManipulator> tiltingPlatform() {
+    const NqJointDescription revolute(NqJointDescription::Revolute);
+    auto platform = std::make_shared<NqIndividualManipulator>("platform", "ground");
+    platform->addLink("ground", "roll", revolute, NqVector(), {1.0, 0.0, 0.0});
+    platform->addLink("roll", "pitch", revolute, NqVector(), {0.0, 1.0, 0.0});
+    return platform;
+}
+
+class NqPlatform : public NqEndEffectorTest {
+protected:
+    NqPlatform() : NqEndEffectorTest(tiltingPlatform()) {}
+};
+
+TEST_F(NqPlatform, IsLevelledByASensor) {
+    NqPositionState positions(Reals{0.5, -0.4});
     positions.setBaseFrame({NqVector(), NqOrientation(0.3, {0.2, 1.0, 0.1})});
     NqAccelerometerEndEffector sensor;
     sensor.setLinkIdentifier("pitch");
     sensor.setSagLinkLabels({std::string("roll"), std::string("pitch")});
     sensor.setIsOn(true);
-    const NqEndEffectorPlacement target(
-        {NqVector(), NqOrientation(M_PI, {1.0, 0.0, 0.0})}); // gravity along -z
+    const Placement target(Pose(NqVector(), NqOrientation(M_PI, {1.0, 0.0, 0.0}))); // gravity along -z
     constexpr double timeStep = 0.01;
-    NqXmlRealVector w;
+    Reals w;
     for (unsigned i = 0; i < 300; ++i) {
         state.setPositionState(positions);
-        NqReArray j;
-        sensor.insertJacobianComponent(platform, 0, {}, true, state, j);
-        const NqXmlRealVector previous = w;
-        sensor.filterEndEffectorVelocity(platform, target, {}, previous, timeStep, state, w);
+        const NqReArray j = rows(sensor);
+        w = filtered(sensor, target, {}, w, timeStep);
         const double determinant = j[0][0] * j[1][1] - j[0][1] * j[1][0];
         positions.jointPositions()[0] += timeStep * (w[0] * j[1][1] - w[1] * j[0][1]) / determinant;
         positions.jointPositions()[1] += timeStep * (w[1] * j[0][0] - w[0] * j[1][0]) / determinant;
     }
-    const auto& frame = platform.linkByLabel("pitch")->primaryFrameInSystem(state.activePositionState());
+    const auto& frame = manipulator.linkByLabel("pitch")->primaryFrameInSystem(state.activePositionState());
     EXPECT_NEAR(frame.orientation().zAxis().z(), 1.0, 1e-6);
 }
 

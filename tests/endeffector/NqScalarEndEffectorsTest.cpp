@@ -1,49 +1,26 @@
-#include "support/NqPrintCapture.h"
-#include "support/NqTestModels.h"
+#include "endeffector/NqEndEffectorTest.h"
 
 #include <nqControlCore/endeffector/NqAxisRotateEndEffector.h>
 #include <nqControlCore/endeffector/NqLinearConstraintEndEffector.h>
 #include <nqControlCore/endeffector/NqPointDistanceEndEffector.h>
 #include <nqControlCore/foundation/xml/NqXmlDocument.h>
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 
 namespace {
 
 /// A planar arm, joints at 0.4 and 0.7.
-class NqPlanarNumbers : public testing::Test {
+class NqPlanarNumbers : public NqEndEffectorTest {
 protected:
-    NqPlanarNumbers() : state(manipulator) {
+    NqPlanarNumbers() : NqEndEffectorTest(nqTestModels()[0].manipulator) {
         linear.setLinkLabels({std::string("upper"), std::string("hand")});
         linear.setLinkWeights({2.0, -3.0, 100.0});
         linear.setWeightedSum(0.25);
-        state.setPositionState(NqPositionState(NqXmlRealVector{0.4, 0.7}));
-        state.setVelocityState(NqVelocityState(NqXmlRealVector{2.0, -1.0}));
+        setJoints({0.4, 0.7}, {2.0, -1.0});
     }
 
-    double number(const NqEndEffector& endEffector) {
-        NqEndEffectorPlacement placement;
-        endEffector.calculatePlacement(manipulator, state, placement);
-        return placement.coordSysXForm().translation().z();
-    }
-    double error(const NqEndEffector& endEffector, double desired) {
-        NqXmlRealVector error(3, 7.0);
-        endEffector.calculateEndEffectorError(
-            manipulator, NqEndEffectorPlacement(NqVector(0.0, 0.0, desired)), state, error);
-        EXPECT_EQ(error.size(), 1u);
-        return error[0];
-    }
-    std::vector<double> row(const NqEndEffector& endEffector,
-                            const NqEndEffectorRelativeLinkData& relative = {}) {
-        NqReArray j;
-        endEffector.insertJacobianComponent(manipulator, 0, relative, true, state, j);
-        return j[0];
-    }
+    Row row(const NqEndEffector& e, const Relative& relative = {}) { return rows(e, relative)[0]; }
 
-    const NqIndividualManipulator& manipulator = *nqTestModels()[0].manipulator;
-    NqManipulatorActiveState state;
     NqLinearConstraintEndEffector linear;
     NqPointDistanceEndEffector distance;
     NqAxisRotateEndEffector axis;
@@ -51,21 +28,21 @@ protected:
 
 TEST_F(NqPlanarNumbers, LinearConstraintSumsWeightedJoints) {
     EXPECT_EQ(number(linear), -0.25 + 0.4 * 2.0 + 0.7 * -3.0);
-    EXPECT_NEAR(error(linear, 1.0), -1.55 - 1.0, 1e-15) << "present less desired";
-    EXPECT_EQ(row(linear), std::vector<double>({2.0, -3.0}));
+    expectNear(error(linear, at(1.0)), {-1.55 - 1.0}, 1e-15); // present less desired
+    EXPECT_EQ(row(linear), Row({2.0, -3.0}));
 
     linear.setIsInteractive(false);
     EXPECT_EQ(number(linear), 0.0) << "left alone";
-    EXPECT_EQ(error(linear, 1.0), 0.0);
+    EXPECT_EQ(error(linear, at(1.0)), Reals({0.0}));
     linear.setMotionThreshold(0.0);
-    EXPECT_EQ(linear.minimumTime({}, NqEndEffectorPlacement(NqVector(0.0, 0.0, 1.0))), 0.0);
+    EXPECT_EQ(linear.minimumTime({}, at(1.0)), 0.0);
     linear.setMotionThreshold(0.5);
     linear.setSpeedFactor(0.1);
-    EXPECT_EQ(linear.minimumTime({}, NqEndEffectorPlacement(NqVector(0.0, 0.0, -1.0))), 2.0);
+    EXPECT_EQ(linear.minimumTime({}, at(-1.0)), 2.0);
 
     const NqLinearConstraintEndEffector none;
-    EXPECT_EQ(row(none), std::vector<double>(2));
-    EXPECT_EQ(error(none, 1.0), 0.0) << "without a joint nothing is asked for";
+    EXPECT_EQ(row(none), Row(2));
+    EXPECT_EQ(error(none, at(1.0)), Reals({0.0})) << "without a joint nothing is asked for";
 }
 
 TEST_F(NqPlanarNumbers, LinearConstraintLeavesOutWhatHasNoJoint) {
@@ -73,29 +50,27 @@ TEST_F(NqPlanarNumbers, LinearConstraintLeavesOutWhatHasNoJoint) {
     linear.setLinkLabels({std::string(), std::string("lost,base")});
     linear.setEditableValue(0, linear.editableValues()[0]);
     linear.setEditableValues();
-    EXPECT_EQ(linear.linkLabels(), NqLabelVector({std::string(), std::string("lost"), std::string("base")}));
+    EXPECT_EQ(linear.linkLabels(), Labels({std::string(), std::string("lost"), std::string("base")}));
     linear.setLinkLabels({std::string("base"), std::string("lost"), std::string("lower")});
-    EXPECT_EQ(row(linear), std::vector<double>({0.0, 100.0}));
-    EXPECT_EQ(row(linear), std::vector<double>({0.0, 100.0})) << "labels are looked up once";
+    EXPECT_EQ(row(linear), Row({0.0, 100.0}));
+    EXPECT_EQ(row(linear), Row({0.0, 100.0})) << "labels are looked up once";
     EXPECT_EQ(capture.text(),
               "NqLinearConstraintEndEffector::setLinkIndices(): error: label is for base link\n"
               "NqLinearConstraintEndEffector::setLinkIndices(): bad label: lost.\n");
 }
 
 TEST_F(NqPlanarNumbers, LinearConstraintRemembersItsJointsUntilItChanges) {
-    EXPECT_EQ(row(linear), std::vector<double>({2.0, -3.0}));
+    EXPECT_EQ(row(linear), Row({2.0, -3.0}));
     const NqIndividualManipulator other("other", "root");
     NqManipulatorActiveState otherState(other);
     NqPrintCapture capture;
     NqReArray j;
     linear.insertJacobianComponent(other, 0, {}, true, otherState, j);
-    EXPECT_EQ(
-        capture.text(),
-        "NqLinearConstraintEndEffector::insertSparsityComponent(): Indices out of range: row 0 and column "
-        "0\nNqLinearConstraintEndEffector::insertSparsityComponent(): Indices out of range: row 0 and "
-        "column 1\n");
+    const std::string message =
+        "NqLinearConstraintEndEffector::insertSparsityComponent(): Indices out of range: row 0 and column ";
+    EXPECT_EQ(capture.text(), message + "0\n" + message + "1\n");
     linear.setLinkWeights({1.0}); // fewer than were looked up
-    EXPECT_EQ(row(linear), std::vector<double>({1.0, 0.0}));
+    EXPECT_EQ(row(linear), Row({1.0, 0.0}));
 
     // A copy looks up for itself, and so does an object after it was assigned to, read or relabelled.
     capture.clear();
@@ -104,18 +79,16 @@ TEST_F(NqPlanarNumbers, LinearConstraintRemembersItsJointsUntilItChanges) {
     EXPECT_TRUE(capture.contains("bad label: upper"));
     EXPECT_TRUE(linear.changeLinkLabel("upper", "lower"));
     EXPECT_FALSE(linear.changeLinkLabel("upper", "lower"));
-    EXPECT_EQ(row(linear), std::vector<double>({1.0, 0.0})) << "renaming forgets nothing";
+    EXPECT_EQ(row(linear), Row({1.0, 0.0})) << "renaming forgets nothing";
     NqLinearConstraintEndEffector assigned = copy;
-    EXPECT_EQ(row(assigned), std::vector<double>({1.0, 0.0}));
+    EXPECT_EQ(row(assigned), Row({1.0, 0.0}));
     assigned = linear;
-    EXPECT_EQ(row(assigned), std::vector<double>({0.0, 1.0}));
+    EXPECT_EQ(row(assigned), Row({0.0, 1.0}));
     ASSERT_TRUE(NqXmlDocument::readString(
-        "<linearConstraintEndEffector xmlns=\"http://nq.example/namespace/ct#\"><jointLabels "
-        "count=\"1\"><group>"
-        "<value>upper</value></group></jointLabels><gain>3</gain><threshold>2</threshold>"
-        "</linearConstraintEndEffector>",
+        "<linearConstraintEndEffector><jointLabels count=\"1\"><group><value>upper</value></group>"
+        "</jointLabels><gain>3</gain><threshold>2</threshold></linearConstraintEndEffector>",
         assigned));
-    EXPECT_EQ(row(assigned), std::vector<double>({1.0, 0.0}));
+    EXPECT_EQ(row(assigned), Row({1.0, 0.0}));
     EXPECT_EQ(assigned.gain(), 200.0) << "the gain of old files doesn't reach the filter";
 }
 
@@ -124,17 +97,13 @@ TEST_F(NqPlanarNumbers, DistanceIsThatOfTwoPoints) {
     distance.setLabelTwo("hand");
     distance.setPointTwo({0.1, 0.0, 0.0});
     EXPECT_NEAR(number(distance), std::hypot(0.5 + 0.5 * std::cos(0.7), 0.5 * std::sin(0.7)), 1e-15);
-    const std::vector<double> both = row(distance);
-    EXPECT_NEAR(both[0], 0.0, 1e-15) << "the shoulder turns both alike";
-    EXPECT_EQ(error(distance, 0.2), 0.0);
+    EXPECT_NEAR(row(distance)[0], 0.0, 1e-15) << "the shoulder turns both alike";
+    EXPECT_EQ(error(distance, at(0.2)), Reals({0.0}));
 
-    // The target is never less than 5 mm: points that coincide part.
+    // The target is never less than 5 mm: points that coincide part, and are there within the step.
     distance.setLabelTwo("upper");
     distance.setPointTwo({});
-    NqXmlRealVector filtered;
-    distance.filterEndEffectorVelocity(manipulator, NqEndEffectorPlacement(NqVector(0.0, 0.0, -1.0)), {}, {},
-                                       0.01, state, filtered);
-    EXPECT_EQ(filtered, NqXmlRealVector({0.5})) << "there within the step";
+    EXPECT_EQ(filtered(distance, at(-1.0)), Reals({0.5}));
 }
 
 TEST_F(NqPlanarNumbers, DistanceKeepsTheChainWhoseLinkIsKnown) {
@@ -144,17 +113,14 @@ TEST_F(NqPlanarNumbers, DistanceKeepsTheChainWhoseLinkIsKnown) {
     EXPECT_FALSE(distance.changeLinkLabel("one", "lost"));
     distance.setLabelTwo("two");
     EXPECT_TRUE(distance.changeLinkLabel("two", "second"));
-    EXPECT_EQ(distance.labelTwo(), "second");
-    EXPECT_EQ(distance.labelOne(), "lost");
+    EXPECT_TRUE(distance.labelTwo() == "second" && distance.labelOne() == "lost");
     distance.setLabelTwo("hand");
     NqPrintCapture capture;
     // From the origin to the hand: only the elbow changes the distance.
-    const std::vector<double> columns = row(distance);
+    const Row columns = row(distance);
     EXPECT_NEAR(columns[0], 0.0, 1e-15);
     EXPECT_GT(std::fabs(columns[1]), 0.1);
-    NqEndEffector::SparsityDescription sparsity;
-    distance.insertSparsityComponent(manipulator, 0, {}, true, sparsity);
-    EXPECT_EQ(sparsity[0], std::vector<bool>({true, true}));
+    EXPECT_EQ(bits(distance)[0], std::vector<bool>({true, true}));
     const std::string name = "NqPointDistanceEndEffector::";
     EXPECT_EQ(capture.text(), name + "insertJacobianComponent(): bad label on point1: : lost.\n" + name +
                                   "insertSparsityComponent(): bad label on first point: own.\n");
@@ -165,7 +131,7 @@ TEST_F(NqPlanarNumbers, AxisAngleIsMeasuredFromTheRightAngle) {
     // The hand's z axis leans by 0.3 from the arm's; the elbow turns it about z.
     axis.setReferenceAxis({0.0, 0.0, 1.0});
     EXPECT_NEAR(number(axis), 0.3 - std::acos(0.0), 1e-15);
-    EXPECT_NEAR(error(axis, 0.1), 0.3 - std::acos(0.0) - 0.1, 1e-15);
+    expectNear(error(axis, at(0.1)), {0.3 - std::acos(0.0) - 0.1}, 1e-15);
     EXPECT_NEAR(row(axis)[0], 0.0, 1e-15);
     axis.setOrientation(NqOrientation(-0.3, {1.0, 0.0, 0.0}));
     EXPECT_FALSE(std::isfinite(row(axis)[0]) && std::isfinite(row(axis)[1])) << "parallel axes";
@@ -173,31 +139,26 @@ TEST_F(NqPlanarNumbers, AxisAngleIsMeasuredFromTheRightAngle) {
     // The reference axis in the upper link, which turns at a rate of 2: the rate enters each column.
     axis.setOrientation(NqOrientation(0.6, {1.0, 0.0, 0.0}));
     axis.setReferenceAxis({1.0, 0.0, 0.0});
-    NqEndEffectorRelativeLinkData relative;
-    relative.setRelativeMode(NqEndEffectorRelativeLinkData::relativeModeInternal);
-    relative.setRelativeLinkID("upper");
-    axis.setRelativeLinkData(relative);
+    axis.setRelativeLinkData(internalTo("upper"));
     const double lean = std::sin(0.9);
     const double x = lean * std::sin(0.7); // z leans to -y of the lower link
     EXPECT_NEAR(number(axis), std::acos(x) - std::acos(0.0), 1e-15);
     const double slope = -1.0 / std::sqrt(1.0 - x * x);
     const double turn = lean * std::cos(0.7);
-    EXPECT_NEAR(row(axis, relative)[0], slope * (turn - 2.0 * turn), 1e-14);
+    EXPECT_NEAR(row(axis, internalTo("upper"))[0], slope * (turn - 2.0 * turn), 1e-14);
 }
 
 TEST_F(NqPlanarNumbers, AxisRefusesShortVelocities) {
     axis.setLinkIdentifier("hand");
     axis.setReferenceAxis({1.0, 0.0, 0.0});
     NqPrintCapture capture;
-    NqXmlRealVector filtered = {0.5, 0.25};
-    axis.filterEndEffectorVelocity({0.1}, {}, 0.1, filtered);
-    axis.filterEndEffectorVelocity(manipulator, {}, {}, {0.1}, 0.1, state, filtered);
-    EXPECT_EQ(filtered, NqXmlRealVector({0.5, 0.25}));
+    const Reals before = {0.5, 0.25};
+    EXPECT_EQ(limited(axis, {0.1}, {}, 0.1, before), before);
+    EXPECT_EQ(filtered(axis, {}, {}, {0.1}, 0.1, before), before);
     const std::string message =
         "NqAxisRotateEndEffector::filterEndEffectorVelocity input velocity size wrong.";
     EXPECT_EQ(capture.text(), message + message);
-    axis.filterEndEffectorVelocity({0.1}, {0.1}, 0.1, filtered);
-    EXPECT_EQ(filtered, NqXmlRealVector({0.1}));
+    EXPECT_EQ(limited(axis, {0.1}, {0.1}, 0.1, before), Reals({0.1}));
 }
 
 } // namespace

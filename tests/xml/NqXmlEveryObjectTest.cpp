@@ -4,10 +4,6 @@
 #include "support/NqXmlRoundTrip.h"
 
 #include <nqControlCore/filter/NqGeneralMotionAccFilter.h>
-#include <nqControlCore/filter/NqGeneralMotionFilter.h>
-#include <nqControlCore/filter/NqPointMotionFilter.h>
-#include <nqControlCore/filter/NqRotationMotionFilter.h>
-#include <nqControlCore/filter/NqScalarMotionFilter.h>
 #include <nqControlCore/foundation/xml/NqXmlObjectVisitor.h>
 
 #include <gtest/gtest.h>
@@ -16,14 +12,6 @@
 #include <fstream>
 
 namespace {
-
-using Point = NqPointMotionFilter;
-using Scalar = NqScalarMotionFilter;
-using Rotation = NqRotationMotionFilter;
-using General = NqGeneralMotionFilter;
-using Acceleration = NqGeneralMotionAccFilter;
-
-const std::string kMode = "<filteringMode>trapezoidal</filteringMode>";
 
 struct ObjectCase {
     const char* name;
@@ -70,19 +58,14 @@ NqCoordinateSystemTransformation samplePose() {
 
 #define NQ_CT "xmlns=\"http://nq.example/namespace/ct#\""
 
-/// A filter in which each of these setters has left another number, and the element that shows it. `fixed` is
-/// what stands in front of them.
-template <typename Filter>
-ObjectCase filterCase(const char* name, const std::string& element, const std::string& fixed,
-                      std::initializer_list<std::pair<const char*, void (Filter::*)(double)>> fields) {
-    Filter filter;
-    double value = 0.1 + 0.2;
-    std::string text = "<" + element + " " NQ_CT ">" + fixed;
-    for (const auto& [field, set] : fields) {
-        (filter.*set)(++value);
-        text += "<" + std::string(field) + ">" + NqXmlBasicType<double>(value).toText() + "</" + field + ">";
-    }
-    return {name, made(filter), text + "</" + element + ">"};
+NqGeneralMotionAccFilter sampleFilter() {
+    NqGeneralMotionAccFilter filter;
+    filter.setOffset({0.1, 0.2, 0.3});
+    filter.setAngularWeight(0.25);
+    filter.setThreshold(0.1 + 0.2);
+    filter.setLinearGain(30.0);
+    filter.setAngularGain(40.0);
+    return filter;
 }
 
 class NqXmlEveryObject : public testing::TestWithParam<ObjectCase> {};
@@ -125,40 +108,11 @@ INSTANTIATE_TEST_SUITE_P(
                    "><element><key>&lt;second&gt;</key><circle type=\"shape\"/></element>"
                    "<element><key>first</key><square type=\"shape\"><size>1</size>"
                    "<filteringMode>trapezoidal</filteringMode></square></element></endEffectorMap>"},
-        filterCase<Point>("PointFilter", "pointMotionFilter", kMode,
-                          {{"exponent", &Point::setExponent},
-                           {"threshold", &Point::setThreshold},
-                           {"accelerationThreshold", &Point::setAccelerationThreshold},
-                           {"decelerationThreshold", &Point::setDecelerationThreshold},
-                           {"linearGain", &Point::setLinearGain}}),
-        filterCase<Scalar>("ScalarFilter", "scalarMotionFilter", kMode,
-                           {{"exponent", &Scalar::setExponent},
-                            {"threshold", &Scalar::setThreshold},
-                            {"accelerationThreshold", &Scalar::setAccelerationThreshold},
-                            {"decelerationThreshold", &Scalar::setDecelerationThreshold},
-                            {"gain", &Scalar::setGain}}),
-        filterCase<Rotation>("RotationFilter", "generalMotionFilter", kMode,
-                             {{"exponent", &Rotation::setExponent},
-                              {"angularVelocityThreshold", &Rotation::setAngularVelocityThreshold},
-                              {"angularAccelerationThreshold", &Rotation::setAngularAccelerationThreshold},
-                              {"angularDecelerationThreshold", &Rotation::setAngularDecelerationThreshold},
-                              {"angularGain", &Rotation::setAngularGain}}),
-        filterCase<General>("GeneralFilter", "generalMotionFilter",
-                            kMode + "<exponent>0</exponent><offset>0 0 0</offset>",
-                            {{"linearVelocityThreshold", &General::setLinearVelocityThreshold},
-                             {"angularVelocityThreshold", &General::setAngularVelocityThreshold},
-                             {"linearAccelerationThreshold", &General::setLinearAccelerationThreshold},
-                             {"angularAccelerationThreshold", &General::setAngularAccelerationThreshold},
-                             {"linearDecelerationThreshold", &General::setLinearDecelerationThreshold},
-                             {"angularDecelerationThreshold", &General::setAngularDecelerationThreshold},
-                             {"linearGain", &General::setLinearGain},
-                             {"angularGain", &General::setAngularGain}}),
-        filterCase<Acceleration>("AccelerationFilter", "generalMotionAccelerationFilter",
-                                 "<offset>0 0 0</offset>",
-                                 {{"angularWeight", &Acceleration::setAngularWeight},
-                                  {"threshold", &Acceleration::setThreshold},
-                                  {"linearGain", &Acceleration::setLinearGain},
-                                  {"angularGain", &Acceleration::setAngularGain}})),
+        ObjectCase{"AccelerationFilter", made(sampleFilter()),
+                   "<generalMotionAccelerationFilter " NQ_CT
+                   "><offset>0.1 0.2 0.3</offset><angularWeight>0.25</angularWeight><threshold>"
+                   "0.30000000000000004</threshold><linearGain>30</linearGain><angularGain>40</angularGain>"
+                   "</generalMotionAccelerationFilter>"}),
     [](const auto& which) { return which.param.name; });
 
 TEST_P(NqXmlEveryObject, HasItsFormAndReadsBack) {

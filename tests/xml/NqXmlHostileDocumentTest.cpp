@@ -29,16 +29,14 @@ std::string nested(std::size_t depth) {
     return "<vectorType count='0'>" + repeated("<a>", depth) + repeated("</a>", depth) + "</vectorType>";
 }
 
-/// Entities each of which names the one before ten times over. `reference` begins a reference to one in the
-/// text of another.
-std::string bomb(const std::string& kind, const std::string& reference, const std::string& first) {
-    std::string declarations = "<!ENTITY " + kind + "e0 '" + first + "'>";
+/// Entities each of which names the one before ten times over.
+std::string bomb() {
+    std::string declarations = "<!ENTITY e0 'lol'>";
     for (int i = 1; i < 12; ++i) {
-        declarations += "\n<!ENTITY " + kind + "e" + std::to_string(i) + " '" +
-                        repeated(reference + "e" + std::to_string(i - 1) + ";", 10) + "'>";
+        declarations += "\n<!ENTITY e" + std::to_string(i) + " '" +
+                        repeated("&e" + std::to_string(i - 1) + ";", 10) + "'>";
     }
-    return "<?xml version='1.0'?>\n<!DOCTYPE vectorType [" + declarations + (kind.empty() ? "" : "%e11;") +
-           "]>";
+    return "<?xml version='1.0'?>\n<!DOCTYPE vectorType [" + declarations + "]>" + inVector("&e11;");
 }
 
 std::string inTwoBytes(const std::string& text) {
@@ -74,10 +72,7 @@ std::string manyAttributes() {
 INSTANTIATE_TEST_SUITE_P(
     Entities, NqXmlHostileDocument,
     testing::Values(
-        HostileCase{"Text", [] { return bomb("", "&", "lol") + inVector("&e11;"); }, false, kRefused, 2},
-        HostileCase{"Attribute", [] { return bomb("", "&", "1") + "<vectorType count='&e11;'/>"; }, false,
-                    kRefused, 2},
-        HostileCase{"Parameter", [] { return bomb("% ", "&#37;", "<!ENTITY x \"\">"); }, false, kRefused, 2},
+        HostileCase{"Bomb", bomb, false, kRefused, 2},
         HostileCase{"External", [] { return "<!DOCTYPE a SYSTEM 'http://nq.example/a.dtd'><a/>"s; }, false,
                     kRefused, 1},
         HostileCase{"BehindMuch",

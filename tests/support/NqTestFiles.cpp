@@ -10,3 +10,6 @@ std::string nqTestModelFile(const std::string& name) {
 std::string nqGoldenFile(const std::string& name) {
     return NQ_PROJECT "/tests/golden" + name;
 }
+std::string nqCorpusFolder() {
+    return NQ_PROJECT "/tests/fuzz/corpus/";
+}

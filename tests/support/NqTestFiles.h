@@ -8,3 +8,5 @@ std::string nqModelFile(const std::string& name = {});
 std::string nqTestModelFile(const std::string& name = {});
 /// The same in the folder of files whose form has to stay.
 std::string nqGoldenFile(const std::string& name = {});
+/// The folder of what fuzzing has found, with a folder for each target in it.
+std::string nqCorpusFolder();

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <nqControlCore/foundation/math/NqEndEffectorPlacement.h>
+#include <nqControlCore/foundation/math/NqGeneralMotion.h>
+#include <nqControlCore/foundation/matrix/NqReArray.h>
+
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -22,6 +26,28 @@ public:
         for (const double value : values) {
             add(value);
         }
+    }
+    void add(const NqVector& vector) {
+        add(vector.x());
+        add(vector.y());
+        add(vector.z());
+    }
+    void add(const NqGeneralMotion& motion) {
+        add(motion.linear());
+        add(motion.angular());
+    }
+    void add(const NqReArray& matrix) {
+        add(matrix.size());
+        for (std::size_t i = 0; i < matrix.size(); ++i) {
+            add(matrix[i]);
+        }
+    }
+    void add(const NqEndEffectorPlacement& placement) {
+        add(placement.coordSysXForm().translation());
+        double q0, q1, q2, q3;
+        placement.coordSysXForm().orientation().getQuaternion(q0, q1, q2, q3);
+        add(std::vector{q0, q1, q2, q3});
+        add(placement.dataVector().values());
     }
     unsigned long long value() const { return m_Value; }
 

@@ -1,14 +1,17 @@
 // Prints checksums over every bit of results: of 1000 control steps, by case, and of what else computes, by
 // section. Builds with other compilers or options must print the same; NqStepHash.txt holds what.
-#include "NqBenchmarkCases.h"
 #include "NqHashSections.h"
+#ifndef NQ_WITHOUT_URDF
+#include "NqBenchmarkCases.h"
 #include "NqOwnPeer.h"
+#endif
 
 #include <nqControlCore/foundation/text/NqPrint.h>
 
 #include <bit>
 #include <cstdio>
 
+#ifndef NQ_WITHOUT_URDF
 namespace {
 
 constexpr unsigned kSteps = 1000;
@@ -52,10 +55,14 @@ bool printControlSteps(const std::string& models) {
 }
 
 } // namespace
+#endif
 
 int main(int argc, char** argv) {
     const std::string project = argc > 1 ? argv[1] : NQ_PROJECT;
-    bool isComplete = printControlSteps(project + "/models");
+    bool isComplete = true;
+#ifndef NQ_WITHOUT_URDF
+    isComplete = printControlSteps(project + "/models");
+#endif
     const auto print = [&](const std::string& name, const NqChecksum& checksum, bool isSectionComplete) {
         std::printf("%s: %016llx\n", name.c_str(), checksum.value());
         isComplete = isComplete && isSectionComplete;
@@ -63,12 +70,14 @@ int main(int argc, char** argv) {
     // Some of what is asked here is out of reach or none of the constraint's, and reported.
     Nq::Print::instance().setSink([](unsigned, const std::string&) {});
     NqHashSections::elementaryFunctions(print);
+#ifndef NQ_WITHOUT_URDF
     NqHashSections::constraints(project, print);
+    NqHashSections::loops(project, print);
+#endif
     NqHashSections::expressions(project, print);
     NqHashSections::filters(print);
     NqHashSections::profileTool(print);
     NqHashSections::limitedSolvers(print);
-    NqHashSections::loops(project, print);
     if (!isComplete) {
         std::fputs("some of it could not be read\n", stderr);
     }

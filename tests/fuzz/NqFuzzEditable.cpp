@@ -26,8 +26,7 @@ const std::vector<std::unique_ptr<NqEndEffector>>& samples() {
 
 std::string textOf(const NqXmlObject& object) {
     std::string text;
-    NqXmlDocument::writeString(text, object);
-    return text;
+    return NqXmlDocument::writeString(text, object) ? text : std::string();
 }
 
 /// All that a control step asks, with results of the sizes that are promised.
@@ -96,8 +95,9 @@ void nqFuzzEditable(NqFuzzInput& input) {
     const NqLabelVector shown = endEffector->editableValues();
     endEffector->setEditableValues(shown);
     nqHolds(endEffector->editableValues() == shown, "what is shown sets the same");
-    std::string text; // a label may hold what XML can't
-    if (NqXmlDocument::writeString(text, *endEffector)) {
+    const std::string text = textOf(*endEffector);
+    if (!text.empty()) { // no label holds what XML can't; reading may complete lists
+        NqXmlDocument::readString(text, *endEffector);
         nqWrittenAndReadBack(*endEffector);
     }
     step(*endEffector, isBaseFixed, input);

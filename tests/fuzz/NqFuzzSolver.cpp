@@ -37,14 +37,21 @@ void checkSolution(const NqCoreVelocityControlTool& tool, const NqReArray& jacob
             return;
         }
     }
+    double largest = 0.0; // of the rates, and of the rows
+    double row = 0.0;
+    for (unsigned i = 0; i < factors.size(); ++i) {
+        largest = std::fmax(largest, std::fabs(rates[i]));
+        for (unsigned k = 0; k < jacobian.size(); ++k) {
+            row = std::fmax(row, std::fabs(jacobian[k][i]));
+        }
+    }
     for (unsigned i = 0; i < jacobian.size(); ++i) {
         double made = 0.0;
-        double size = std::fabs(velocity[i]);
         for (unsigned j = 0; j < factors.size(); ++j) {
             made += jacobian[i][j] * rates[j];
-            size += std::fabs(jacobian[i][j] * rates[j]);
         }
-        nqHolds(std::fabs(made - velocity[i]) <= 1.0e-9 * size, "the rates give the velocity");
+        nqHolds(std::fabs(made - velocity[i]) <= 1.0e-9 * (row * largest + std::fabs(velocity[i])),
+                "the rates give the velocity");
     }
 }
 

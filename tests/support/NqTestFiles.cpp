@@ -13,3 +13,6 @@ std::string nqGoldenFile(const std::string& name) {
 std::string nqHeaderFile(const std::string& name) {
     return NQ_PROJECT "/nqControlCore" + name;
 }
+std::string nqCorpusFolder() {
+    return NQ_PROJECT "/tests/fuzz/corpus/";
+}

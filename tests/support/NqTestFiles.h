@@ -10,3 +10,5 @@ std::string nqTestModelFile(const std::string& name = {});
 std::string nqGoldenFile(const std::string& name = {});
 /// The same in the folder of the library's headers.
 std::string nqHeaderFile(const std::string& name = {});
+/// The folder of what fuzzing has found, with a folder for each target in it.
+std::string nqCorpusFolder();

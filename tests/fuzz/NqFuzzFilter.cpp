@@ -1,0 +1,204 @@
+#include "NqFuzzTarget.h"
+
+#include <nqControlCore/filter/NqGeneralMotionAccFilter.h>
+#include <nqControlCore/filter/NqGeneralMotionFilter.h>
+#include <nqControlCore/filter/NqPointMotionFilter.h>
+#include <nqControlCore/filter/NqRotationMotionFilter.h>
+#include <nqControlCore/filter/NqScalarMotionFilter.h>
+#include <nqControlCore/filter/NqTrapezoidalProfileTool.h>
+
+#include <algorithm>
+
+namespace {
+
+NqVector vectorOf(NqFuzzInput& input, bool isSane) {
+    const std::vector<double> taken = input.numbers(3, isSane);
+    return {taken[0], taken[1], taken[2]};
+}
+
+NqCoordinateSystemTransformation frameOf(NqFuzzInput& input, bool isSane) {
+    const NqVector translation = vectorOf(input, isSane);
+    const double angle = input.number(isSane);
+    return {translation, NqOrientation(angle, vectorOf(input, isSane))};
+}
+
+bool isFinite(const NqVector& v) {
+    return std::isfinite(v.magSquared());
+}
+
+/// What a call of a filter works on.
+struct Call {
+    bool isSane;
+    NqCoordinateSystemTransformation from, to;
+    NqGeneralMotion desired, previous;
+    double timeStep;
+    double limits[4]; ///< of speed, acceleration and deceleration; then the gain
+
+    explicit Call(NqFuzzInput& input) : isSane(input.flag()) {
+        from = frameOf(input, isSane);
+        to = frameOf(input, isSane);
+        const auto motion = [&] {
+            const NqVector linear = vectorOf(input, isSane);
+            return NqGeneralMotion(linear, vectorOf(input, isSane));
+        };
+        desired = motion();
+        previous = motion();
+        timeStep = isSane ? input.positive() : input.any();
+        for (double& limit : limits) {
+            limit = isSane ? input.positive() : input.any();
+        }
+    }
+
+    template <typename Filter, typename Result, typename Calculate, typename Limit>
+    void make(Filter& filter, NqFuzzInput& input, Calculate calculate, Limit isLimited) const {
+        filter.setFilteringMode(input.below(isSane ? 3 : 5));
+        filter.setExponent(isSane ? input.positive() : input.any());
+        filter.setSpeedFactor(isSane ? input.positive() : input.any());
+        filter.setFilteringActive(isSane || input.flag());
+        Result result = Result();
+        const Result untouched = result;
+        const bool isDone = calculate(result);
+        nqHolds(isDone == (filter.filteringMode() <= 2) || isDone, "a filter knows its modes");
+        nqHolds(isDone || (result == untouched && nqLinesPrinted() > 0), "a refused call leaves its output");
+        nqHolds(!isSane || isLimited(result, filter.speedFactor()),
+                "a velocity is finite and within its limit");
+    }
+};
+
+/// Whether a speed is within the limit, or no more above it than the previous one, which may not change at
+/// once.
+bool isWithin(double speed, double limit, double previous) {
+    return speed <= std::max(limit, previous) * (1.0 + 1.0e-9);
+}
+
+void point(const Call& call, NqFuzzInput& input) {
+    NqPointMotionFilter filter;
+    filter.setThreshold(call.limits[0]);
+    filter.setAccelerationThreshold(call.limits[1]);
+    filter.setDecelerationThreshold(call.limits[2]);
+    filter.setLinearGain(call.limits[3]);
+    const auto isLimited = [&](const NqVector& v, double factor) {
+        return isFinite(v) && isWithin(v.mag(), factor * call.limits[0], call.previous.linear().mag());
+    };
+    call.make<NqPointMotionFilter, NqVector>(
+        filter, input,
+        [&](NqVector& result) {
+            return filter.calculate3DVelocity(call.from.translation(), call.to.translation(),
+                                              call.desired.linear(), call.previous.linear(), call.timeStep,
+                                              result);
+        },
+        isLimited);
+    call.make<NqPointMotionFilter, NqVector>(
+        filter, input,
+        [&](NqVector& result) {
+            return filter.filter3DVelocity(call.desired.linear(), call.previous.linear(), call.timeStep,
+                                           result);
+        },
+        isLimited);
+}
+
+void scalar(const Call& call, NqFuzzInput& input) {
+    NqScalarMotionFilter filter;
+    filter.setThreshold(call.limits[0]);
+    filter.setAccelerationThreshold(call.limits[1]);
+    filter.setDecelerationThreshold(call.limits[2]);
+    filter.setGain(call.limits[3]);
+    call.make<NqScalarMotionFilter, double>(
+        filter, input,
+        [&](double& result) {
+            return filter.calculateVelocity(call.from.translation().x(), call.to.translation().x(),
+                                            call.desired[0], call.previous[0], call.timeStep, result);
+        },
+        [&](double v, double factor) {
+            return std::isfinite(v) &&
+                   isWithin(std::fabs(v), factor * call.limits[0], std::fabs(call.previous[0]));
+        });
+}
+
+void rotation(const Call& call, NqFuzzInput& input) {
+    NqRotationMotionFilter filter;
+    filter.setAngularVelocityThreshold(call.limits[0]);
+    filter.setAngularAccelerationThreshold(call.limits[1]);
+    filter.setAngularDecelerationThreshold(call.limits[2]);
+    filter.setAngularGain(call.limits[3]);
+    const bool isAxisOnly = input.flag();
+    call.make<NqRotationMotionFilter, NqVector>(
+        filter, input,
+        [&](NqVector& result) {
+            return filter.calculateRotationMotion(call.from.orientation(), call.to.orientation(),
+                                                  call.desired.angular(), call.previous.angular(),
+                                                  call.timeStep, result, isAxisOnly, true);
+        },
+        [&](const NqVector& v, double factor) {
+            return isFinite(v) && isWithin(v.mag(), factor * call.limits[0], call.previous.angular().mag());
+        });
+}
+
+void general(const Call& call, NqFuzzInput& input) {
+    NqGeneralMotionFilter filter;
+    filter.setLinearVelocityThreshold(call.limits[0]);
+    filter.setAngularVelocityThreshold(call.limits[0]);
+    filter.setLinearAccelerationThreshold(call.limits[1]);
+    filter.setAngularAccelerationThreshold(call.limits[1]);
+    filter.setLinearDecelerationThreshold(call.limits[2]);
+    filter.setAngularDecelerationThreshold(call.limits[2]);
+    filter.setLinearGain(call.limits[3]);
+    filter.setAngularGain(call.limits[3]);
+    filter.setOffset(vectorOf(input, call.isSane));
+    const bool matchesTimes = input.flag();
+    const bool isAxisOnly = input.flag();
+    call.make<NqGeneralMotionFilter, NqGeneralMotion>(
+        filter, input,
+        [&](NqGeneralMotion& result) {
+            return filter.calculateGeneralMotion(call.from, call.to, call.desired, call.previous,
+                                                 call.timeStep, result, matchesTimes, isAxisOnly, true);
+        },
+        [&](const NqGeneralMotion& v, double factor) {
+            return isFinite(v.linear()) && isFinite(v.angular()) &&
+                   isWithin(v.angular().mag(), factor * call.limits[0], call.previous.angular().mag());
+        });
+}
+
+void acceleration(const Call& call, NqFuzzInput& input) {
+    NqGeneralMotionAccFilter filter;
+    filter.setThreshold(call.limits[0]);
+    filter.setAngularWeight(call.limits[1]);
+    filter.setLinearGain(call.limits[2]);
+    filter.setAngularGain(call.limits[3]);
+    filter.setOffset(vectorOf(input, call.isSane));
+    NqGeneralMotion result;
+    filter.calculateGeneralAccMotion(call.from, call.to, call.desired, call.timeStep, result);
+    nqHolds(!call.isSane || (isFinite(result.linear()) && isFinite(result.angular())),
+            "an acceleration is finite");
+}
+
+void profileTool(const Call& call, NqFuzzInput& input) {
+    NqTrapezoidalProfileTool tool;
+    const double initial =
+        call.isSane ? std::clamp(input.sane(), -call.limits[1], call.limits[1]) : input.any();
+    const bool isSet = tool.setParameters(call.limits[0], call.limits[1], initial);
+    nqHolds(isSet == !(call.limits[0] <= 0.0 || call.limits[1] <= 0.0), "limits of 0 or less are refused");
+    const double distance = input.number(call.isSane);
+    double least = 0.0;
+    nqHolds(tool.computeMinimumTime(distance, least), "there is a least time");
+    nqHolds(!call.isSane || (std::isfinite(least) && least >= 0.0), "the least time is one");
+    const double untouched = -3.25;
+    double velocity = untouched;
+    const double time = call.isSane ? least * (1.0 + input.positive()) : input.any();
+    const bool isFound = tool.computeProfileVelocity(distance, time, velocity);
+    nqHolds(isFound || velocity == untouched, "a refused time leaves the velocity");
+    nqHolds(!call.isSane || !isFound || std::fabs(velocity) <= call.limits[1] * (1.0 + 1.0e-9),
+            "a profile keeps within its limit");
+}
+
+} // namespace
+
+/// Filters and the profile tool: with ordinary numbers results are finite and within limits, with any numbers
+/// nothing breaks.
+void nqFuzzFilter(NqFuzzInput& input) {
+    constexpr void (*kinds[])(const Call&, NqFuzzInput&) = {point,   scalar,       rotation,
+                                                            general, acceleration, profileTool};
+    const unsigned kind = input.below(std::size(kinds));
+    const Call call(input);
+    kinds[kind](call, input);
+}

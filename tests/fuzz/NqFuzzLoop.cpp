@@ -1,0 +1,178 @@
+#include "NqFuzzTarget.h"
+
+#include "support/NqTestFiles.h"
+
+#include <nqControlCore/endeffector/NqEndEffectorTypes.h>
+#include <nqControlCore/foundation/xml/NqXmlDocument.h>
+#include <nqControlLoop/NqControlLoop.h>
+
+#include <algorithm>
+
+namespace {
+
+/// Makes steps, and checks that each keeps the limits or leaves everything where it was.
+void step(NqControlLoop& loop, unsigned steps) {
+    for (unsigned i = 0; i < steps; ++i) {
+        const std::vector<double> before = loop.positions();
+        const bool isMade = loop.step();
+        nqHolds(isMade || (nqAreSame(before, loop.positions()) &&
+                           loop.status().kind == NqControlLoopStatus::BadInput),
+                "a step that isn't made leaves the joints where they are");
+        if (!isMade) {
+            continue;
+        }
+        nqHolds(nqAreFinite(loop.positions()) && nqAreFinite(loop.rates()), "positions and rates are finite");
+        for (unsigned j = 0; j < loop.joints(); ++j) {
+            const NqJointDescription& joint = loop.manipulator().linkByIndex(j)->joint();
+            const double slack = 1.0e-9;
+            nqHolds(std::fabs(loop.rates()[j]) <= joint.rateLimit() + slack, "rates keep their limits");
+            const bool wasWithin =
+                before[j] >= joint.lowerPositionLimit() && before[j] <= joint.upperPositionLimit();
+            nqHolds(!wasWithin || (loop.positions()[j] >= joint.lowerPositionLimit() - slack &&
+                                   loop.positions()[j] <= joint.upperPositionLimit() + slack),
+                    "joints keep their ranges");
+        }
+        nqHolds(loop.slowing() >= 0.0 && loop.slowing() <= 1.0, "the slowing is a share");
+    }
+}
+
+/// One of each type on the robot.
+const NqEndEffectorVector& samples() {
+    static const NqEndEffectorVector theSamples = [] {
+        NqEndEffectorVector all;
+        NqEndEffectorTypes::forEach([&]<typename T>() {
+            T sample;
+            const std::string file = "/" + std::string(T::classToken().localName()) + ".xml";
+            nqHolds(NqXmlDocument::readFile(nqGoldenFile(file), sample), "the sample is there");
+            sample.setUseExternalOffset(false);
+            all.pushBack(sample);
+        });
+        return all;
+    }();
+    return theSamples;
+}
+
+NqControlTarget targetOf(NqFuzzInput& input, bool isSane, std::size_t entries) {
+    const auto vector = [&] {
+        const std::vector<double> taken = input.numbers(3, isSane);
+        return NqVector(taken[0], taken[1], taken[2]);
+    };
+    const auto turn = [&] {
+        const double angle = input.number(isSane);
+        return NqOrientation(angle, vector());
+    };
+    const auto make = [&] {
+        switch (input.below(5)) {
+        case 0:
+            return NqControlTarget::place(vector());
+        case 1:
+            return NqControlTarget::orientation(turn());
+        case 2: {
+            const NqVector place = vector();
+            return NqControlTarget::frame({place, turn()});
+        }
+        case 3:
+            return NqControlTarget::number(input.number(isSane));
+        default:
+            return NqControlTarget::values(input.numbers(entries, isSane));
+        }
+    };
+    NqControlTarget target = make();
+    if (input.flag()) {
+        target.withVelocity(input.numbers(entries, isSane));
+    }
+    return input.flag() ? target.inSystem() : target;
+}
+
+void addEndEffector(NqControlLoop& loop, NqFuzzInput& input) {
+    const unsigned which = input.below(samples().size());
+    const std::unique_ptr<NqEndEffector> endEffector(dynamic_cast<NqEndEffector*>(samples()[which]->clone()));
+    NqEndEffectorRelativeLinkData relative;
+    relative.setRelativeMode(static_cast<NqEndEffectorRelativeLinkData::RelativeMode>(input.below(3)));
+    relative.setRelativeLinkID("table");
+    endEffector->setRelativeLinkData(relative);
+    endEffector->setIsHardConstraint(input.flag());
+    const std::string name = std::to_string(input.below(6));
+    const bool isTaken = loop.find(name) != loop.endEffectors();
+    nqHolds(loop.addEndEffector(name, *endEffector, input.flag()) != isTaken, "a name is taken once");
+}
+
+void setTarget(NqControlLoop& loop, NqFuzzInput& input, bool isSane) {
+    const std::size_t e = loop.find(std::to_string(input.below(6)));
+    if (e == loop.endEffectors()) {
+        return;
+    }
+    const NqEndEffectorPlacement before = loop.target(e);
+    const NqControlTarget target = targetOf(input, isSane, loop.endEffector(e).doc());
+    if (!loop.setTarget(e, target)) {
+        nqHolds(nqLinesPrinted() > 0 && loop.target(e) == before, "a refused target leaves the one before");
+    }
+}
+
+} // namespace
+
+/// Calls of a loop in any order, with any end-effectors, targets and states.
+void nqFuzzLoop(NqFuzzInput& input) {
+    const NqIndividualManipulator& robot = nqFuzzRobot();
+    const unsigned joints = robot.numberOfJoints();
+    const bool isSane = input.flag();
+    NqControlLoop loop(robot);
+    for (unsigned call = 0; call < 24 && !input.isEmpty(); ++call) {
+        switch (input.below(8)) {
+        case 0:
+            addEndEffector(loop, input);
+            break;
+        case 1:
+            setTarget(loop, input, isSane);
+            break;
+        case 2:
+            loop.setPositions(input.numbers(input.below(8) == 0 ? input.below(20) : joints, isSane));
+            break;
+        case 3: {
+            const NqPositionState position(NqXmlRealVector(input.numbers(joints, isSane)));
+            loop.setState(position, NqVelocityState(NqXmlRealVector(input.numbers(joints, isSane))));
+            break;
+        }
+        case 4: {
+            NqControlLoopSettings settings = loop.settings();
+            settings.setTimeStep(isSane ? 0.001 * (1 + input.below(20)) : input.any());
+            settings.setPosture(NqXmlRealVector(input.numbers(input.flag() ? joints : 0, isSane)));
+            settings.setIsBaseFixed(input.flag());
+            settings.setBlocked(static_cast<NqControlLoopSettings::Blocked>(input.below(2)));
+            settings.setDamping(isSane ? input.positive() : input.any());
+            settings.setSingularityThreshold(isSane ? input.positive() : input.any());
+            loop.setSettings(settings);
+            break;
+        }
+        case 5:
+            nqHolds(loop.goTo(input.numbers(joints, isSane)) || nqLinesPrinted() > 0,
+                    "a refused posture is reported");
+            break;
+        case 6:
+            loop.follow();
+            break;
+        default:
+            step(loop, 1 + input.below(8));
+        }
+    }
+    step(loop, 4);
+    loop.condition();
+}
+
+/// A document of settings, then some steps with them: where nothing fatal is found in them each step is made.
+void nqFuzzSettings(NqFuzzInput& input) {
+    NqControlLoopSettings settings;
+    nqReadAndCheck(input.rest(), settings);
+    NqControlLoop loop(nqFuzzRobot(), settings);
+    for (const auto& sample : {samples()[0], samples()[3]}) {
+        const std::unique_ptr<NqEndEffector> endEffector(dynamic_cast<NqEndEffector*>(sample->clone()));
+        endEffector->setRelativeLinkData({});
+        loop.addEndEffector(std::string(sample->token().localName()), *endEffector);
+    }
+    loop.setTarget(0, NqControlTarget::place({0.3, 0.4, 0.9}));
+    const auto issues = loop.validate();
+    const bool isRefused = std::ranges::any_of(issues, [](const auto& issue) { return issue.isFatal; });
+    step(loop, 8);
+    nqHolds(!isRefused || loop.status().kind == NqControlLoopStatus::BadInput,
+            "what is refused makes no step");
+}

@@ -1,0 +1,61 @@
+#include "NqFuzzTarget.h"
+
+#include <nqControlCore/core/NqControlParameters.h>
+#include <nqControlCore/core/NqCoreResult.h>
+#include <nqControlCore/core/NqManipulatorEndEffectorAcceleration.h>
+#include <nqControlCore/core/NqManipulatorEndEffectorForce.h>
+#include <nqControlCore/core/NqManipulatorEndEffectorVelocity.h>
+#include <nqControlCore/endeffector/NqEndEffectorMap.h>
+#include <nqControlCore/endeffector/NqEndEffectorTypes.h>
+#include <nqControlCore/endeffector/NqEndEffectorVector.h>
+#include <nqControlCore/filter/NqGeneralMotionAccFilter.h>
+#include <nqControlCore/filter/NqGeneralMotionFilter.h>
+#include <nqControlCore/filter/NqPointMotionFilter.h>
+#include <nqControlCore/filter/NqRotationMotionFilter.h>
+#include <nqControlCore/filter/NqScalarMotionFilter.h>
+#include <nqControlCore/foundation/manipulator/NqAccelerationState.h>
+#include <nqControlCore/foundation/manipulator/NqPositionState.h>
+#include <nqControlCore/foundation/manipulator/NqVelocityState.h>
+#include <nqControlCore/xml/NqXmlMapType.h>
+#include <nqControlCore/xml/NqXmlSetType.h>
+#include <nqControlLoop/NqControlLoopSettings.h>
+
+#include <memory>
+
+namespace {
+
+using Text = NqXmlBasicType<std::string>;
+
+/// An object of each persistent class and of each kind of collection.
+const std::vector<std::unique_ptr<NqXmlObject>>& prototypes() {
+    static const std::vector<std::unique_ptr<NqXmlObject>> thePrototypes = [] {
+        std::vector<std::unique_ptr<NqXmlObject>> all;
+        NqEndEffectorTypes::forEach([&]<typename T>() { all.push_back(std::make_unique<T>()); });
+        NqTypeList<NqEndEffectorVector, NqEndEffectorMap, NqControlLoopSettings,
+                   NqEndEffectorRelativeLinkData, NqPointMotionFilter, NqRotationMotionFilter,
+                   NqGeneralMotionFilter, NqScalarMotionFilter, NqGeneralMotionAccFilter, NqControlParameters,
+                   NqCoreResult, NqManipulatorEndEffectorVelocity, NqManipulatorEndEffectorAcceleration,
+                   NqManipulatorEndEffectorForce, NqPositionState, NqVelocityState, NqAccelerationState,
+                   NqXmlVectorType<Text>, NqXmlVectorType<NqXmlRealVector>,
+                   NqXmlVectorType<NqCoordinateSystemTransformation>, NqXmlVectorType<NqPointMotionFilter>,
+                   NqXmlMapType<NqXmlBasicType<unsigned short>, NqXmlBasicType<double>>,
+                   NqXmlMapType<Text, NqXmlBasicType<int>>, NqXmlSetType<Text>,
+                   NqXmlSetType<NqXmlBasicType<double>>>::forEach([&]<typename T>() {
+            all.push_back(std::make_unique<T>());
+        });
+        return all;
+    }();
+    return thePrototypes;
+}
+
+} // namespace
+
+/// A document, read as each class whose element it names.
+void nqFuzzPersistent(NqFuzzInput& input) {
+    for (const auto& prototype : prototypes()) {
+        if (input.rest().find("<" + std::string(prototype->token().localName())) != std::string_view::npos) {
+            const std::unique_ptr<NqXmlObject> object(prototype->newObject());
+            nqReadAndCheck(input.rest(), *object);
+        }
+    }
+}

@@ -1,0 +1,123 @@
+#include "NqFuzzTarget.h"
+
+#include <nqControlCore/core/NqCoreVelocityControlTool.h>
+#include <nqControlCore/foundation/manipulator/NqJacobianState.h>
+
+#include <algorithm>
+
+namespace {
+
+NqReArray matrixOf(NqFuzzInput& input, unsigned rows, unsigned columns, bool isSane) {
+    NqReArray matrix(rows, columns);
+    for (unsigned i = 0; i < rows; ++i) {
+        matrix[i] = input.numbers(columns, isSane);
+    }
+    return matrix;
+}
+
+/// A size, mostly as asked for.
+unsigned about(NqFuzzInput& input, unsigned size) {
+    const unsigned which = input.below(16);
+    return which == 0 ? size + 1 : which == 1 && size > 0 ? size - 1 : which == 2 ? 0 : size;
+}
+
+struct Answer {
+    bool isGood = false;
+    std::vector<double> rates{7.0, 8.0, 9.0};
+    std::vector<double> nullSpaceRates{4.0, 5.0};
+    double determinant = 6.0;
+};
+
+/// J x = v to rounding, where no pivot is next to nothing.
+void checkSolution(const NqCoreVelocityControlTool& tool, const NqReArray& jacobian,
+                   const std::vector<double>& velocity, const std::vector<double>& rates) {
+    const NqReArray& factors = tool.primaryMatrix();
+    for (unsigned i = 0; i < factors.size(); ++i) {
+        if (!(std::fabs(factors[i][i]) > 1.0e-9) || !std::isfinite(rates[i])) {
+            return;
+        }
+    }
+    double largest = 0.0; // of the rates, and of the rows
+    double row = 0.0;
+    for (unsigned i = 0; i < factors.size(); ++i) {
+        largest = std::fmax(largest, std::fabs(rates[i]));
+        for (unsigned k = 0; k < jacobian.size(); ++k) {
+            row = std::fmax(row, std::fabs(jacobian[k][i]));
+        }
+    }
+    for (unsigned i = 0; i < jacobian.size(); ++i) {
+        double made = 0.0;
+        for (unsigned j = 0; j < factors.size(); ++j) {
+            made += jacobian[i][j] * rates[j];
+        }
+        nqHolds(std::fabs(made - velocity[i]) <= 1.0e-9 * (row * largest + std::fabs(velocity[i])),
+                "the rates give the velocity");
+    }
+}
+
+void solve(NqCoreVelocityControlTool& tool, NqJacobianState& state, NqFuzzInput& input) {
+    const bool isSane = input.flag();
+    const unsigned n = input.below(10);
+    const unsigned m = input.below(n + 2);
+    const NqReArray jacobian = matrixOf(input, about(input, m), about(input, n), isSane);
+    const unsigned metricColumns = input.flag() ? 1 : about(input, n);
+    const NqReArray metric = matrixOf(input, about(input, n), metricColumns, isSane);
+    const std::vector<double> gradient = input.numbers(about(input, n), isSane);
+    const std::vector<double> velocity = input.numbers(about(input, m), isSane);
+    const double alpha = input.number(isSane);
+    const bool isSparse = input.flag();
+    const bool isFactored = input.flag();
+    tool.setWeightFlag(input.flag());
+    state.setUseSparseNullSpace(isSparse);
+    if (isSparse) {
+        std::vector<std::vector<bool>> bits(jacobian.size());
+        for (unsigned i = 0; i < bits.size(); ++i) {
+            for (const double element : jacobian[i]) {
+                bits[i].push_back(element != 0.0);
+            }
+        }
+        state.setSparsity(bits);
+    }
+    const auto ask = [&](NqCoreVelocityControlTool& solver) {
+        Answer answer;
+        if (isFactored) {
+            state.setJacobian(jacobian);
+            answer.isGood = solver.calcJointRatesAB(&state, metric, gradient, alpha, velocity, n,
+                                                    answer.rates, answer.nullSpaceRates, answer.determinant);
+        } else {
+            answer.isGood =
+                solver.calcJointRates(isSparse ? &state : nullptr, jacobian, metric, gradient, alpha,
+                                      velocity, n, answer.rates, answer.nullSpaceRates, answer.determinant);
+        }
+        return answer;
+    };
+    const Answer answer = ask(tool);
+    const Answer untouched{};
+    nqHolds(answer.isGood || (answer.nullSpaceRates == untouched.nullSpaceRates &&
+                              answer.determinant == untouched.determinant &&
+                              (answer.rates == untouched.rates || jacobian.size() > n)),
+            "a refused call leaves its outputs");
+    nqHolds(!answer.isGood || (answer.rates.size() >= n && answer.nullSpaceRates.size() >= n),
+            "there is a rate for each joint");
+    NqCoreVelocityControlTool fresh;
+    fresh.setWeightFlag(tool.weightFlag());
+    const Answer again = ask(fresh);
+    nqHolds(again.isGood == answer.isGood && nqAreSame(again.rates, answer.rates) &&
+                nqAreSame(again.nullSpaceRates, answer.nullSpaceRates) &&
+                nqAreSame({again.determinant}, {answer.determinant}),
+            "nothing depends on calls before");
+    if (answer.isGood && isSane) {
+        checkSolution(tool, jacobian, velocity, answer.rates);
+    }
+}
+
+} // namespace
+
+/// One solver on problems of any sizes and numbers, one after the other.
+void nqFuzzSolver(NqFuzzInput& input) {
+    NqCoreVelocityControlTool tool;
+    NqJacobianState state;
+    for (unsigned problem = 0; problem < 4 && !input.isEmpty(); ++problem) {
+        solve(tool, state, input);
+    }
+}

@@ -88,17 +88,23 @@ void applyMetric(const NqReArray& metric, const NqReArray& nullSpace, unsigned n
     }
 }
 
-void reportZeroColumns(const NqReArray& weightedNullSpace, unsigned n) {
-    const unsigned columns = weightedNullSpace.columns();
-    for (unsigned i = 0; i < columns; ++i) {
-        unsigned j = 0;
-        while (j < n && weightedNullSpace[j][i] == 0.0) {
-            ++j;
+/// Row by row, until no column is left that could be zero. `columns` is working memory.
+void reportZeroColumns(const NqReArray& weightedNullSpace, unsigned n, std::vector<unsigned>& columns) {
+    columns.resize(weightedNullSpace.columns());
+    std::iota(columns.begin(), columns.end(), 0u);
+    std::size_t left = columns.size();
+    for (unsigned j = 0; j < n && left > 0; ++j) {
+        const double* const row = weightedNullSpace[j].data();
+        std::size_t kept = 0;
+        for (std::size_t i = 0; i < left; ++i) {
+            columns[kept] = columns[i];
+            kept += row[columns[i]] == 0.0 ? 1 : 0;
         }
-        if (j == n) {
-            Nq::Print::instance().write(Nq::PrintFailure,
-                                        "NqCoreVelocityControlTool::prep(): M.nj has zero column\n");
-        }
+        left = kept;
+    }
+    for (; left > 0; --left) {
+        Nq::Print::instance().write(Nq::PrintFailure,
+                                    "NqCoreVelocityControlTool::prep(): M.nj has zero column\n");
     }
 }
 
@@ -206,7 +212,7 @@ void substituteBackward(const NqReArray& factors, unsigned n, Number* x) {
     }
 }
 
-/// The same as both for factors that are mostly zeros, of at most as many columns as a mask has places. False
+/// Both for factors that are mostly zeros, of at most as many columns as a mask has places. False
 /// where the result has an infinity or a NaN, which zeros would have spread.
 NQ_WIDE_ROWS bool substituteNonZeros(const NqReArray& factors, unsigned n, std::array<double, 2>* x) {
     NqRowMask::Mask filled[NqRowMask::Places];
@@ -487,7 +493,7 @@ bool NqCoreVelocityControlTool::prep(NqJacobianState* jacobianState, NqReArray& 
     } else {
         weightedNullSpace = nullSpace;
     }
-    reportZeroColumns(weightedNullSpace, n);
+    reportZeroColumns(weightedNullSpace, n, *m_Columns);
     completeFactoring(
         primaryMatrix, indices, m, n, Ties::FirstWins, [&](unsigned firstRow, unsigned firstColumn) {
             fillTransposed(weightedNullSpace, *m_ColumnOrder, m, firstRow, firstColumn, primaryMatrix);

@@ -154,4 +154,5 @@ private:
     NqUncopied<std::vector<unsigned int>> m_FirstPivots;
     NqUncopied<std::vector<unsigned int>> m_SecondPivots;
     NqUncopied<std::vector<unsigned int>> m_ColumnOrder;
+    NqUncopied<std::vector<unsigned int>> m_Columns;
 };

@@ -11,6 +11,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 /// The axes that an end-effector's rows may be in: those of its own frame, and those of the link that it is
@@ -63,25 +64,6 @@ std::vector<double> nqOwnComponentsOf(const NqEndEffector&, const NqGeneralMotio
     return {own[Indices]...};
 }
 
-/// Each type has its own; one without does not compile.
-template <typename EndEffector>
-NqEndEffectorTraits nqTraitsOf() = delete;
-
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqPointEndEffector>() {
-    return {.rows = nqComponentsOf<0, 1, 2>};
-}
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqFrameEndEffector>() {
-    return {.rows = nqComponentsOf<0, 1, 2, 3, 4, 5>};
-}
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqOrientationEndEffector>() {
-    return {.rows = nqComponentsOf<3, 4, 5>,
-            .usesExternalOffset = false,
-            .whyNoBaseMotion = "the ones stand in the columns of the base's translation"};
-}
-
 /// What the types that constrain some freedoms of a frame have in common.
 template <unsigned... Indices>
 NqEndEffectorTraits nqTraitsOfPartialFrames() {
@@ -96,38 +78,6 @@ NqEndEffectorTraits nqTraitsOfPartialFrames(decltype(NqEndEffectorTraits::errorR
     traits.whyNoError = "the error is the beginning of that of the whole frame, in the system frame";
     return traits;
 }
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqPlanarEndEffector>() {
-    return nqTraitsOfPartialFrames<2, 3, 4>(nqComponentsOf<0, 1, 2>);
-}
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqSlidingEndEffector>() {
-    return nqTraitsOfPartialFrames<1, 2, 3, 4, 5>(nqComponentsOf<0, 1, 2, 3, 4>);
-}
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqSlideXSpinZEndEffector>() {
-    return nqTraitsOfPartialFrames<1, 2, 3, 4>(nqComponentsOf<0, 1, 2, 3>);
-}
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqRCMEndEffector>() {
-    return nqTraitsOfPartialFrames<1, 2>(nqComponentsOf<0, 1>);
-}
-/// The offset of the filter is on the z axis in the sample: the spin that is left would move any other.
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqFreeSpinInZEndEffector>() {
-    NqEndEffectorTraits traits = nqTraitsOfPartialFrames<0, 1, 2, 3, 4>();
-    traits.lostLinkKeepsError = true;
-    return traits;
-}
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqLookAtEndEffector>() {
-    NqEndEffectorTraits traits = nqTraitsOfPartialFrames<1, 2>(nqComponentsOf<0, 1>);
-    traits.lostLinkKeepsVelocity = false;
-    traits.whyNoBaseMotion = "the columns of the base are zero: a base that moves goes unseen";
-    traits.whyNoAcceleration = "the acceleration is zero by definition";
-    traits.whyNoRelativeMotion = "the target is one of the system: no link's motion is taken away";
-    return traits;
-}
 
 /// Coordinates in axes that are fixed in the link that the point is relative to.
 template <typename EndEffector, unsigned... Indices>
@@ -140,14 +90,6 @@ NqEndEffectorTraits nqTraitsOfCoordinates(const NqOrientation& (EndEffector::*tu
             },
             .hasThreeHalves = false};
 }
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqXEndEffector>() {
-    return nqTraitsOfCoordinates<NqXEndEffector, 0>(&NqXEndEffector::xOrientation);
-}
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqXyEndEffector>() {
-    return nqTraitsOfCoordinates<NqXyEndEffector, 0, 1>(&NqXyEndEffector::xyOrientation);
-}
 
 /// What the types that drive a number have in common.
 inline NqEndEffectorTraits nqTraitsOfNumbers() {
@@ -156,52 +98,6 @@ inline NqEndEffectorTraits nqTraitsOfNumbers() {
             .whyNoAcceleration = "the acceleration of a number is zero by definition",
             .whyNoRelativeMotion = "only links that the type names itself count",
             .hasNumber = true};
-}
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqLinearConstraintEndEffector>() {
-    return nqTraitsOfNumbers();
-}
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqPointDistanceEndEffector>() {
-    NqEndEffectorTraits traits = nqTraitsOfNumbers();
-    traits.whyNoError = "the error is zero by definition";
-    return traits;
-}
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqAxisRotateEndEffector>() {
-    NqEndEffectorTraits traits = nqTraitsOfNumbers();
-    traits.whyNoVelocity = "the velocity takes the z axis of the system for that of the frame";
-    traits.whyNoBaseMotion = "the columns of the base are zero";
-    return traits;
-}
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqSewAngleEndEffector>() {
-    NqEndEffectorTraits traits = nqTraitsOfNumbers();
-    traits.whyNoVelocity =
-        "the velocity counts the shoulder's own joint and the base too, which turn the arm "
-        "together with the frame that the angle is measured in";
-    traits.whyNoError = "the error is zero by definition";
-    traits.whyNotDriven = "there is no filter to switch off: the command is a gain times the way";
-    return traits;
-}
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqCoordinatedJointEndEffector>() {
-    return {.usesExternalOffset = false,
-            .whyNoAcceleration = "the acceleration of joints is zero by definition",
-            .whyNoRelativeMotion = "positions of joints are the same in every frame",
-            .whySilent = "a model without some of the joints is one to drive with the others"};
-}
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqOneDofGripperEndEffector>() {
-    NqEndEffectorTraits traits = nqTraitsOfNumbers();
-    traits.whyOnlyTheFirstRow = "the rows of slaves say how far these stray from the master, and they count "
-                                "as though nothing strayed";
-    traits.whySilent = "a model without some of the fingers is one to drive with the others";
-    return traits;
-}
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqDirectionalFrameEndEffector>() {
-    return nqTraitsOf<NqFrameEndEffector>();
 }
 
 /// What the types that constrain the centre of mass have in common.
@@ -213,62 +109,143 @@ inline NqEndEffectorTraits nqTraitsOfMassCenters() {
             .whyOnlyFromSystem = "the relative link's part takes the centre of mass as the base frame has it",
             .whyNoLostLink = "all links count, whatever they are called"};
 }
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqCenterOfMassEndEffector>() {
-    NqEndEffectorTraits traits = nqTraitsOfMassCenters();
-    traits.rows = nqComponentsOf<0, 1, 2>;
-    return traits;
-}
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqProjectedCenterOfMassEndEffector>() {
-    NqEndEffectorTraits traits = nqTraitsOfMassCenters();
-    traits.rows = [](const NqEndEffector& any, const NqGeneralMotion& motion, const NqRowAxes& axes) {
-        const auto& e = dynamic_cast<const NqProjectedCenterOfMassEndEffector&>(any);
-        NqOrientation plane = axes.reference * e.xyOrientation();
-        if (e.projectAlongSystemVector()) {
-            // By the angle between the lines of the normal and of the vector, about what both are normal to.
-            const NqVector normal = plane.zAxis();
-            const NqVector about = normal.cross(e.systemVector());
-            plane = NqOrientation(std::atan2(about.mag(), std::fabs(normal.dot(e.systemVector()))), about) *
+
+/// The traits of each type; one without does not compile.
+struct NqTraits {
+    template <typename EndEffector>
+    using Of = std::type_identity<EndEffector>;
+
+    static NqEndEffectorTraits of(Of<NqPointEndEffector>) { return {.rows = nqComponentsOf<0, 1, 2>}; }
+    static NqEndEffectorTraits of(Of<NqFrameEndEffector>) {
+        return {.rows = nqComponentsOf<0, 1, 2, 3, 4, 5>};
+    }
+    static NqEndEffectorTraits of(Of<NqOrientationEndEffector>) {
+        return {.rows = nqComponentsOf<3, 4, 5>,
+                .usesExternalOffset = false,
+                .whyNoBaseMotion = "the ones stand in the columns of the base's translation"};
+    }
+    static NqEndEffectorTraits of(Of<NqPlanarEndEffector>) {
+        return nqTraitsOfPartialFrames<2, 3, 4>(nqComponentsOf<0, 1, 2>);
+    }
+    static NqEndEffectorTraits of(Of<NqSlidingEndEffector>) {
+        return nqTraitsOfPartialFrames<1, 2, 3, 4, 5>(nqComponentsOf<0, 1, 2, 3, 4>);
+    }
+    static NqEndEffectorTraits of(Of<NqSlideXSpinZEndEffector>) {
+        return nqTraitsOfPartialFrames<1, 2, 3, 4>(nqComponentsOf<0, 1, 2, 3>);
+    }
+    static NqEndEffectorTraits of(Of<NqRCMEndEffector>) {
+        return nqTraitsOfPartialFrames<1, 2>(nqComponentsOf<0, 1>);
+    }
+    /// The offset of the filter is on the z axis in the sample: the spin that is left would move any other.
+    static NqEndEffectorTraits of(Of<NqFreeSpinInZEndEffector>) {
+        NqEndEffectorTraits traits = nqTraitsOfPartialFrames<0, 1, 2, 3, 4>();
+        traits.lostLinkKeepsError = true;
+        return traits;
+    }
+    static NqEndEffectorTraits of(Of<NqLookAtEndEffector>) {
+        NqEndEffectorTraits traits = nqTraitsOfPartialFrames<1, 2>(nqComponentsOf<0, 1>);
+        traits.lostLinkKeepsVelocity = false;
+        traits.whyNoBaseMotion = "the columns of the base are zero: a base that moves goes unseen";
+        traits.whyNoAcceleration = "the acceleration is zero by definition";
+        traits.whyNoRelativeMotion = "the target is one of the system: no link's motion is taken away";
+        return traits;
+    }
+    static NqEndEffectorTraits of(Of<NqXEndEffector>) {
+        return nqTraitsOfCoordinates<NqXEndEffector, 0>(&NqXEndEffector::xOrientation);
+    }
+    static NqEndEffectorTraits of(Of<NqXyEndEffector>) {
+        return nqTraitsOfCoordinates<NqXyEndEffector, 0, 1>(&NqXyEndEffector::xyOrientation);
+    }
+    static NqEndEffectorTraits of(Of<NqLinearConstraintEndEffector>) { return nqTraitsOfNumbers(); }
+    static NqEndEffectorTraits of(Of<NqPointDistanceEndEffector>) {
+        NqEndEffectorTraits traits = nqTraitsOfNumbers();
+        traits.whyNoError = "the error is zero by definition";
+        return traits;
+    }
+    static NqEndEffectorTraits of(Of<NqAxisRotateEndEffector>) {
+        NqEndEffectorTraits traits = nqTraitsOfNumbers();
+        traits.whyNoVelocity = "the velocity takes the z axis of the system for that of the frame";
+        traits.whyNoBaseMotion = "the columns of the base are zero";
+        return traits;
+    }
+    static NqEndEffectorTraits of(Of<NqSewAngleEndEffector>) {
+        NqEndEffectorTraits traits = nqTraitsOfNumbers();
+        traits.whyNoVelocity =
+            "the velocity counts the shoulder's own joint and the base too, which turn the arm "
+            "together with the frame that the angle is measured in";
+        traits.whyNoError = "the error is zero by definition";
+        traits.whyNotDriven = "there is no filter to switch off: the command is a gain times the way";
+        return traits;
+    }
+    static NqEndEffectorTraits of(Of<NqCoordinatedJointEndEffector>) {
+        return {.usesExternalOffset = false,
+                .whyNoAcceleration = "the acceleration of joints is zero by definition",
+                .whyNoRelativeMotion = "positions of joints are the same in every frame",
+                .whySilent = "a model without some of the joints is one to drive with the others"};
+    }
+    static NqEndEffectorTraits of(Of<NqOneDofGripperEndEffector>) {
+        NqEndEffectorTraits traits = nqTraitsOfNumbers();
+        traits.whyOnlyTheFirstRow =
+            "the rows of slaves say how far these stray from the master, and they count "
+            "as though nothing strayed";
+        traits.whySilent = "a model without some of the fingers is one to drive with the others";
+        return traits;
+    }
+    static NqEndEffectorTraits of(Of<NqDirectionalFrameEndEffector>) { return of(Of<NqFrameEndEffector>()); }
+    static NqEndEffectorTraits of(Of<NqCenterOfMassEndEffector>) {
+        NqEndEffectorTraits traits = nqTraitsOfMassCenters();
+        traits.rows = nqComponentsOf<0, 1, 2>;
+        return traits;
+    }
+    static NqEndEffectorTraits of(Of<NqProjectedCenterOfMassEndEffector>) {
+        NqEndEffectorTraits traits = nqTraitsOfMassCenters();
+        traits.rows = [](const NqEndEffector& any, const NqGeneralMotion& motion, const NqRowAxes& axes) {
+            const auto& e = dynamic_cast<const NqProjectedCenterOfMassEndEffector&>(any);
+            NqOrientation plane = axes.reference * e.xyOrientation();
+            if (e.projectAlongSystemVector()) {
+                // By the angle between the lines of the normal and of the vector, about what both are normal
+                // to.
+                const NqVector normal = plane.zAxis();
+                const NqVector about = normal.cross(e.systemVector());
+                plane =
+                    NqOrientation(std::atan2(about.mag(), std::fabs(normal.dot(e.systemVector()))), about) *
                     plane;
-        }
-        const NqVector inPlane = plane.inverse() * motion.linear();
-        return std::vector<double>{inPlane.x(), inPlane.y()};
-    };
-    traits.whyNoError = "the error is in the axes of the system and not projected";
-    traits.errorRows = nqComponentsOf<0, 1>;
-    return traits;
-}
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqSpatialMomentumEndEffector>() {
-    return {.usesExternalOffset = false,
-            .whyNoVelocity = "the velocity is the momentum that is wanted, whatever moves",
-            .whyNoError = "a momentum has no placement to err from",
-            .whyNotDriven = "a momentum has no placement to be led to",
-            .whyNoRelativeMotion = "the momentum is that of the whole manipulator",
-            .whyNoLostLink = "all links count, whatever they are called",
-            .whyNoPlacement = "a momentum has none"};
-}
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqSagEndEffector>() {
-    return {.lostLinkKeepsVelocity = true,
-            .usesExternalOffset = false,
-            .whyNoError = "the error is zero by definition",
-            .whyNoBaseMotion = "the columns of the base are zero, though turning it turns gravity",
-            .whyNoAcceleration = "no acceleration is written",
-            .whyNotDriven = "residuals are led to zero and not to a target",
-            .whyNoRelativeMotion = "only joints that the type names itself count"};
-}
-template <>
-inline NqEndEffectorTraits nqTraitsOf<NqAccelerometerEndEffector>() {
-    return {.usesExternalOffset = false,
-            .whyNoError = "the error is zero by definition",
-            .whyNotDriven = "while it is off sag joints are led to zero and not to a target",
-            .whyNoRelativeMotion = "only joints that the type names itself count",
-            .whyNoLostLink = "sag joints that aren't there are left out in silence",
-            .whyNoPlacement =
-                "the placement is what the sensor reads, but while it is off joints are driven"};
-}
+            }
+            const NqVector inPlane = plane.inverse() * motion.linear();
+            return std::vector<double>{inPlane.x(), inPlane.y()};
+        };
+        traits.whyNoError = "the error is in the axes of the system and not projected";
+        traits.errorRows = nqComponentsOf<0, 1>;
+        return traits;
+    }
+    static NqEndEffectorTraits of(Of<NqSpatialMomentumEndEffector>) {
+        return {.usesExternalOffset = false,
+                .whyNoVelocity = "the velocity is the momentum that is wanted, whatever moves",
+                .whyNoError = "a momentum has no placement to err from",
+                .whyNotDriven = "a momentum has no placement to be led to",
+                .whyNoRelativeMotion = "the momentum is that of the whole manipulator",
+                .whyNoLostLink = "all links count, whatever they are called",
+                .whyNoPlacement = "a momentum has none"};
+    }
+    static NqEndEffectorTraits of(Of<NqSagEndEffector>) {
+        return {.lostLinkKeepsVelocity = true,
+                .usesExternalOffset = false,
+                .whyNoError = "the error is zero by definition",
+                .whyNoBaseMotion = "the columns of the base are zero, though turning it turns gravity",
+                .whyNoAcceleration = "no acceleration is written",
+                .whyNotDriven = "residuals are led to zero and not to a target",
+                .whyNoRelativeMotion = "only joints that the type names itself count"};
+    }
+    static NqEndEffectorTraits of(Of<NqAccelerometerEndEffector>) {
+        return {.usesExternalOffset = false,
+                .whyNoError = "the error is zero by definition",
+                .whyNotDriven = "while it is off sag joints are led to zero and not to a target",
+                .whyNoRelativeMotion = "only joints that the type names itself count",
+                .whyNoLostLink = "sag joints that aren't there are left out in silence",
+                .whyNoPlacement =
+                    "the placement is what the sensor reads, but while it is off joints are driven"};
+    }
+};
 
 /// Puts an end-effector on one link, or on two where it is between them.
 inline void nqAttach(NqEndEffector& endEffector, const std::string& link, const std::string&) {
@@ -352,7 +329,8 @@ inline const std::vector<NqEndEffectorKind>& nqEndEffectorKinds() {
         std::vector<NqEndEffectorKind> kinds;
         NqEndEffectorTypes::forEach([&]<typename EndEffector>() {
             const std::string token(EndEffector::classToken().localName());
-            kinds.push_back({token.substr(0, token.find("EndEffector")), nqTraitsOf<EndEffector>(),
+            kinds.push_back({token.substr(0, token.find("EndEffector")),
+                             NqTraits::of(NqTraits::Of<EndEffector>()),
                              [] { return std::make_unique<EndEffector>(); },
                              [](NqEndEffector& any, const NqTestModel& model) {
                                  auto& endEffector = dynamic_cast<EndEffector&>(any);

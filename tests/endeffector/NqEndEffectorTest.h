@@ -14,7 +14,7 @@
 #include <vector>
 
 /// A manipulator in a state, and what end-effectors give there. What an operation leaves of a list shows if
-/// it is handed over; else the list is new.
+/// it is handed over; else the list is new, but for errors, which are to replace all that is in theirs.
 class NqEndEffectorTest : public testing::Test {
 protected:
     using Reals = NqXmlRealVector;

@@ -1,28 +1,13 @@
 #include "NqFuzzTarget.h"
 
-#include "support/NqTestFiles.h"
+#include "support/NqNamedRobot.h"
 
-#include <nqControlCore/endeffector/NqEndEffectorTypes.h>
 #include <nqControlCore/foundation/manipulator/NqManipulatorActiveState.h>
 #include <nqControlCore/foundation/xml/NqXmlDocument.h>
 
 #include <memory>
 
 namespace {
-
-/// One of each type, from its file.
-const std::vector<std::unique_ptr<NqEndEffector>>& samples() {
-    static const std::vector<std::unique_ptr<NqEndEffector>> theSamples = [] {
-        std::vector<std::unique_ptr<NqEndEffector>> all;
-        NqEndEffectorTypes::forEach([&]<typename T>() {
-            all.push_back(std::make_unique<T>());
-            const std::string file = "/" + std::string(T::classToken().localName()) + ".xml";
-            nqHolds(NqXmlDocument::readFile(nqGoldenFile(file), *all.back()), "the sample is there");
-        });
-        return all;
-    }();
-    return theSamples;
-}
 
 std::string textOf(const NqXmlObject& object) {
     std::string text;
@@ -31,7 +16,7 @@ std::string textOf(const NqXmlObject& object) {
 
 /// All that a control step asks, with results of the sizes that are promised.
 void step(const NqEndEffector& endEffector, bool isBaseFixed, NqFuzzInput& input) {
-    const NqIndividualManipulator& robot = nqFuzzRobot();
+    const NqIndividualManipulator& robot = nqNamedRobot();
     const unsigned joints = robot.numberOfJoints();
     const unsigned columns = joints + (isBaseFixed ? 0 : NqEndEffector::m_theBaseDof);
     NqManipulatorActiveState state(robot);
@@ -75,7 +60,7 @@ void step(const NqEndEffector& endEffector, bool isBaseFixed, NqFuzzInput& input
 
 /// Any texts as editable values of any type, then a control step.
 void nqFuzzEditable(NqFuzzInput& input) {
-    const auto& all = samples();
+    const NqEndEffectorVector& all = nqNamedEndEffectors();
     const std::unique_ptr<NqEndEffector> endEffector(
         dynamic_cast<NqEndEffector*>(all[input.below(all.size())]->clone()));
     const bool isBaseFixed = input.flag();

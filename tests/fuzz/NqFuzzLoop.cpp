@@ -1,9 +1,7 @@
 #include "NqFuzzTarget.h"
 
-#include "support/NqTestFiles.h"
+#include "support/NqNamedRobot.h"
 
-#include <nqControlCore/endeffector/NqEndEffectorTypes.h>
-#include <nqControlCore/foundation/xml/NqXmlDocument.h>
 #include <nqControlLoop/NqControlLoop.h>
 
 #include <algorithm>
@@ -34,22 +32,6 @@ void step(NqControlLoop& loop, unsigned steps) {
         }
         nqHolds(loop.slowing() >= 0.0 && loop.slowing() <= 1.0, "the slowing is a share");
     }
-}
-
-/// One of each type on the robot.
-const NqEndEffectorVector& samples() {
-    static const NqEndEffectorVector theSamples = [] {
-        NqEndEffectorVector all;
-        NqEndEffectorTypes::forEach([&]<typename T>() {
-            T sample;
-            const std::string file = "/" + std::string(T::classToken().localName()) + ".xml";
-            nqHolds(NqXmlDocument::readFile(nqGoldenFile(file), sample), "the sample is there");
-            sample.setUseExternalOffset(false);
-            all.pushBack(sample);
-        });
-        return all;
-    }();
-    return theSamples;
 }
 
 NqControlTarget targetOf(NqFuzzInput& input, bool isSane, std::size_t entries) {
@@ -85,8 +67,9 @@ NqControlTarget targetOf(NqFuzzInput& input, bool isSane, std::size_t entries) {
 }
 
 void addEndEffector(NqControlLoop& loop, NqFuzzInput& input) {
-    const unsigned which = input.below(samples().size());
-    const std::unique_ptr<NqEndEffector> endEffector(dynamic_cast<NqEndEffector*>(samples()[which]->clone()));
+    const unsigned which = input.below(nqNamedEndEffectors().size());
+    const std::unique_ptr<NqEndEffector> endEffector(
+        dynamic_cast<NqEndEffector*>(nqNamedEndEffectors()[which]->clone()));
     NqEndEffectorRelativeLinkData relative;
     relative.setRelativeMode(static_cast<NqEndEffectorRelativeLinkData::RelativeMode>(input.below(3)));
     relative.setRelativeLinkID("table");
@@ -113,7 +96,7 @@ void setTarget(NqControlLoop& loop, NqFuzzInput& input, bool isSane) {
 
 /// Calls of a loop in any order, with any end-effectors, targets and states.
 void nqFuzzLoop(NqFuzzInput& input) {
-    const NqIndividualManipulator& robot = nqFuzzRobot();
+    const NqIndividualManipulator& robot = nqNamedRobot();
     const unsigned joints = robot.numberOfJoints();
     const bool isSane = input.flag();
     NqControlLoop loop(robot);
@@ -126,11 +109,11 @@ void nqFuzzLoop(NqFuzzInput& input) {
             setTarget(loop, input, isSane);
             break;
         case 2:
-            loop.setPositions(input.numbers(input.below(8) == 0 ? input.below(20) : joints, isSane));
+            loop.setPositions(input.numbers(input.below(8) == 0 ? input.below(20) : joints, true));
             break;
         case 3: {
-            const NqPositionState position(NqXmlRealVector(input.numbers(joints, isSane)));
-            loop.setState(position, NqVelocityState(NqXmlRealVector(input.numbers(joints, isSane))));
+            const NqPositionState position(NqXmlRealVector(input.numbers(joints, true)));
+            loop.setState(position, NqVelocityState(NqXmlRealVector(input.numbers(joints, true))));
             break;
         }
         case 4: {
@@ -145,7 +128,7 @@ void nqFuzzLoop(NqFuzzInput& input) {
             break;
         }
         case 5:
-            nqHolds(loop.goTo(input.numbers(joints, isSane)) || nqLinesPrinted() > 0,
+            nqHolds(loop.goTo(input.numbers(joints, true)) || nqLinesPrinted() > 0,
                     "a refused posture is reported");
             break;
         case 6:
@@ -163,8 +146,8 @@ void nqFuzzLoop(NqFuzzInput& input) {
 void nqFuzzSettings(NqFuzzInput& input) {
     NqControlLoopSettings settings;
     nqReadAndCheck(input.rest(), settings);
-    NqControlLoop loop(nqFuzzRobot(), settings);
-    for (const auto& sample : {samples()[0], samples()[3]}) {
+    NqControlLoop loop(nqNamedRobot(), settings);
+    for (const auto& sample : {nqNamedEndEffectors()[0], nqNamedEndEffectors()[3]}) {
         const std::unique_ptr<NqEndEffector> endEffector(dynamic_cast<NqEndEffector*>(sample->clone()));
         endEffector->setRelativeLinkData({});
         loop.addEndEffector(std::string(sample->token().localName()), *endEffector);

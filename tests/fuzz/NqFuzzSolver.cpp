@@ -106,7 +106,11 @@ void solve(NqCoreVelocityControlTool& tool, NqJacobianState& state, NqFuzzInput&
                 nqAreSame(again.nullSpaceRates, answer.nullSpaceRates) &&
                 nqAreSame({again.determinant}, {answer.determinant}),
             "nothing depends on calls before");
-    if (answer.isGood && isSane) {
+    bool isDefinite = metric.size() >= n && metricColumns == 1; // other metrics can make a singular system
+    for (unsigned j = 0; isDefinite && j < n; ++j) {
+        isDefinite = metric[j][0] > 0.0;
+    }
+    if (answer.isGood && isSane && isDefinite && !isFactored) {
         checkSolution(tool, jacobian, velocity, answer.rates);
     }
 }

@@ -1,8 +1,5 @@
 #include "NqFuzzTarget.h"
 
-#include "support/NqTestFiles.h"
-
-#include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
 #include <nqControlCore/foundation/text/NqPrint.h>
 #include <nqControlCore/foundation/xml/NqXmlDocument.h>
 
@@ -149,13 +146,4 @@ bool nqAreSame(const std::vector<double>& a, const std::vector<double>& b) {
         return std::bit_cast<std::uint64_t>(x) == std::bit_cast<std::uint64_t>(y) ||
                (std::isnan(x) && std::isnan(y));
     });
-}
-
-const NqIndividualManipulator& nqFuzzRobot() {
-    static const NqIndividualManipulator theRobot = [] {
-        NqIndividualManipulator robot;
-        nqHolds(NqUrdfReader::readFile(nqTestModelFile("/named.urdf"), robot), "the robot is there");
-        return robot;
-    }();
-    return theRobot;
 }

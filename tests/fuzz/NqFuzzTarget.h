@@ -2,7 +2,6 @@
 
 #include "NqFuzzInput.h"
 
-#include <nqControlCore/foundation/manipulator/NqIndividualManipulator.h>
 #include <nqControlCore/foundation/matrix/NqReArray.h>
 #include <nqControlCore/foundation/xml/NqXmlObject.h>
 
@@ -52,6 +51,3 @@ bool nqIsFinite(const NqReArray& matrix);
 
 /// The same bits, or not a number both.
 bool nqAreSame(const std::vector<double>& a, const std::vector<double>& b);
-
-/// The robot on which every file of tests/golden finds its links.
-const NqIndividualManipulator& nqFuzzRobot();

@@ -1,5 +1,6 @@
 #include "NqFuzzTarget.h"
 
+#include <nqControlCore/foundation/manipulator/NqIndividualManipulator.h>
 #include <nqControlCore/foundation/manipulator/NqManipulatorActiveState.h>
 #include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
 

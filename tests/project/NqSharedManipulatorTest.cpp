@@ -1,3 +1,4 @@
+#include "support/NqNamedRobot.h"
 #include "support/NqPrintCapture.h"
 #include "support/NqTestFiles.h"
 
@@ -6,6 +7,7 @@
 #include <nqControlCore/endeffector/NqPointEndEffector.h>
 #include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
 #include <nqControlCore/foundation/xml/NqXmlDocument.h>
+#include <nqControlLoop/NqControlLoop.h>
 
 #include <gtest/gtest.h>
 
@@ -75,6 +77,47 @@ TEST(NqSharedManipulatorTest, ThreadsThatShareOneDriveAsIfAlone) {
         EXPECT_EQ(together[i], driven(arm, i));
     }
     EXPECT_NE(together[0], together[1]);
+}
+
+/// Drives a loop for each type of end-effector, relative to another link or not, to a target that depends on
+/// `run`. Gives all joint positions at their ends.
+std::vector<std::vector<double>> drivenByAllTypes(unsigned run) {
+    std::vector<std::vector<double>> ends;
+    const NqIndividualManipulator& robot = nqNamedRobot();
+    const std::vector<double> from(robot.numberOfJoints(), 0.2);
+    const std::vector<double> to(robot.numberOfJoints(), 0.1 * run);
+    NqManipulatorActiveState there(robot);
+    there.setPositionState(NqPositionState(NqXmlRealVector(to)));
+    for (const NqEndEffector& sample : nqNamedEndEffectors()) {
+        const std::unique_ptr<NqEndEffector> endEffector(dynamic_cast<NqEndEffector*>(sample.clone()));
+        NqEndEffectorRelativeLinkData relative = sample.relativeLinkData();
+        relative.setRelativeMode(run % 2 == 0 ? NqEndEffectorRelativeLinkData::relativeModeNone
+                                              : NqEndEffectorRelativeLinkData::relativeModeInternal);
+        endEffector->setRelativeLinkData(relative);
+        NqEndEffectorPlacement target;
+        endEffector->calculatePlacement(robot, there, target);
+        NqControlLoop loop(robot);
+        loop.addEndEffector("it", *endEffector);
+        loop.setPositions(from);
+        loop.setTarget(0, target, true);
+        for (unsigned step = 0; step < 20; ++step) {
+            loop.step();
+        }
+        ends.push_back(loop.positions());
+    }
+    return ends;
+}
+
+TEST(NqSharedManipulatorTest, LoopsOfAllTypesDriveAsIfAlone) {
+    NqPrintCapture capture;
+    ASSERT_EQ(nqNamedRobot().numberOfJoints(), 12U);
+    std::vector<std::vector<std::vector<double>>> together(kThreads);
+    onThreads([&](unsigned i) { together[i] = drivenByAllTypes(i); });
+    for (unsigned i = 0; i < kThreads; ++i) {
+        EXPECT_EQ(together[i].size(), 23U);
+        EXPECT_EQ(together[i], drivenByAllTypes(i));
+    }
+    EXPECT_NE(together[0], together[2]);
 }
 
 TEST(NqSharedManipulatorTest, MessagesFromThreadsStayWhole) {

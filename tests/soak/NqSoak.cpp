@@ -47,11 +47,16 @@ int main(int argc, char** argv) {
     Nq::Print::instance().setSink([](unsigned, const std::string&) {});
 
     std::vector<NqSoakDrive::Record> records(names.size());
+    double shares = 0.0;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        shares += NqSoakDrive(names[i], seed, records[i]).share();
+    }
+    const double each = static_cast<double>(steps) / rounds;
     long warm = 0;
     for (std::uint64_t round = 0; round < rounds; ++round) {
         for (std::size_t i = 0; i < names.size(); ++i) {
             NqSoakDrive drive(names[i], seed * rounds + round, records[i]);
-            if (!drive.run(steps / (rounds * names.size()) + 1)) {
+            if (!drive.run(static_cast<std::uint64_t>(drive.share() / shares * each) + 1)) {
                 std::fprintf(stderr, "soak: %s: %s\n", names[i].c_str(), records[i].fault.c_str());
                 return 1;
             }

@@ -23,6 +23,9 @@ public:
 
     NqSoakDrive(const std::string& endEffectors, std::uint64_t seed, Record& record);
 
+    /// Of all steps: the fewer the more joints there are, since theirs take longer.
+    double share() const { return 1.0 / (1.0 + m_Robot.numberOfJoints()); }
+
     /// False with a fault in the record.
     bool run(std::uint64_t steps);
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <libxml/chvalid.h>
+#include <libxml/parserInternals.h>
 #include <libxml/tree.h>
 #include <libxml/xmlwriter.h>
 
@@ -25,7 +26,9 @@ bool isXmlText(const std::string& text) {
     while (left > 0) {
         int length = left;
         const int character = xmlGetUTF8Char(at, &length);
-        if (character < 0 || !xmlIsCharQ(static_cast<unsigned>(character))) {
+        xmlChar bytes[4]; // it has in UTF-8: some others are let pass as the same character
+        if (character < 0 || !xmlIsCharQ(static_cast<unsigned>(character)) ||
+            xmlCopyCharMultiByte(bytes, character) != length || !std::equal(bytes, bytes + length, at)) {
             return false;
         }
         at += length;

@@ -1,0 +1,37 @@
+# Makes the Debian packages of a build, unpacks them as an installation would and lets the program run from there. BUILD is
+# the build folder, WORK a folder to work in, MODEL and END_EFFECTORS what the program is given.
+cmake_minimum_required(VERSION 3.25)
+
+find_program(DPKG_DEB dpkg-deb REQUIRED)
+file(REMOVE_RECURSE ${WORK})
+file(MAKE_DIRECTORY ${WORK})
+execute_process(COMMAND ${CMAKE_CPACK_COMMAND} -G DEB -B ${WORK} --config ${BUILD}/CPackConfig.cmake
+    WORKING_DIRECTORY ${WORK} OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+set(all "")
+foreach(name nqcontrolcore nqcontrolcore-dev)
+    file(GLOB package ${WORK}/${name}_*.deb)
+    if(NOT package)
+        message(FATAL_ERROR "there is no package ${name}")
+    endif()
+    execute_process(COMMAND ${DPKG_DEB} --extract ${package} ${WORK}/root COMMAND_ERROR_IS_FATAL ANY)
+    execute_process(COMMAND ${DPKG_DEB} --fsys-tarfile ${package} COMMAND tar --list
+        OUTPUT_VARIABLE files COMMAND_ERROR_IS_FATAL ANY)
+    string(REGEX MATCHALL "[^\n]+[^/\n]\n" files "${files}")
+    foreach(file IN LISTS files)
+        if(file IN_LIST all)
+            message(SEND_ERROR "in both packages: ${file}")
+        endif()
+    endforeach()
+    list(APPEND all ${files})
+    execute_process(COMMAND ${DPKG_DEB} --field ${package} Depends OUTPUT_VARIABLE depends COMMAND_ERROR_IS_FATAL ANY)
+    if(NOT depends MATCHES "libxml2")
+        message(SEND_ERROR "${name} does not depend on libxml2, but on: ${depends}")
+    endif()
+endforeach()
+foreach(file bin/nqDrive include/nqControlCore/core/NqCoreVelocityControlTool.h share/doc/nqControlCore/LICENSE)
+    if(NOT EXISTS ${WORK}/root/usr/${file})
+        message(SEND_ERROR "no package has ${file}")
+    endif()
+endforeach()
+execute_process(COMMAND ${WORK}/root/usr/bin/nqDrive ${MODEL} ${END_EFFECTORS} --relative 0.05,0,0 --quiet
+    WORKING_DIRECTORY ${WORK} COMMAND_ERROR_IS_FATAL ANY)

@@ -193,7 +193,9 @@ private:
     void boundRates();
     bool solve();
     void dampLostDirections();
-    void leavePath(double share, const NqLimitedVelocityTool* tool);
+    double alongWeight(NqLimitedVelocityTool& tool);
+    void leavePath(double share, double along, const NqLimitedVelocityTool* tool);
+    void turnTowardsPath(double along);
     void noteHolds(const std::vector<NqBoundActiveSet::Hold>& holds);
     void judge();
     void judgeLostDirection();
@@ -202,6 +204,7 @@ private:
     bool isReady();
     void adviseOnRows(NqControlLoopCheck& check);
     double greatestScale() const;
+    double greatestTurnableScale(NqLimitedVelocityTool& tool);
     double shareMade() const;
     void integrate();
     void measureVelocities();
@@ -231,7 +234,14 @@ private:
     std::vector<double> m_Upper;
     std::vector<double> m_Wished;
     std::vector<double> m_Sliding; ///< rates that leave the path
+    NqReArray m_SlidingRows;       ///< the hard rows, with less weight along the path
+    std::vector<double> m_SlidingCommand;
     std::vector<double> m_NoCommand;
+    std::vector<double> m_Turning;      ///< of the hard rows: velocities that ask for accelerations
+    std::vector<double> m_TurningRates; ///< and what they ask of the joints
+    std::vector<double> m_PathBefore;   ///< rates along the path in the last step, at its command
+    std::vector<double> m_CommandBefore;
+    unsigned m_LostBefore = 0;
     unsigned m_Lost = 0; ///< directions, in the last step
     unsigned m_SolverSteps = 0;
     double m_Scale = 1.0; ///< of the commanded velocities, in the last step

@@ -86,6 +86,13 @@ void NqLimitedVelocityTool::size(unsigned n) {
     }
 }
 
+void NqLimitedVelocityTool::findPath(const std::vector<double>& velocity, std::vector<double>& path) {
+    std::copy_n(velocity.begin(), m_Rows, m_RightHandSide.begin());
+    std::fill(m_RightHandSide.begin() + m_Rows, m_RightHandSide.end(), 0.0);
+    double determinant = 0.0;
+    calc(primaryMatrix(), indices(), m_RightHandSide, path, determinant);
+}
+
 double NqLimitedVelocityTool::leastPivot() const {
     double least = std::numeric_limits<double>::infinity();
     for (unsigned i = 0; i < m_Rows; ++i) {

@@ -46,6 +46,9 @@ public:
     /// Rates without bounds, and for v = 0.
     const std::vector<double>& unlimitedRates() const { return m_Rates; }
     const std::vector<double>& nullSpaceRates() const { return m_NullSpaceRates; }
+    /// The part of the rates that makes v, and what it would be for another velocity.
+    const std::vector<double>& path() const { return m_Path; }
+    void findPath(const std::vector<double>& velocity, std::vector<double>& path);
     double determinant() const { return m_Determinant; }
     /// Steps of the active set in the last solve, and whether they were too many: the outcome is Blocked
     /// then.

@@ -31,7 +31,7 @@ constexpr double kIdle = 1.0e-6;
 /// A least singular value below this is rounding: rows depend on each other, or no joint moves them.
 constexpr double kDependent = 1.0e-9;
 /// How fast the joints go to a posture, for their distance from it, 1/s.
-constexpr double kGoingGain = 5.0;
+constexpr double kGoingGain = 8.0;
 /// How far the joints are moved to see what that brings, rad or m.
 constexpr double kProbe = 0.05;
 constexpr double kUnbounded = std::numeric_limits<double>::infinity();

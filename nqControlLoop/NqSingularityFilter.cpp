@@ -159,7 +159,8 @@ void NqSingularityFilter::addCost(const std::vector<double>& velocity, double da
         const double command = dot(m_Directions[i], velocity, m_Rows);
         const std::vector<double>& row = m_Turned[i];
         if (m_Values[i] > 0.0) {
-            const double fading = kFadingVelocity / (kFadingVelocity + std::abs(command));
+            const double fading =
+                kFadingVelocity * kFadingVelocity / (kFadingVelocity * kFadingVelocity + command * command);
             const double along = fading * dot(row, gradient, m_Columns) / (m_Values[i] * m_Values[i]);
             for (unsigned j = 0; j < m_Columns; ++j) {
                 gradient[j] -= along * row[j];

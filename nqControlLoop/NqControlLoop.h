@@ -114,6 +114,7 @@ public:
     NqEndEffectorPlacement relativePlacement(std::size_t e);
 
     const std::vector<double>& positions() const { return m_Position.jointPositions().values(); }
+    const NqCoordinateSystemTransformation& baseFrame() const { return m_Position.baseFrame(); }
     /// Rates of the last step, as they were after slowing; those of a free base behind those of the joints.
     const std::vector<double>& rates() const { return m_Rates; }
     /// The target as it was set, in the frame of the relative link if there is one.

@@ -12,12 +12,12 @@ struct NqArmSketch {
 
     struct Posture {
         std::string label; ///< short name, written beside the arm; may be empty
+        NqVector base;
         std::vector<NqVector> joints;
         std::vector<NqVector> endEffectors;                   ///< the points that the end-effectors tie
         std::vector<NqCoordinateSystemTransformation> frames; ///< where an orientation counts
     };
 
-    NqVector base;
     std::vector<int> inboard;       ///< for each joint the joint inboard of it, or kBase
     std::vector<bool> isLinear;     ///< for each joint
     std::vector<int> carrier;       ///< for each of these points the joint whose link carries it, or kBase

@@ -92,6 +92,16 @@ bool readMetric(std::string_view text, Options& options, std::string& complaint)
                        options.metricByLabel, complaint);
 }
 
+bool readBaseMetric(std::string_view text, Options& options, std::string& complaint) {
+    const bool isGood = NqDriveText::parseFiniteList(text, options.baseMetric) &&
+                        options.baseMetric.size() == NqEndEffector::m_theBaseDof &&
+                        *std::min_element(options.baseMetric.begin(), options.baseMetric.end()) > 0.0;
+    options.isBaseFree = true;
+    complaint =
+        isGood ? "" : "needs six weights above 0, separated by commas, not '" + std::string(text) + "'";
+    return isGood;
+}
+
 bool readStart(std::string_view text, Options& options, std::string& complaint) {
     return readByJoint(text, -std::numeric_limits<double>::infinity(),
                        "positions of all joints, or JOINT=POSITION", options.start, options.startByLabel,
@@ -133,6 +143,10 @@ constexpr Option kOptions[] = {
      readMetric},
     {"--soft-gain", "G", "how much soft end-effectors weigh against the joints (default 1000)",
      [](std::string_view t, Options& o, std::string& c) { return readNumber(t, 0.0, 1.0e9, o.softGain, c); }},
+    {"--free-base", "", "the base floats: its motion takes part in that of the joints",
+     [](std::string_view, Options& o, std::string&) { return o.isBaseFree = true; }},
+    {"--base-metric", "WEIGHTS",
+     "the same, with weights of its motion along x, y, z and about them (default 1)", readBaseMetric},
     {"--profile", "WORD", "trapezoidal, proportional or threehalves, for all end-effectors", readProfile},
     {"--rate", "HZ", "control steps per second (default 1000)",
      [](std::string_view t, Options& o, std::string& c) { return readNumber(t, 1.0, 100000.0, o.rate, c); }},

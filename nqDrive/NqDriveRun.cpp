@@ -129,6 +129,7 @@ void NqDriveRun::execute(Watcher& watcher) {
             NqDriveRecord::WayPoint& wayPoint = m_Record.wayPoints[m_WayPoint];
             wayPoint.time = m_Loop.time();
             std::copy(m_Loop.positions().begin(), m_Loop.positions().end(), wayPoint.positions.begin());
+            wayPoint.base = m_Loop.baseFrame();
             watcher.wayPointReached(*this);
             if (m_WayPoint + 1 == m_Record.wayPoints.size()) {
                 outcome = Outcome::Reached;
@@ -239,8 +240,8 @@ bool NqDriveRun::isTooSlow() {
 
 /// Whether there is another posture that reaches the targets, which the arm then goes to.
 bool NqDriveRun::beginDetour() {
-    if (!m_Task.options().mayDetour || m_Record.detours >= kDetours || m_Searches >= kSearches ||
-        hardError() <= m_Task.options().tolerance ||
+    if (!m_Task.options().mayDetour || m_Task.options().isBaseFree || m_Record.detours >= kDetours ||
+        m_Searches >= kSearches || hardError() <= m_Task.options().tolerance ||
         m_Loop.status().kind == NqControlLoopStatus::Contradictory || !idleDirection().empty()) {
         return false;
     }
@@ -305,7 +306,7 @@ void NqDriveRun::noteSample(bool isKept) {
     m_Recorder.add({m_Loop.time(), static_cast<double>(m_WayPoint + 1), m_Loop.determinant(),
                     m_Loop.slowing(), m_Loop.positions().data(), m_Loop.rates().data(),
                     m_Loop.placements().data(), m_Loop.errors().data(), m_Loop.speeds().data(),
-                    m_Loop.accelerations().data()},
+                    m_Loop.accelerations().data(), m_Loop.baseFrame()},
                    isKept);
 }
 
@@ -486,13 +487,15 @@ void NqDriveRun::sketch() {
         for (std::size_t j = 0; j < positions.size(); ++j) {
             positions[j] = m_Recorder.position(i * (rows - 1) / kPosturesBetween, j);
         }
-        m_Record.sketch.between.push_back(sketcher.posture("", positions));
+        m_Record.sketch.between.push_back(
+            sketcher.posture("", positions, m_Recorder.base(i * (rows - 1) / kPosturesBetween)));
     }
     for (std::size_t w = 0; w < m_Record.wayPoints.size(); ++w) {
         const NqDriveRecord::WayPoint& wayPoint = m_Record.wayPoints[w];
         const bool isEnd = w + 1 == m_Record.wayPoints.size();
         if (wayPoint.isReached() && !isEnd) {
-            m_Record.sketch.wayPoints.push_back(sketcher.posture(std::to_string(w + 1), wayPoint.positions));
+            m_Record.sketch.wayPoints.push_back(
+                sketcher.posture(std::to_string(w + 1), wayPoint.positions, wayPoint.base));
         }
     }
     for (const auto& targets : m_Task.targets()) {
@@ -503,8 +506,9 @@ void NqDriveRun::sketch() {
             }
         }
     }
-    m_Record.sketch.last = sketcher.posture(
-        m_Record.isReached() ? std::to_string(m_Record.wayPoints.size()) : "end", m_Loop.positions());
+    m_Record.sketch.last =
+        sketcher.posture(m_Record.isReached() ? std::to_string(m_Record.wayPoints.size()) : "end",
+                         m_Loop.positions(), m_Loop.baseFrame());
     const std::size_t stride = std::max<std::size_t>(1, rows / kPathPoints);
     for (std::size_t e = 0; e < m_Loop.endEffectors(); ++e) {
         if (!m_Loop.kind(e).hasPlace()) {

@@ -28,5 +28,6 @@ struct NqArmSketch {
     Posture last;                   ///< at the end of the run
     std::vector<Posture> between;   ///< drawn faintly
     std::vector<std::vector<NqVector>> paths; ///< of the end-effectors that are points or frames
-    std::vector<NqVector> targets;            ///< all their targets
+    std::vector<NqVector> targets;            ///< all targets of the hard ones
+    std::vector<NqVector> softTargets;        ///< and of the soft ones, which need not be met
 };

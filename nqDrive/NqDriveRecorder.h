@@ -26,7 +26,7 @@ public:
         const double* errors;                               ///< left to the target
         const double* speeds;
         const double* accelerations;
-        NqCoordinateSystemTransformation base; ///< in the system frame
+        NqCoordinateSystemTransformation base{}; ///< in the system frame
     };
 
     NqDriveRecorder(std::size_t joints, std::size_t endEffectors, std::size_t parts,

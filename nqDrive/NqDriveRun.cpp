@@ -502,7 +502,8 @@ void NqDriveRun::sketch() {
         for (std::size_t e = 0; e < targets.size(); ++e) {
             if (m_Loop.kind(e).hasPlace()) {
                 m_Loop.setTarget(e, targets[e]);
-                m_Record.sketch.targets.push_back(m_Loop.systemTarget(e).coordSysXForm().translation());
+                auto& sketched = m_Loop.isHard(e) ? m_Record.sketch.targets : m_Record.sketch.softTargets;
+                sketched.push_back(m_Loop.systemTarget(e).coordSysXForm().translation());
             }
         }
     }

@@ -67,6 +67,9 @@ public:
             }
             out += NqSvg::polyline(NqSvg::simplified(points, 0.2), NqSvg::curveClass(e));
         }
+        for (const NqVector& target : m_Sketch.softTargets) {
+            out += NqSvg::circle(project(target), 6.0, "soft");
+        }
         for (const NqVector& target : m_Sketch.targets) {
             const Point p = project(target);
             out += NqSvg::circle(p, 6.0, "target") +
@@ -119,6 +122,7 @@ private:
         std::for_each(m_Sketch.wayPoints.begin(), m_Sketch.wayPoints.end(), includePosture);
         std::for_each(m_Sketch.paths.begin(), m_Sketch.paths.end(), include);
         include(m_Sketch.targets);
+        include(m_Sketch.softTargets);
 
         Bounds bounds;
         for (const NqVector& point : m_Points) {
@@ -303,7 +307,7 @@ private:
             }
             const Point p = project(posture.endEffectors.front());
             for (auto& [at, text] : placed) {
-                if (std::hypot(p.x - at.x, p.y - at.y) < 16.0) {
+                if (std::hypot(p.x - at.x, p.y - at.y) < 26.0) {
                     text += ", " + posture.label;
                     return;
                 }

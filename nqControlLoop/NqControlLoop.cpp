@@ -182,6 +182,15 @@ void NqControlLoop::resize() {
     m_Accelerations.resize(m_Parts.size());
     stackConstraints();
     observe();
+    NqEndEffector::SparsityDescription sparsity;
+    for (const Constraint& constraint : m_Constraints) {
+        if (constraint.isHard) {
+            constraint.endEffector->insertSparsityComponent(m_Manipulator, constraint.row,
+                                                            constraint.endEffector->relativeLinkData(),
+                                                            m_Settings.isBaseFixed(), sparsity);
+        }
+    }
+    m_Tool.setSparsity(sparsity);
 }
 
 NqJointBounds::Limits NqControlLoop::limitsOf(unsigned j) const {
@@ -557,7 +566,6 @@ bool NqControlLoop::solve() {
         }
     }
     m_Status.joints.clear();
-    m_Status.isCapped = tool->isCapped();
     const double scale = outcome == Outcome::Failed || outcome == Outcome::Blocked ? 0.0 : tool->scale();
     const double greatest =
         outcome == Outcome::Failed ? 0.0 : std::min(greatestScale(), greatestTurnableScale(*tool));
@@ -580,6 +588,7 @@ bool NqControlLoop::solve() {
     }
     m_SolverSteps =
         m_Tool.steps() + (tool == &m_Tool ? 0 : tool->steps()) + (leaving > 0.0 ? m_LeastSquares.steps() : 0);
+    m_Status.isCapped = m_Tool.isCapped() || tool->isCapped() || (leaving > 0.0 && m_LeastSquares.isCapped());
     for (std::size_t k = 0; k < m_Rates.size(); ++k) {
         m_Rates[k] = std::clamp(m_Rates[k], m_Lower[k], m_Upper[k]); // free of the rounding of the mixture
     }

@@ -36,7 +36,8 @@
 /// Limits of position, rate and acceleration hold in every step (NqJointBounds). A joint at a limit is held
 /// there and the others make its motion; where they can't, the motion slows along its path, and where it
 /// would come to a halt though the targets aren't reached, it leaves the path by the least error or stays, as
-/// the settings say (NqLimitedVelocityTool, NqBoundedLeastSquares). Near a singularity the direction that is
+/// the settings say (NqLimitedVelocityTool, NqBoundedLeastSquares). It slows ahead of bends of the path and
+/// of targets for which the joints could not turn fast enough. Near a singularity the direction that is
 /// being lost is damped (NqSingularityFilter).
 ///
 /// The loop reads no clock and no file, starts no thread, and allocates nothing after the first step. One
@@ -130,7 +131,9 @@ public:
     /// Of the hard rows as they are at present, computed on request: m and rad count alike. NaN without rows.
     double leastSingularValue();
     double condition();
-    /// Steps of the active sets in the last step.
+    /// Steps of the active sets in the last step: 0 where no limit is met, about one for each joint that is
+    /// held, and in the worst case 13 searches of NqBoundActiveSet::maxSteps() each. A search that is cut off
+    /// there is treated as a way that is blocked, and status().isCapped says so.
     unsigned solverSteps() const { return m_SolverSteps; }
 
     /// Present placements, in the system frame.

@@ -160,7 +160,7 @@ constexpr Option kOptions[] = {
      [](std::string_view t, Options& o, std::string& c) { return readName(t, o.output, c); }},
     {"--svg", "FILE", "also write one picture of the run",
      [](std::string_view t, Options& o, std::string& c) { return readName(t, o.svg, c); }},
-    {"--no-detour", "", "where limits block every way, stop rather than go through another posture",
+    {"--no-detour", "", "where limits block the way or leave one too slow, don't go through another posture",
      [](std::string_view, Options& o, std::string&) {
          o.mayDetour = false;
          return true;
@@ -273,7 +273,7 @@ along and rotations about the axes of that frame or of the system. The target op
 the way points are driven to one after the other. In a file "relative" stands before offsets, and "#" before
 comments.
 Soft end-effectors (isHardConstraint false) come as near to their targets as the hard ones leave them room; their
-way points count as reached when they come no nearer.
+way points count as reached when they come no nearer or, with hard ones at theirs, when the time is over.
 Positions and rates are in rad and rad/s, of linear joints in m and m/s.
 
 Exit status: 0 when all targets were reached, 1 when they were not, 2 for bad usage or input.

@@ -1,4 +1,5 @@
 #include <nqControlLoop/NqBoundActiveSet.h>
+#include <nqControlLoop/NqCholesky.h>
 
 #include <algorithm>
 #include <cmath>
@@ -14,22 +15,6 @@ constexpr double kSettled = 1.0e-9;
 
 double slackOf(double bound) {
     return kSlack * (1.0 + std::abs(bound));
-}
-
-/// Solves with Cholesky factors, in place.
-void solveWith(const std::vector<std::vector<double>>& factor, std::size_t count, std::vector<double>& x) {
-    for (std::size_t i = 0; i < count; ++i) {
-        for (std::size_t j = 0; j < i; ++j) {
-            x[i] -= factor[i][j] * x[j];
-        }
-        x[i] /= factor[i][i];
-    }
-    for (std::size_t i = count; i-- > 0;) {
-        for (std::size_t j = i + 1; j < count; ++j) {
-            x[i] -= factor[j][i] * x[j];
-        }
-        x[i] /= factor[i][i];
-    }
 }
 
 } // namespace
@@ -85,14 +70,10 @@ void NqBoundActiveSet::factor(Response& response) {
     for (std::size_t i = 0; i < m_Holds.size(); ++i) {
         const std::vector<double>& column = columnOf(response, m_Holds[i].unknown);
         for (std::size_t j = 0; j <= i; ++j) {
-            double sum = column[m_Holds[j].unknown];
-            for (std::size_t k = 0; k < j; ++k) {
-                sum -= m_Factor[i][k] * m_Factor[j][k];
-            }
-            m_Factor[i][j] =
-                i == j ? std::sqrt(std::max(sum, std::numeric_limits<double>::min())) : sum / m_Factor[j][j];
+            m_Factor[i][j] = column[m_Holds[j].unknown];
         }
     }
+    NqCholesky::factor(m_Factor, m_Holds.size(), std::numeric_limits<double>::min());
 }
 
 /// How the held multipliers must change, for one of the entering one, so that the held unknowns stay.
@@ -101,7 +82,7 @@ void NqBoundActiveSet::direction(Response& response) {
     for (std::size_t i = 0; i < m_Holds.size(); ++i) {
         m_Change[i] = column[m_Holds[i].unknown];
     }
-    solveWith(m_Factor, m_Holds.size(), m_Change);
+    NqCholesky::solve(m_Factor, m_Holds.size(), m_Change);
 }
 
 void NqBoundActiveSet::letGo(std::size_t hold) {
@@ -181,7 +162,7 @@ bool NqBoundActiveSet::settle(Response& response, const std::vector<double>& low
         for (std::size_t i = 0; i < m_Holds.size(); ++i) {
             m_Change[i] = x[m_Holds[i].unknown] - boundOf(m_Holds[i], lower, upper);
         }
-        solveWith(m_Factor, m_Holds.size(), m_Change);
+        NqCholesky::solve(m_Factor, m_Holds.size(), m_Change);
         for (std::size_t i = 0; i < m_Holds.size(); ++i) {
             m_Holds[i].multiplier += m_Change[i];
         }

@@ -51,6 +51,8 @@ public:
     const Hold& contradicted() const { return m_Entering; }
     /// Holds taken up and let go in the last search.
     unsigned steps() const { return m_Steps; }
+    /// Where a search ends that doesn't get on, which rounding alone could bring about; none was ever seen
+    /// to.
     unsigned maxSteps() const { return 4 * m_Unknowns + 8; }
 
 private:

@@ -1,44 +1,11 @@
 #include <nqControlLoop/NqBoundedLeastSquares.h>
+#include <nqControlLoop/NqCholesky.h>
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
 constexpr double kLeastFreedom = 1.0e-14;
-
-/// Cholesky factors of the lower triangle, in place.
-bool factorInPlace(std::vector<std::vector<double>>& matrix) {
-    for (std::size_t i = 0; i < matrix.size(); ++i) {
-        for (std::size_t j = 0; j <= i; ++j) {
-            double sum = matrix[i][j];
-            for (std::size_t k = 0; k < j; ++k) {
-                sum -= matrix[i][k] * matrix[j][k];
-            }
-            if (i == j && !(sum > 0.0)) {
-                return false;
-            }
-            matrix[i][j] = i == j ? std::sqrt(sum) : sum / matrix[j][j];
-        }
-    }
-    return true;
-}
-
-void solveWith(const std::vector<std::vector<double>>& factor, std::vector<double>& x) {
-    for (std::size_t i = 0; i < factor.size(); ++i) {
-        double sum = x[i];
-        for (std::size_t j = 0; j < i; ++j) {
-            sum -= factor[i][j] * x[j];
-        }
-        x[i] = sum / factor[i][i];
-    }
-    for (std::size_t i = factor.size(); i-- > 0;) {
-        x[i] /= factor[i][i];
-        for (std::size_t j = 0; j < i; ++j) {
-            x[j] -= factor[i][j] * x[i];
-        }
-    }
-}
 
 } // namespace
 
@@ -49,7 +16,7 @@ public:
     void column(unsigned k, std::vector<double>& column) override {
         std::fill(column.begin(), column.end(), 0.0);
         column[k] = 1.0;
-        solveWith(m_Factor, column);
+        NqCholesky::solve(m_Factor, column.size(), column);
     }
 
 private:
@@ -84,13 +51,14 @@ bool NqBoundedLeastSquares::solve(const NqReArray& jacobian, unsigned rows,
             }
         }
     }
-    bool isSolved = factorInPlace(m_Factor);
+    bool isSolved = NqCholesky::factor(m_Factor, n, 0.0);
     if (isSolved) {
-        solveWith(m_Factor, rates);
+        NqCholesky::solve(m_Factor, n, rates);
         Response response(m_Factor);
         m_Bounds.forgetResponse();
-        isSolved = m_Bounds.solve(response, lower, upper, m_Freedom, kLeastFreedom, rates) ==
-                   NqBoundActiveSet::Outcome::Solved;
+        const auto outcome = m_Bounds.solve(response, lower, upper, m_Freedom, kLeastFreedom, rates);
+        m_IsCapped = outcome == NqBoundActiveSet::Outcome::Capped;
+        isSolved = outcome == NqBoundActiveSet::Outcome::Solved;
     }
     if (!isSolved) {
         for (std::size_t j = 0; j < n; ++j) {

@@ -19,6 +19,7 @@ public:
 
     const std::vector<NqBoundActiveSet::Hold>& holds() const { return m_Bounds.holds(); }
     unsigned steps() const { return m_Bounds.steps(); }
+    bool isCapped() const { return m_IsCapped; }
 
 private:
     class Response;
@@ -26,4 +27,5 @@ private:
     NqBoundActiveSet m_Bounds;
     std::vector<std::vector<double>> m_Factor; ///< Cholesky, of J^T J + lambda^2 A
     std::vector<double> m_Freedom;
+    bool m_IsCapped = false;
 };

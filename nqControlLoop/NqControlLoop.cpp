@@ -13,6 +13,9 @@ namespace {
 /// follows the least error alone.
 constexpr double kWhollyOnPath = 0.1;
 constexpr double kWhollyOffPath = 0.02;
+/// Weight of the error along the path beside that across it where only the joints' accelerations are in the
+/// way: the motion then brakes rather than strays.
+constexpr double kBrakingWeight = 0.1;
 /// So many times the threshold a pivot may be and singular values still be asked for: pivots are seldom so
 /// much larger than the least singular value.
 constexpr double kPivotMargin = 10.0;
@@ -20,13 +23,23 @@ constexpr double kPivotMargin = 10.0;
 constexpr double kRest = 0.01;
 /// A share of the commanded velocities above this counts as all of it.
 constexpr double kHardlySlowed = 0.98;
+/// Share of the joints' limits of acceleration that bends and stops may take; the rest is for the change of
+/// posture.
+constexpr double kTurning = 0.7;
+/// A speed below this needs no stopping.
+constexpr double kIdle = 1.0e-6;
 /// A least singular value below this is rounding: rows depend on each other, or no joint moves them.
 constexpr double kDependent = 1.0e-9;
 /// How fast the joints go to a posture, for their distance from it, 1/s.
-constexpr double kGoingGain = 5.0;
+constexpr double kGoingGain = 8.0;
 /// How far the joints are moved to see what that brings, rad or m.
 constexpr double kProbe = 0.05;
 constexpr double kUnbounded = std::numeric_limits<double>::infinity();
+
+/// By how much a motion leaves its path that makes a share of what is commanded.
+double shareOffPath(double scale) {
+    return std::clamp((kWhollyOnPath - scale) / (kWhollyOnPath - kWhollyOffPath), 0.0, 1.0);
+}
 
 } // namespace
 
@@ -148,6 +161,9 @@ void NqControlLoop::resize() {
     m_DampedMetric.setToZeros(columns(), columns());
     m_Hard.command.resize(m_Hard.rows);
     m_NoCommand.assign(m_Hard.rows, 0.0);
+    m_Turning = m_CommandBefore = m_SlidingCommand = m_NoCommand;
+    m_SlidingRows.setToZeros(m_Hard.rows, columns());
+    m_TurningRates = m_PathBefore = m_Sliding;
     if (m_Hard.rows <= columns()) {
         m_Tool.prepare(columns(), m_Hard.rows);
         m_ReducedTools.resize(m_Hard.rows + 1);
@@ -166,6 +182,15 @@ void NqControlLoop::resize() {
     m_Accelerations.resize(m_Parts.size());
     stackConstraints();
     observe();
+    NqEndEffector::SparsityDescription sparsity;
+    for (const Constraint& constraint : m_Constraints) {
+        if (constraint.isHard) {
+            constraint.endEffector->insertSparsityComponent(m_Manipulator, constraint.row,
+                                                            constraint.endEffector->relativeLinkData(),
+                                                            m_Settings.isBaseFixed(), sparsity);
+        }
+    }
+    m_Tool.setSparsity(sparsity);
 }
 
 NqJointBounds::Limits NqControlLoop::limitsOf(unsigned j) const {
@@ -454,6 +479,62 @@ double NqControlLoop::greatestScale() const {
     return std::min(1.0, m_Scale + rise);
 }
 
+/// How much of the commanded velocities there may be for the joints to follow the bends of the path and to
+/// stop at the targets, within their limits of acceleration. With a share s of the command, rates along the
+/// path of t for a unit of s and the same t' a step before, the joints need
+///     s^2 (J^+ v' - t') / (s' h)    for the bends, v' and s' being those of the step before, and
+///     s^2 J^+ b                     for stopping:
+/// an end-effector with a speed of v and a way of d to go slows by at least b = v^2 / (2 d).
+double NqControlLoop::greatestTurnableScale(NqLimitedVelocityTool& tool) {
+    const double timeStep = m_Settings.timeStep();
+    const bool isKnown = m_Scale > kWhollyOnPath && m_Lost == m_LostBefore;
+    const double perTime = isKnown ? 1.0 / (m_Scale * timeStep) : 0.0;
+    double steepest = 0.0;
+    std::fill(m_Turning.begin(), m_Turning.end(), 0.0);
+    for (std::size_t p = 0; p < m_Parts.size(); ++p) {
+        const Constraint& constraint = m_Constraints[m_Parts[p].endEffector];
+        if (!constraint.isHard || constraint.kind.form().content == NqTargetForm::Nothing) {
+            continue;
+        }
+        const NqTargetKind::Part& part = m_Parts[p].part;
+        double* braking = m_Turning.data() + constraint.row;
+        for (unsigned i = part.row; i < part.row + part.rows; ++i) {
+            braking[i] = constraint.desired[i] - constraint.filtered[i];
+        }
+        const double speed = part.size(braking);
+        const double slope = speed < kIdle ? 0.0 : 0.5 * speed / std::max(m_Errors[p], speed * timeStep);
+        for (unsigned i = part.row; i < part.row + part.rows; ++i) {
+            braking[i] *= slope;
+        }
+        steepest = std::max(steepest, slope);
+    }
+    double scale = 1.0;
+    bool isExact = false;
+    for (unsigned j = 0; j < m_Joints && scale > 0.0; ++j) {
+        const double path = tool.path()[j];
+        const double there = kTurning * m_Limits[j].acceleration;
+        if (!isExact && perTime * std::abs(path - m_PathBefore[j]) + steepest * std::abs(path) > there) {
+            for (unsigned i = 0; i < m_Hard.rows; ++i) {
+                m_Turning[i] += perTime * m_CommandBefore[i];
+            }
+            if (m_Lost > 0) {
+                m_Singularities.projectVelocity(m_Turning);
+            }
+            tool.findPath(m_Lost > 0 ? m_Singularities.keptVelocity() : m_Turning, m_TurningRates);
+            isExact = true;
+            j = 0;
+        }
+        if (isExact) {
+            const double needed = std::abs(m_TurningRates[j] - perTime * m_PathBefore[j]);
+            scale = needed * scale * scale > there ? std::sqrt(there / needed) : scale;
+        }
+    }
+    std::copy(tool.path().begin(), tool.path().end(), m_PathBefore.begin());
+    std::copy(m_Hard.command.begin(), m_Hard.command.end(), m_CommandBefore.begin());
+    m_LostBefore = m_Lost;
+    return scale;
+}
+
 /// Share of the commanded velocities that the rates make, along these.
 double NqControlLoop::shareMade() const {
     double made = 0.0;
@@ -485,15 +566,16 @@ bool NqControlLoop::solve() {
         }
     }
     m_Status.joints.clear();
-    m_Status.isCapped = tool->isCapped();
     const double scale = outcome == Outcome::Failed || outcome == Outcome::Blocked ? 0.0 : tool->scale();
-    const double greatest = greatestScale();
+    const double greatest =
+        outcome == Outcome::Failed ? 0.0 : std::min(greatestScale(), greatestTurnableScale(*tool));
     if (outcome == Outcome::Slowed || outcome == Outcome::Blocked) {
         noteHolds(tool->holds());
     }
-    double leaving = std::clamp((kWhollyOnPath - scale) / (kWhollyOnPath - kWhollyOffPath), 0.0, 1.0);
+    double leaving = shareOffPath(scale);
     if (leaving < 1.0 && scale > greatest) {
-        leaving = tool->solveAgain(greatest, m_Lower, m_Upper) == Outcome::Blocked ? 1.0 : leaving;
+        outcome = tool->solveAgain(greatest, m_Lower, m_Upper);
+        leaving = outcome == Outcome::Blocked ? 1.0 : leaving;
     }
     if (leaving < 1.0) {
         std::copy(tool->rates().begin(), tool->rates().end(), m_Rates.begin());
@@ -501,10 +583,12 @@ bool NqControlLoop::solve() {
     m_Scale = std::min(scale, greatest);
     m_Leaving = leaving;
     if (leaving > 0.0) {
-        leavePath(leaving, outcome == Outcome::Failed ? nullptr : tool);
+        leavePath(leaving, outcome == Outcome::Blocked ? alongWeight(*tool) : 1.0,
+                  outcome == Outcome::Failed ? nullptr : tool);
     }
     m_SolverSteps =
         m_Tool.steps() + (tool == &m_Tool ? 0 : tool->steps()) + (leaving > 0.0 ? m_LeastSquares.steps() : 0);
+    m_Status.isCapped = m_Tool.isCapped() || tool->isCapped() || (leaving > 0.0 && m_LeastSquares.isCapped());
     for (std::size_t k = 0; k < m_Rates.size(); ++k) {
         m_Rates[k] = std::clamp(m_Rates[k], m_Lower[k], m_Upper[k]); // free of the rounding of the mixture
     }
@@ -532,16 +616,58 @@ void NqControlLoop::dampLostDirections() {
     m_Singularities.projectVelocity(m_Hard.command);
 }
 
+/// After the bounds left no rates along the path: whether those of rate and range would, and only the joints
+/// can't turn so fast. The error along the path then counts little, otherwise as much as all.
+double NqControlLoop::alongWeight(NqLimitedVelocityTool& tool) {
+    for (unsigned k = 0; k < columns(); ++k) {
+        const bool isJoint = k < m_Joints;
+        const double position = isJoint ? m_Position.jointPositions()[k] : 0.0;
+        m_Wished[k] =
+            isJoint ? NqJointBounds::lowerOfPlace(m_Limits[k], position, m_Settings.timeStep()) : -kUnbounded;
+        m_Sliding[k] =
+            isJoint ? NqJointBounds::upperOfPlace(m_Limits[k], position, m_Settings.timeStep()) : kUnbounded;
+    }
+    const bool isBlocked =
+        tool.solveAgain(1.0, m_Wished, m_Sliding) == NqLimitedVelocityTool::Outcome::Blocked;
+    const double off = shareOffPath(isBlocked ? 0.0 : tool.scale());
+    return kBrakingWeight + off * (1.0 - kBrakingWeight);
+}
+
+/// The hard rows and their command, with a weight below 1 along the command.
+void NqControlLoop::turnTowardsPath(double along) {
+    const double square =
+        std::inner_product(m_Hard.command.begin(), m_Hard.command.end(), m_Hard.command.begin(), 0.0);
+    for (unsigned j = 0; j < columns(); ++j) {
+        double sum = 0.0;
+        for (unsigned i = 0; i < m_Hard.rows; ++i) {
+            sum += m_Hard.command[i] * m_Hard.jacobian[i][j];
+        }
+        const double less = square > 0.0 ? (1.0 - along) * sum / square : 0.0;
+        for (unsigned i = 0; i < m_Hard.rows; ++i) {
+            m_SlidingRows[i][j] = m_Hard.jacobian[i][j] - less * m_Hard.command[i];
+        }
+    }
+    std::transform(m_Hard.command.begin(), m_Hard.command.end(), m_SlidingCommand.begin(),
+                   [&](double velocity) { return along * velocity; });
+}
+
 /// Turns the rates, by a share, towards those of the least error or, where the path is to be kept, towards
-/// rest.
-void NqControlLoop::leavePath(double share, const NqLimitedVelocityTool* tool) {
+/// rest. Error along the path has a weight of its own.
+void NqControlLoop::leavePath(double share, double along, const NqLimitedVelocityTool* tool) {
     std::fill(m_Wished.begin(), m_Wished.end(), 0.0);
     if (tool) {
         std::copy(tool->nullSpaceRates().begin(), tool->nullSpaceRates().end(), m_Wished.begin());
     }
     const bool isHolding = m_Settings.blocked() == NqControlLoopSettings::Hold;
-    m_LeastSquares.solve(m_Hard.jacobian, m_Hard.rows, isHolding ? m_NoCommand : m_Hard.command, m_Wished,
-                         m_Weights, m_Settings.damping(), m_Lower, m_Upper, m_Sliding);
+    const bool isTurned = along < 1.0;
+    if (isTurned) {
+        turnTowardsPath(along);
+    }
+    m_LeastSquares.solve(isTurned ? m_SlidingRows : m_Hard.jacobian, m_Hard.rows,
+                         isHolding  ? m_NoCommand
+                         : isTurned ? m_SlidingCommand
+                                    : m_Hard.command,
+                         m_Wished, m_Weights, m_Settings.damping(), m_Lower, m_Upper, m_Sliding);
     if (!isHolding) {
         noteHolds(m_LeastSquares.holds());
     }

@@ -36,7 +36,8 @@
 /// Limits of position, rate and acceleration hold in every step (NqJointBounds). A joint at a limit is held
 /// there and the others make its motion; where they can't, the motion slows along its path, and where it
 /// would come to a halt though the targets aren't reached, it leaves the path by the least error or stays, as
-/// the settings say (NqLimitedVelocityTool, NqBoundedLeastSquares). Near a singularity the direction that is
+/// the settings say (NqLimitedVelocityTool, NqBoundedLeastSquares). It slows ahead of bends of the path and
+/// of targets for which the joints could not turn fast enough. Near a singularity the direction that is
 /// being lost is damped (NqSingularityFilter).
 ///
 /// The loop reads no clock and no file, starts no thread, and allocates nothing after the first step. One
@@ -114,6 +115,7 @@ public:
     NqEndEffectorPlacement relativePlacement(std::size_t e);
 
     const std::vector<double>& positions() const { return m_Position.jointPositions().values(); }
+    const NqCoordinateSystemTransformation& baseFrame() const { return m_Position.baseFrame(); }
     /// Rates of the last step, as they were after slowing; those of a free base behind those of the joints.
     const std::vector<double>& rates() const { return m_Rates; }
     /// The target as it was set, in the frame of the relative link if there is one.
@@ -129,7 +131,9 @@ public:
     /// Of the hard rows as they are at present, computed on request: m and rad count alike. NaN without rows.
     double leastSingularValue();
     double condition();
-    /// Steps of the active sets in the last step.
+    /// Steps of the active sets in the last step: 0 where no limit is met, about one for each joint that is
+    /// held, and in the worst case 13 searches of NqBoundActiveSet::maxSteps() each. A search that is cut off
+    /// there is treated as a way that is blocked, and status().isCapped says so.
     unsigned solverSteps() const { return m_SolverSteps; }
 
     /// Present placements, in the system frame.
@@ -193,7 +197,9 @@ private:
     void boundRates();
     bool solve();
     void dampLostDirections();
-    void leavePath(double share, const NqLimitedVelocityTool* tool);
+    double alongWeight(NqLimitedVelocityTool& tool);
+    void leavePath(double share, double along, const NqLimitedVelocityTool* tool);
+    void turnTowardsPath(double along);
     void noteHolds(const std::vector<NqBoundActiveSet::Hold>& holds);
     void judge();
     void judgeLostDirection();
@@ -202,6 +208,7 @@ private:
     bool isReady();
     void adviseOnRows(NqControlLoopCheck& check);
     double greatestScale() const;
+    double greatestTurnableScale(NqLimitedVelocityTool& tool);
     double shareMade() const;
     void integrate();
     void measureVelocities();
@@ -231,7 +238,14 @@ private:
     std::vector<double> m_Upper;
     std::vector<double> m_Wished;
     std::vector<double> m_Sliding; ///< rates that leave the path
+    NqReArray m_SlidingRows;       ///< the hard rows, with less weight along the path
+    std::vector<double> m_SlidingCommand;
     std::vector<double> m_NoCommand;
+    std::vector<double> m_Turning;      ///< of the hard rows: velocities that ask for accelerations
+    std::vector<double> m_TurningRates; ///< and what they ask of the joints
+    std::vector<double> m_PathBefore;   ///< rates along the path in the last step, at its command
+    std::vector<double> m_CommandBefore;
+    unsigned m_LostBefore = 0;
     unsigned m_Lost = 0; ///< directions, in the last step
     unsigned m_SolverSteps = 0;
     double m_Scale = 1.0; ///< of the commanded velocities, in the last step

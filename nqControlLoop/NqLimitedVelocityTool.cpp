@@ -15,6 +15,8 @@ constexpr double kLeastFreedom = 1.0e-8;
 /// The same when s is free too, which adds a share of 1 / kScaleWeight at most.
 constexpr double kLeastScaledFreedom = 1.0e-11;
 constexpr double kRounding = 1.0e-9;
+/// Share of zeros that makes it worth to pass over them.
+constexpr double kWorthPassing = 0.25;
 
 bool isWithin(const std::vector<double>& x, const std::vector<double>& lower,
               const std::vector<double>& upper) {
@@ -79,11 +81,30 @@ void NqLimitedVelocityTool::prepare(unsigned n, unsigned m) {
     solve(jacobian, metric, zeros, zeros, zeros, ends);
 }
 
+void NqLimitedVelocityTool::setSparsity(const std::vector<std::vector<bool>>& sparsity) {
+    std::size_t zeros = 0;
+    std::size_t elements = 0;
+    for (const std::vector<bool>& row : sparsity) {
+        zeros += static_cast<std::size_t>(std::count(row.begin(), row.end(), false));
+        elements += row.size();
+    }
+    m_Sparsity.setUseSparseNullSpace(static_cast<double>(zeros) >
+                                         kWorthPassing * static_cast<double>(elements) &&
+                                     m_Sparsity.setSparsity(sparsity));
+}
+
 void NqLimitedVelocityTool::size(unsigned n) {
     m_Bounds.resize(n);
     for (auto* vector : {&m_Rates, &m_NullSpaceRates, &m_Path, &m_Limited, &m_Freedom, &m_RightHandSide}) {
         vector->assign(n, 0.0);
     }
+}
+
+void NqLimitedVelocityTool::findPath(const std::vector<double>& velocity, std::vector<double>& path) {
+    std::copy_n(velocity.begin(), m_Rows, m_RightHandSide.begin());
+    std::fill(m_RightHandSide.begin() + m_Rows, m_RightHandSide.end(), 0.0);
+    double determinant = 0.0;
+    calc(primaryMatrix(), indices(), m_RightHandSide, path, determinant);
 }
 
 double NqLimitedVelocityTool::leastPivot() const {
@@ -107,8 +128,8 @@ NqLimitedVelocityTool::solve(const NqReArray& jacobian, const NqReArray& metric,
     m_Steps = 0;
     m_IsCapped = false;
     m_Scale = 1.0;
-    if (!calcJointRates(nullptr, jacobian, metric, gradient, 1.0, velocity, n, m_Rates, m_NullSpaceRates,
-                        m_Determinant) ||
+    if (!calcJointRates(m_Sparsity.useSparseNullSpace() ? &m_Sparsity : nullptr, jacobian, metric, gradient,
+                        1.0, velocity, n, m_Rates, m_NullSpaceRates, m_Determinant) ||
         !areFinite(m_Rates) || !areFinite(m_NullSpaceRates)) {
         m_Scale = 0.0;
         return Outcome::Failed;
@@ -165,7 +186,7 @@ NqLimitedVelocityTool::Outcome NqLimitedVelocityTool::solveAgain(double greatest
             return Outcome::Slowed;
         }
     }
-    m_IsCapped = search == Search::Capped;
+    m_IsCapped = m_IsCapped || search == Search::Capped;
     m_Scale = 0.0;
     return Outcome::Blocked;
 }

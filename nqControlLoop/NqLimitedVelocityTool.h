@@ -3,6 +3,7 @@
 #include <nqControlLoop/NqBoundActiveSet.h>
 
 #include <nqControlCore/core/NqCoreVelocityControlTool.h>
+#include <nqControlCore/foundation/manipulator/NqJacobianState.h>
 
 /// The solver under bounds on the rates: finds rates x in the bounds and a factor s such that
 ///     J x = s v,    s in [0, 1] as large as the bounds allow
@@ -26,6 +27,9 @@ public:
     /// Sizes all workspace for n rates and m rows. Other sizes allocate when they are met.
     void prepare(unsigned n, unsigned m);
 
+    /// Where elements of J can be other than zero, from the next solve on; it is faster where many can't.
+    void setSparsity(const std::vector<std::vector<bool>>& sparsity);
+
     /// @param jacobian  J, m by n, of full rank
     /// @param metric, gradient, velocity  W, g, v as calcJointRates() takes them
     /// @param lower, upper  bounds of the rates, lower not above upper; may be infinite
@@ -46,9 +50,12 @@ public:
     /// Rates without bounds, and for v = 0.
     const std::vector<double>& unlimitedRates() const { return m_Rates; }
     const std::vector<double>& nullSpaceRates() const { return m_NullSpaceRates; }
+    /// The part of the rates that makes v, and what it would be for another velocity.
+    const std::vector<double>& path() const { return m_Path; }
+    void findPath(const std::vector<double>& velocity, std::vector<double>& path);
     double determinant() const { return m_Determinant; }
-    /// Steps of the active set in the last solve, and whether they were too many: the outcome is Blocked
-    /// then.
+    /// Steps of the active set in the last solve, and whether a search took too many: the outcome is Blocked
+    /// then. A solve makes at most three searches.
     unsigned steps() const { return m_Steps; }
     bool isCapped() const { return m_IsCapped; }
 
@@ -62,6 +69,7 @@ private:
     class Response;
     class ScaledResponse;
 
+    NqJacobianState m_Sparsity;
     NqBoundActiveSet m_Bounds;
     std::vector<double> m_Rates;
     std::vector<double> m_NullSpaceRates;

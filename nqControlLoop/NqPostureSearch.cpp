@@ -8,8 +8,9 @@
 namespace {
 
 constexpr unsigned kStarts = 40;
-constexpr unsigned kWanted = 4;   ///< postures to choose from
+constexpr unsigned kWanted = 8;   ///< postures to choose from
 constexpr unsigned kSteps = 60;   ///< from each start
+constexpr unsigned kPieces = 12;  ///< of the way to a posture, to see how long it takes
 constexpr double kTimeStep = 0.1; ///< s, in which a joint moves a few tenths of a radian
 /// How much nearer than the loop's own tolerance a posture must come.
 constexpr double kShare = 0.5;
@@ -57,14 +58,53 @@ bool NqPostureSearch::reach(const std::vector<double>& start) {
     return m_Loop.largestError() <= m_Tolerance;
 }
 
-/// How long the slowest joint takes from the present posture, s.
-double NqPostureSearch::travel(const std::vector<double>& posture) const {
-    double longest = 0.0;
+/// Takes joints that turn by whole turns as near to the present posture as their ranges allow.
+void NqPostureSearch::turnNearest(std::vector<double>& posture) const {
+    constexpr double turn = 2.0 * std::numbers::pi;
+    for (unsigned j = 0; j < posture.size(); ++j) {
+        const NqJointDescription& joint = m_Manipulator.linkByIndex(j)->joint();
+        const double turned = posture[j] - turn * std::round((posture[j] - m_Present[j]) / turn);
+        if (joint.type() == NqJointDescription::Revolute && turned >= joint.lowerPositionLimit() &&
+            turned <= joint.upperPositionLimit()) {
+            posture[j] = turned;
+        }
+    }
+}
+
+/// How long the way there takes, s, along the straight line of the joints: by the slowest of joints and
+/// end-effectors in each piece of it.
+double NqPostureSearch::travel(const std::vector<double>& posture) {
+    double slowest = 0.0; // of the joints, for a piece
     for (unsigned j = 0; j < posture.size(); ++j) {
         const double rate = m_Manipulator.linkByIndex(j)->joint().rateLimit();
-        longest = std::max(longest, std::abs(posture[j] - m_Present[j]) / (std::isfinite(rate) ? rate : 1.0));
+        const double way = std::abs(posture[j] - m_Present[j]) / kPieces;
+        slowest = std::max(slowest, way / (std::isfinite(rate) ? rate : 1.0));
     }
-    return longest;
+    double time = 0.0;
+    std::vector<NqCoordinateSystemTransformation> before;
+    std::vector<double> between = m_Present;
+    for (unsigned piece = 0; piece <= kPieces; ++piece) {
+        for (unsigned j = 0; j < posture.size(); ++j) {
+            between[j] = m_Present[j] + (posture[j] - m_Present[j]) * piece / kPieces;
+        }
+        m_Loop.setPositions(between);
+        double longest = slowest;
+        for (std::size_t p = 0; p < m_Loop.parts().size() && piece > 0; ++p) {
+            const auto& [e, part] = m_Loop.parts()[p];
+            const NqCoordinateSystemTransformation& placement = m_Loop.placements()[e];
+            double way = 0.0;
+            if (part.isAngular) {
+                NqVector axis;
+                (before[e].orientation().inverse() * placement.orientation()).getAngleAxis(way, axis);
+            } else {
+                way = (placement.translation() - before[e].translation()).mag();
+            }
+            longest = std::max(longest, way / part.speedLimit);
+        }
+        time += piece > 0 ? longest : 0.0;
+        before = m_Loop.placements();
+    }
+    return time;
 }
 
 bool NqPostureSearch::find(std::vector<double>& posture) {
@@ -86,9 +126,11 @@ bool NqPostureSearch::find(std::vector<double>& posture) {
         }
         if (reach(start)) {
             ++found;
-            if (const double time = travel(m_Loop.positions()); time < least) {
+            std::vector<double> there = m_Loop.positions();
+            turnNearest(there);
+            if (const double time = travel(there); time < least) {
                 least = time;
-                posture = m_Loop.positions();
+                posture = there;
             }
         }
     }

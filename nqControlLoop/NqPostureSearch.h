@@ -18,7 +18,8 @@ public:
 
 private:
     bool reach(const std::vector<double>& start);
-    double travel(const std::vector<double>& posture) const;
+    void turnNearest(std::vector<double>& posture) const;
+    double travel(const std::vector<double>& posture);
 
     const NqIndividualManipulator& m_Manipulator;
     NqControlLoop m_Loop;

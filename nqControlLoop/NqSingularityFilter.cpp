@@ -9,6 +9,8 @@ namespace {
 constexpr unsigned kSweeps = 30;
 /// Velocity asked for along a lost direction at which half of the gradient along it counts.
 constexpr double kFadingVelocity = 0.5;
+/// A row of a lost direction no longer than this is noise.
+constexpr double kRounding = 1.0e-9;
 /// Least damping, as a share of the greatest: keeps the cost finite where it sets in.
 constexpr double kLeastDamping = 1.0e-3;
 
@@ -158,8 +160,9 @@ void NqSingularityFilter::addCost(const std::vector<double>& velocity, double da
             1.0 / (damping * damping * std::max(1.0 - share * share, kLeastDamping * kLeastDamping));
         const double command = dot(m_Directions[i], velocity, m_Rows);
         const std::vector<double>& row = m_Turned[i];
-        if (m_Values[i] > 0.0) {
-            const double fading = kFadingVelocity / (kFadingVelocity + std::abs(command));
+        if (m_Values[i] > kRounding) {
+            const double fading =
+                kFadingVelocity * kFadingVelocity / (kFadingVelocity * kFadingVelocity + command * command);
             const double along = fading * dot(row, gradient, m_Columns) / (m_Values[i] * m_Values[i]);
             for (unsigned j = 0; j < m_Columns; ++j) {
                 gradient[j] -= along * row[j];

@@ -45,6 +45,8 @@ public:
     const NqTargetForm& form() const { return *m_Form; }
     bool hasPlace() const { return m_Form->hasPlace(); }
     bool hasOrientation() const { return m_Form->hasOrientation(); }
+    /// Whether all of the target's place is to be met.
+    bool isWholePlace() const { return hasPlace() && m_Type.measure == NqTargetType::ByPlacement; }
     const std::vector<Part>& parts() const { return m_Parts; }
     const std::vector<Tie>& ties() const { return m_Ties; }
 

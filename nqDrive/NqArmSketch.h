@@ -12,12 +12,12 @@ struct NqArmSketch {
 
     struct Posture {
         std::string label; ///< short name, written beside the arm; may be empty
+        NqVector base;
         std::vector<NqVector> joints;
         std::vector<NqVector> endEffectors;                   ///< the points that the end-effectors tie
         std::vector<NqCoordinateSystemTransformation> frames; ///< where an orientation counts
     };
 
-    NqVector base;
     std::vector<int> inboard;       ///< for each joint the joint inboard of it, or kBase
     std::vector<bool> isLinear;     ///< for each joint
     std::vector<int> carrier;       ///< for each of these points the joint whose link carries it, or kBase
@@ -28,5 +28,6 @@ struct NqArmSketch {
     Posture last;                   ///< at the end of the run
     std::vector<Posture> between;   ///< drawn faintly
     std::vector<std::vector<NqVector>> paths; ///< of the end-effectors that are points or frames
-    std::vector<NqVector> targets;            ///< all their targets
+    std::vector<NqVector> targets;            ///< all targets of the hard ones
+    std::vector<NqVector> softTargets;        ///< and of the soft ones, which need not be met
 };

@@ -11,7 +11,6 @@ int jointOf(const NqManipulatorLink* link) {
 
 NqArmSketch NqArmSketcher::frame() {
     NqArmSketch sketch;
-    sketch.base = m_Manipulator.baseFrameInSystem(m_State.activePositionState()).translation();
     for (unsigned j = 0; j < m_Manipulator.numberOfJoints(); ++j) {
         const NqManipulatorLink* link = m_Manipulator.linkByIndex(j);
         sketch.inboard.push_back(jointOf(link->parentLink()));
@@ -28,9 +27,13 @@ NqArmSketch NqArmSketcher::frame() {
     return sketch;
 }
 
-NqArmSketch::Posture NqArmSketcher::posture(const std::string& label, const std::vector<double>& positions) {
-    m_State.setPositionState(NqPositionState(positions));
-    NqArmSketch::Posture posture{label, {}, {}, {}};
+NqArmSketch::Posture NqArmSketcher::posture(const std::string& label, const std::vector<double>& positions,
+                                            const NqCoordinateSystemTransformation& base) {
+    NqPositionState position(positions);
+    position.setBaseFrame(base);
+    m_State.setPositionState(position);
+    NqArmSketch::Posture posture{
+        label, m_Manipulator.baseFrameInSystem(m_State.activePositionState()).translation(), {}, {}, {}};
     for (unsigned j = 0; j < m_Manipulator.numberOfJoints(); ++j) {
         posture.joints.push_back(
             m_Manipulator.linkByIndex(j)->linkFrameInSystem(m_State.activePositionState()).translation());

@@ -17,8 +17,9 @@ public:
     /// A sketch that knows the joints' connections, without postures yet.
     NqArmSketch frame();
 
-    /// The arm at joint positions.
-    NqArmSketch::Posture posture(const std::string& label, const std::vector<double>& positions);
+    /// The arm at joint positions, its base somewhere.
+    NqArmSketch::Posture posture(const std::string& label, const std::vector<double>& positions,
+                                 const NqCoordinateSystemTransformation& base = {});
 
 private:
     const NqIndividualManipulator& m_Manipulator;

@@ -40,6 +40,11 @@ std::string NqDriveCsv::text() const {
                                                : "m");
         }
     }
+    if (m_Record.options.isBaseFree) {
+        for (const char* quantity : {"x", "y", "z", "qw", "qx", "qy", "qz"}) {
+            column("base", quantity, *quantity == 'q' ? "" : "m");
+        }
+    }
     for (const auto& part : m_Record.parts) {
         const std::string& name = m_Record.endEffectors[part.endEffector].name;
         const std::string before = part.limits.isAngular ? "angular." : "";
@@ -63,6 +68,15 @@ std::string NqDriveCsv::text() const {
         }
         for (std::size_t e = 0; e < m_Recorder.endEffectors(); ++e) {
             for (const double number : m_Record.endEffectors[e].kind.numbers(m_Recorder.placement(row, e))) {
+                append(number);
+            }
+        }
+        if (m_Record.options.isBaseFree) {
+            const NqCoordinateSystemTransformation base = m_Recorder.base(row);
+            double q[4];
+            base.orientation().getQuaternion(q[0], q[1], q[2], q[3]);
+            for (const double number : {base.translation().x(), base.translation().y(),
+                                        base.translation().z(), q[0], q[1], q[2], q[3]}) {
                 append(number);
             }
         }

@@ -92,6 +92,16 @@ bool readMetric(std::string_view text, Options& options, std::string& complaint)
                        options.metricByLabel, complaint);
 }
 
+bool readBaseMetric(std::string_view text, Options& options, std::string& complaint) {
+    const bool isGood = NqDriveText::parseFiniteList(text, options.baseMetric) &&
+                        options.baseMetric.size() == NqEndEffector::m_theBaseDof &&
+                        *std::min_element(options.baseMetric.begin(), options.baseMetric.end()) > 0.0;
+    options.isBaseFree = true;
+    complaint =
+        isGood ? "" : "needs six weights above 0, separated by commas, not '" + std::string(text) + "'";
+    return isGood;
+}
+
 bool readStart(std::string_view text, Options& options, std::string& complaint) {
     return readByJoint(text, -std::numeric_limits<double>::infinity(),
                        "positions of all joints, or JOINT=POSITION", options.start, options.startByLabel,
@@ -133,6 +143,10 @@ constexpr Option kOptions[] = {
      readMetric},
     {"--soft-gain", "G", "how much soft end-effectors weigh against the joints (default 1000)",
      [](std::string_view t, Options& o, std::string& c) { return readNumber(t, 0.0, 1.0e9, o.softGain, c); }},
+    {"--free-base", "", "the base floats: its motion takes part in that of the joints",
+     [](std::string_view, Options& o, std::string&) { return o.isBaseFree = true; }},
+    {"--base-metric", "WEIGHTS",
+     "the same, with weights of its motion along x, y, z and about them (default 1)", readBaseMetric},
     {"--profile", "WORD", "trapezoidal, proportional or threehalves, for all end-effectors", readProfile},
     {"--rate", "HZ", "control steps per second (default 1000)",
      [](std::string_view t, Options& o, std::string& c) { return readNumber(t, 1.0, 100000.0, o.rate, c); }},
@@ -146,7 +160,7 @@ constexpr Option kOptions[] = {
      [](std::string_view t, Options& o, std::string& c) { return readName(t, o.output, c); }},
     {"--svg", "FILE", "also write one picture of the run",
      [](std::string_view t, Options& o, std::string& c) { return readName(t, o.svg, c); }},
-    {"--no-detour", "", "where limits block every way, stop rather than go through another posture",
+    {"--no-detour", "", "where limits block the way or leave one too slow, don't go through another posture",
      [](std::string_view, Options& o, std::string&) {
          o.mayDetour = false;
          return true;
@@ -259,7 +273,7 @@ along and rotations about the axes of that frame or of the system. The target op
 the way points are driven to one after the other. In a file "relative" stands before offsets, and "#" before
 comments.
 Soft end-effectors (isHardConstraint false) come as near to their targets as the hard ones leave them room; their
-way points count as reached when they come no nearer.
+way points count as reached when they come no nearer or, with hard ones at theirs, when the time is over.
 Positions and rates are in rad and rad/s, of linear joints in m and m/s.
 
 Exit status: 0 when all targets were reached, 1 when they were not, 2 for bad usage or input.

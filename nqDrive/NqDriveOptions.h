@@ -30,6 +30,8 @@ struct NqDriveOptions {
     std::string output = "nqDrive-out";
     std::string svg;
     bool mayDetour = true;
+    bool isBaseFree = false;
+    std::vector<double> baseMetric; ///< of its motion along and about x, y, z; empty: ones
     bool keepsEveryStep = false;
     bool isQuiet = false;
 

@@ -61,6 +61,7 @@ struct NqDriveRecord {
     struct WayPoint {
         std::vector<std::string> targets;                       ///< for each end-effector, as it is written
         std::vector<double> positions;                          ///< joint positions when it was reached
+        NqCoordinateSystemTransformation base;                  ///< the base then
         double time = std::numeric_limits<double>::quiet_NaN(); ///< when it was reached, s
         bool isReached() const { return !std::isnan(time); }
     };

@@ -57,11 +57,13 @@ void NqDriveRecorder::write(const Sample& sample, double* out) const {
     *out++ = sample.slowing;
     out = std::copy_n(sample.positions, m_Joints, out);
     out = std::copy_n(sample.rates, m_Joints, out);
-    for (std::size_t e = 0; e < m_EndEffectors; ++e) {
+    for (std::size_t e = 0; e <= m_EndEffectors; ++e) {
+        const NqCoordinateSystemTransformation& placement =
+            e < m_EndEffectors ? sample.placements[e] : sample.base;
         for (unsigned i = 0; i < 3; ++i) {
-            *out++ = sample.placements[e].translation()[i];
+            *out++ = placement.translation()[i];
         }
-        sample.placements[e].orientation().getQuaternion(out[0], out[1], out[2], out[3]);
+        placement.orientation().getQuaternion(out[0], out[1], out[2], out[3]);
         out += 4;
     }
     for (std::size_t p = 0; p < m_Parts; ++p) {

@@ -26,6 +26,7 @@ public:
         const double* errors;                               ///< left to the target
         const double* speeds;
         const double* accelerations;
+        NqCoordinateSystemTransformation base{}; ///< in the system frame
     };
 
     NqDriveRecorder(std::size_t joints, std::size_t endEffectors, std::size_t parts,
@@ -47,6 +48,7 @@ public:
     double position(std::size_t row, std::size_t joint) const { return at(row, kHead + joint); }
     double rate(std::size_t row, std::size_t joint) const { return at(row, kHead + m_Joints + joint); }
     NqCoordinateSystemTransformation placement(std::size_t row, std::size_t endEffector) const;
+    NqCoordinateSystemTransformation base(std::size_t row) const { return placement(row, m_EndEffectors); }
     NqVector point(std::size_t row, std::size_t endEffector) const {
         return placement(row, endEffector).translation();
     }
@@ -74,7 +76,7 @@ private:
         return kHead + 2 * m_Joints + kPerEffector * endEffector;
     }
     std::size_t partColumn(std::size_t part) const {
-        return effectorColumn(m_EndEffectors) + kPerPart * part;
+        return effectorColumn(m_EndEffectors + 1) + kPerPart * part; // the base is behind the end-effectors
     }
     double at(std::size_t row, std::size_t column) const { return m_Table[row * m_Width + column]; }
     void thin();

@@ -12,7 +12,7 @@ using NqDriveText::significant;
 
 namespace {
 
-constexpr double kPageWidth = 1000.0;
+constexpr std::size_t kVerdictLine = 82; ///< characters of the verdict in a line of the picture
 constexpr double kHalfWidth = 490.0;
 constexpr double kThirdWidth = 326.0;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -33,6 +33,8 @@ p{margin:6px 0}
 figure{margin:12px 0 0;break-inside:avoid}
 figure svg{display:block;width:100%;height:auto}
 figcaption,.small{color:var(--muted);font-size:13px}
+.arm{display:grid;grid-template-columns:minmax(0,8fr) minmax(0,5fr);column-gap:20px;align-items:center}
+.arm figure:first-child{grid-row:span 2}
 .two{display:grid;grid-template-columns:repeat(2,minmax(0,1fr));column-gap:20px}
 .three{display:grid;grid-template-columns:repeat(3,minmax(0,1fr));column-gap:11px}
 table{border-collapse:collapse;width:100%;font-size:13.5px;font-variant-numeric:tabular-nums;break-inside:auto}
@@ -48,7 +50,7 @@ td:last-child,th:last-child{padding-right:0}
 .facts td:first-child{color:var(--muted);white-space:nowrap;width:1%}
 .facts td{overflow-wrap:anywhere}
 footer{margin-top:44px;padding-top:12px;border-top:1px solid var(--faint);color:var(--muted);font-size:13px}
-@media (max-width:640px){main{padding:24px 16px}.two,.three{grid-template-columns:minmax(0,1fr)}}
+@media (max-width:640px){main{padding:24px 16px}.arm,.two,.three{grid-template-columns:minmax(0,1fr)}}
 @page{size:A4;margin:14mm 13mm}
 @media print{main{max-width:none;padding:0}body{font-size:10pt}h1{font-size:20pt}h2{margin-top:20px}
 .verdict{font-size:11pt}table{font-size:8.5pt}td,th{padding-right:8px}.small{font-size:8.5pt}.scroll{overflow:visible}}
@@ -87,6 +89,18 @@ std::string listText(const std::vector<double>& values) {
         out += (out.empty() ? "" : ", ") + significant(value, 4);
     }
     return out;
+}
+
+/// A text broken at spaces.
+std::vector<std::string> linesOf(const std::string& text, std::size_t length) {
+    std::vector<std::string> lines{""};
+    for (const std::string_view word : NqDriveText::split(text, ' ')) {
+        if (!lines.back().empty() && lines.back().size() + 1 + word.size() > length) {
+            lines.emplace_back();
+        }
+        lines.back().append(lines.back().empty() ? "" : " ").append(word);
+    }
+    return lines;
 }
 
 } // namespace
@@ -145,11 +159,15 @@ NqSvgPlot NqDriveReport::limitedPlot(const std::string& unit, const std::string&
     NqSvgPlot plot = prepared(width, height, title, nqPerSecond(unit, power));
     addCurves(plot, &unit, quantity, nullptr);
     std::vector<double> limits;
+    bool isOver = false; // creeping apart
     for (const NqDriveRecord::Part& part : m_Record.parts) {
         if (part.limits.unit == unit) {
             limits.push_back(part.limits.*limit);
+            const double peak = power == 1 ? part.peakSpeed : part.peakAcceleration;
+            isOver = isOver || *nqOverMark(peak, part.limits.*limit) != '\0';
         }
     }
+    plot.setOverMarked(isOver);
     std::sort(limits.begin(), limits.end());
     limits.erase(std::unique(limits.begin(), limits.end()), limits.end());
     for (const double each : limits) {
@@ -223,11 +241,17 @@ NqSvgPlot NqDriveReport::slowingPlot(double width, double height) const {
     return plot;
 }
 
-std::string NqDriveReport::armFigure() const {
+/// Drawn small, so that letters are large enough on a narrow page.
+std::string NqDriveReport::armFigures() const {
     const NqStickFigure arm(m_Record.sketch);
-    return arm.drawn(NqStickFigure::View::Oblique, {0.0, 0.0}, 600.0, 540.0) +
-           arm.drawn(NqStickFigure::View::Side, {620.0, 0.0}, 380.0, 270.0) +
-           arm.drawn(NqStickFigure::View::Top, {620.0, 270.0}, 380.0, 270.0);
+    return "<div class=\"arm\">" +
+           figure(480.0, 430.0, arm.drawn(NqStickFigure::View::Oblique, {0.0, 0.0}, 480.0, 430.0),
+                  "The arm at the start, at the way points and at the end") +
+           figure(320.0, 225.0, arm.drawn(NqStickFigure::View::Side, {0.0, 0.0}, 320.0, 225.0),
+                  "The arm from the side") +
+           figure(320.0, 225.0, arm.drawn(NqStickFigure::View::Top, {0.0, 0.0}, 320.0, 225.0),
+                  "The arm from above") +
+           "</div>\n";
 }
 
 std::string NqDriveReport::runTable() const {
@@ -271,11 +295,14 @@ std::string NqDriveReport::wayPointTable() const {
     for (std::size_t i = 0; i < m_Record.wayPoints.size(); ++i) {
         const auto& wayPoint = m_Record.wayPoints[i];
         for (std::size_t e = 0; e < wayPoint.targets.size(); ++e) {
-            out += tableRow({{std::to_string(i + 1), false},
-                             {m_Record.endEffectors[e].name, false},
-                             {wayPoint.targets[e]},
-                             {wayPoint.isReached() ? fixed(wayPoint.time, 3) : "not reached"}},
-                            "td");
+            out += tableRow(
+                {{std::to_string(i + 1), false},
+                 {m_Record.endEffectors[e].name + (m_Record.endEffectors[e].isHard ? "" : " (soft)"), false},
+                 {wayPoint.targets[e]},
+                 {wayPoint.isReached() ? (m_Record.endEffectors[e].isHard ? "" : "as near as it could at ") +
+                                             fixed(wayPoint.time, 3)
+                                       : "not reached"}},
+                "td");
         }
     }
     return out + "</tbody></table></div>\n";
@@ -376,13 +403,12 @@ std::string NqDriveReport::html() const {
                       escaped(m_Record.verdict) + "</p>\n";
     out += runTable();
 
-    out +=
-        "<h2>The arm</h2>\n" +
-        figure(kPageWidth, 540.0, armFigure(), "The arm at the start, at the way points and at the end") +
-        "<p class=\"small\">Hollow: start. Thin: at the way points. Thick: end. Faint: in between, at "
-        "equal times. "
-        "Crosses: targets. Lines: paths of the end-effectors. Squares are linear joints. Dashed: a distance "
-        "that is constrained. Red, green, blue: x, y and z axes where an orientation is.</p>\n";
+    out += "<h2>The arm</h2>\n" + armFigures() +
+           "<p class=\"small\">Hollow: start. Thin: at the way points. Thick: end. Faint: in between, at "
+           "equal times. "
+           "Crosses: targets. Dashed circles: targets of soft end-effectors, to come near to. Lines: paths "
+           "of the end-effectors. Squares are linear joints. Dashed: a distance "
+           "that is constrained. Red, green, blue: x, y and z axes where an orientation is.</p>\n";
 
     out += "<h2>End-effectors</h2>\n" + endEffectorTable() + endEffectorFigures();
     out += "<h2>Way points</h2>\n" + wayPointTable();
@@ -392,7 +418,7 @@ std::string NqDriveReport::html() const {
         out += figure(positionPlot(joint, kHalfWidth, 178.0), "Joint position over time") +
                figure(ratePlot(joint, kHalfWidth, 178.0), "Joint rate over time");
     }
-    out += "</div>\n<p class=\"small\">Dashed: limits. Shaded: beyond them.</p>\n";
+    out += "</div>\n<p class=\"small\">Dashed: limits. Shaded: beyond them. Red: over a limit.</p>\n";
 
     out += "<h2>Solver</h2>\n<div class=\"two\">" +
            figure(determinantPlot(kHalfWidth, 240.0), "Determinant over time") +
@@ -406,9 +432,13 @@ std::string NqDriveReport::html() const {
 
 std::string NqDriveReport::svg() const {
     const NqStickFigure arm(m_Record.sketch);
-    std::string elements = NqSvg::text({28.0, 38.0}, "start", "heading", m_Record.robot) +
-                           NqSvg::text({28.0, 58.0}, "start", "sub", m_Record.verdict);
-    elements += arm.drawn(NqStickFigure::View::Oblique, {10.0, 62.0}, 600.0, 500.0);
+    std::string elements = NqSvg::text({28.0, 38.0}, "start", "heading", m_Record.robot);
+    double top = 58.0;
+    for (const std::string& line : linesOf(m_Record.verdict, kVerdictLine)) {
+        elements += NqSvg::text({28.0, top}, "start", "sub", line);
+        top += 16.0;
+    }
+    elements += arm.drawn(NqStickFigure::View::Oblique, {10.0, top - 12.0}, 600.0, 574.0 - top);
     const std::vector<std::string> units = m_Record.units();
     elements += errorPlot(units.size() == 1 ? &units[0] : nullptr, 440.0, 175.0).drawn({620.0, 24.0});
     elements += (units.size() == 1 ? speedPlot(units[0], 440.0, 175.0) : speedSharePlot(440.0, 175.0))

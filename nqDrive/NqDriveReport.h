@@ -33,7 +33,7 @@ private:
     NqSvgPlot loadPlot(double width, double height) const;
     NqSvgPlot determinantPlot(double width, double height) const;
     NqSvgPlot slowingPlot(double width, double height) const;
-    std::string armFigure() const;
+    std::string armFigures() const;
 
     std::string runTable() const;
     std::string wayPointTable() const;

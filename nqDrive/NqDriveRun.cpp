@@ -18,6 +18,8 @@ namespace {
 
 /// Without a lower largest error for this long, in seconds of the run, the arm counts as stuck.
 constexpr double kPatience = 2.0;
+/// The pace is taken over this long, s: one that won't get there in the time that is left is too slow.
+constexpr double kPaceTime = 1.0;
 /// Soft end-effectors count as having come as near as they can when for this long they came no nearer.
 constexpr double kSoftPatience = 0.5;
 /// What counts as lower, or nearer: this share of the tolerance.
@@ -33,6 +35,7 @@ constexpr double kBlameShare = 0.2;
 constexpr double kSingular = 0.02;
 /// A run goes through another posture so often at most, and counts as there at this distance of its joints.
 constexpr unsigned kDetours = 2;
+constexpr unsigned kSearches = 4;
 constexpr double kNearPosture = 0.02;
 /// A rate that changes its sign from step to step counts with both sides above this, rad/s or m/s.
 constexpr double kFlip = 0.05;
@@ -118,7 +121,6 @@ void NqDriveRun::execute(Watcher& watcher) {
     using Outcome = NqDriveRecord::Outcome;
     const NqMessageCollector messages;
     const auto begin = std::chrono::steady_clock::now();
-    const auto steps = static_cast<std::uint64_t>(std::ceil(m_Task.options().time * m_Task.options().rate));
     Outcome outcome = Outcome::TimeOut;
     startWayPoint();
     noteSample(true);
@@ -127,6 +129,7 @@ void NqDriveRun::execute(Watcher& watcher) {
             NqDriveRecord::WayPoint& wayPoint = m_Record.wayPoints[m_WayPoint];
             wayPoint.time = m_Loop.time();
             std::copy(m_Loop.positions().begin(), m_Loop.positions().end(), wayPoint.positions.begin());
+            wayPoint.base = m_Loop.baseFrame();
             watcher.wayPointReached(*this);
             if (m_WayPoint + 1 == m_Record.wayPoints.size()) {
                 outcome = Outcome::Reached;
@@ -136,7 +139,7 @@ void NqDriveRun::execute(Watcher& watcher) {
             startWayPoint();
             continue;
         }
-        if (m_Loop.steps() >= steps) {
+        if (isTimeOver()) {
             break;
         }
         if (m_Loop.steps() % kStepsPerLook == 0 &&
@@ -154,7 +157,10 @@ void NqDriveRun::execute(Watcher& watcher) {
         watcher.stepDone(*this);
         if (m_Loop.isGoing()) {
             endDetour();
-        } else if (isStalled() && !beginDetour()) {
+            continue;
+        }
+        const bool isStopped = isStalled();
+        if ((isStopped || isTooSlow()) && !beginDetour() && isStopped) {
             outcome = Outcome::NoProgress;
             break;
         }
@@ -168,19 +174,31 @@ void NqDriveRun::execute(Watcher& watcher) {
     conclude(outcome);
 }
 
+bool NqDriveRun::isTimeOver() const {
+    return static_cast<double>(m_Loop.steps()) >= m_Task.options().time * m_Task.options().rate;
+}
+
 void NqDriveRun::startWayPoint() {
     for (std::size_t e = 0; e < m_Loop.endEffectors(); ++e) {
         m_Loop.setTarget(e, m_Task.targets()[m_WayPoint][e]);
     }
-    m_BestError = hardError();
-    m_BestSoftError = softError();
-    m_BestTime = m_BestSoftTime = m_Loop.time();
+    m_Searches = 0;
+    watchFromHere();
 }
 
+void NqDriveRun::watchFromHere() {
+    m_BestError = m_PaceError = hardError();
+    m_BestSoftError = softError();
+    m_BestTime = m_BestSoftTime = m_PaceTime = m_Loop.time();
+}
+
+/// Soft end-effectors may be anywhere once they come no nearer or, as long as there are hard ones, when the
+/// time is over.
 bool NqDriveRun::isWayPointReached() const {
     const double tolerance = m_Task.options().tolerance;
     const bool isLast = m_WayPoint + 1 == m_Record.wayPoints.size();
-    const bool isSoftSettled = m_Loop.time() - m_BestSoftTime > kSoftPatience;
+    const bool isSoftSettled =
+        m_Loop.time() - m_BestSoftTime > kSoftPatience || (isTimeOver() && m_Loop.rows() > 0);
     for (std::size_t p = 0; p < m_Loop.parts().size(); ++p) {
         const bool isNear = m_Loop.errors()[p] <= tolerance;
         const bool isAtRest = !isLast || m_Loop.speeds()[p] <= kRestSpeed * tolerance;
@@ -208,14 +226,27 @@ bool NqDriveRun::isStalled() {
     return m_Loop.time() - since > kPatience;
 }
 
+/// Whether the hard end-effectors come nearer by so little that they won't be there in time.
+bool NqDriveRun::isTooSlow() {
+    const double since = m_Loop.time() - m_PaceTime;
+    if (since < kPaceTime) {
+        return false;
+    }
+    const double pace = (m_PaceError - hardError()) / since;
+    m_PaceError = hardError();
+    m_PaceTime = m_Loop.time();
+    return pace * (m_Task.options().time - m_Loop.time()) < hardError();
+}
+
 /// Whether there is another posture that reaches the targets, which the arm then goes to.
 bool NqDriveRun::beginDetour() {
-    if (!m_Task.options().mayDetour || m_Record.detours >= kDetours ||
-        hardError() <= m_Task.options().tolerance ||
+    if (!m_Task.options().mayDetour || m_Task.options().isBaseFree || m_Record.detours >= kDetours ||
+        m_Searches >= kSearches || hardError() <= m_Task.options().tolerance ||
         m_Loop.status().kind == NqControlLoopStatus::Contradictory || !idleDirection().empty()) {
         return false;
     }
     std::vector<double> posture;
+    ++m_Searches;
     m_Record.hasSearched = !NqPostureSearch(m_Loop).find(posture);
     if (m_Record.hasSearched || !m_Loop.goTo(posture)) {
         return false;
@@ -227,9 +258,7 @@ bool NqDriveRun::beginDetour() {
 void NqDriveRun::endDetour() {
     if (m_Loop.leftToGo() < kNearPosture) {
         m_Loop.follow();
-        m_BestError = hardError();
-        m_BestSoftError = softError();
-        m_BestTime = m_BestSoftTime = m_Loop.time();
+        watchFromHere();
     }
 }
 
@@ -277,7 +306,7 @@ void NqDriveRun::noteSample(bool isKept) {
     m_Recorder.add({m_Loop.time(), static_cast<double>(m_WayPoint + 1), m_Loop.determinant(),
                     m_Loop.slowing(), m_Loop.positions().data(), m_Loop.rates().data(),
                     m_Loop.placements().data(), m_Loop.errors().data(), m_Loop.speeds().data(),
-                    m_Loop.accelerations().data()},
+                    m_Loop.accelerations().data(), m_Loop.baseFrame()},
                    isKept);
 }
 
@@ -458,25 +487,29 @@ void NqDriveRun::sketch() {
         for (std::size_t j = 0; j < positions.size(); ++j) {
             positions[j] = m_Recorder.position(i * (rows - 1) / kPosturesBetween, j);
         }
-        m_Record.sketch.between.push_back(sketcher.posture("", positions));
+        m_Record.sketch.between.push_back(
+            sketcher.posture("", positions, m_Recorder.base(i * (rows - 1) / kPosturesBetween)));
     }
     for (std::size_t w = 0; w < m_Record.wayPoints.size(); ++w) {
         const NqDriveRecord::WayPoint& wayPoint = m_Record.wayPoints[w];
         const bool isEnd = w + 1 == m_Record.wayPoints.size();
         if (wayPoint.isReached() && !isEnd) {
-            m_Record.sketch.wayPoints.push_back(sketcher.posture(std::to_string(w + 1), wayPoint.positions));
+            m_Record.sketch.wayPoints.push_back(
+                sketcher.posture(std::to_string(w + 1), wayPoint.positions, wayPoint.base));
         }
     }
     for (const auto& targets : m_Task.targets()) {
         for (std::size_t e = 0; e < targets.size(); ++e) {
             if (m_Loop.kind(e).hasPlace()) {
                 m_Loop.setTarget(e, targets[e]);
-                m_Record.sketch.targets.push_back(m_Loop.systemTarget(e).coordSysXForm().translation());
+                auto& sketched = m_Loop.isHard(e) ? m_Record.sketch.targets : m_Record.sketch.softTargets;
+                sketched.push_back(m_Loop.systemTarget(e).coordSysXForm().translation());
             }
         }
     }
-    m_Record.sketch.last = sketcher.posture(
-        m_Record.isReached() ? std::to_string(m_Record.wayPoints.size()) : "end", m_Loop.positions());
+    m_Record.sketch.last =
+        sketcher.posture(m_Record.isReached() ? std::to_string(m_Record.wayPoints.size()) : "end",
+                         m_Loop.positions(), m_Loop.baseFrame());
     const std::size_t stride = std::max<std::size_t>(1, rows / kPathPoints);
     for (std::size_t e = 0; e < m_Loop.endEffectors(); ++e) {
         if (!m_Loop.kind(e).hasPlace()) {

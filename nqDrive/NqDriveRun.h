@@ -38,8 +38,11 @@ private:
     double hardError() const;
     double softError() const;
     bool isWayPointReached() const;
+    bool isTimeOver() const;
     bool isStalled();
+    bool isTooSlow();
     void startWayPoint();
+    void watchFromHere();
     bool beginDetour();
     void endDetour();
     void noteStep();
@@ -65,5 +68,8 @@ private:
     double m_BestTime = 0.0;
     double m_BestSoftError = 0.0;
     double m_BestSoftTime = 0.0;
+    double m_PaceError = 0.0;
+    double m_PaceTime = 0.0;
+    unsigned m_Searches = 0;           ///< for other postures, on the way to this way point
     double m_LeastSingularValue = 0.0; ///< at the end
 };

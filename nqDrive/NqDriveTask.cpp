@@ -85,10 +85,13 @@ bool NqDriveTask::checkEndEffectors() {
         }
         rows += m_EndEffectors[e]->isHardConstraint() ? m_EndEffectors[e]->doc() : 0;
     }
-    if (rows > m_Manipulator.numberOfJoints()) {
+    const unsigned unknowns =
+        m_Manipulator.numberOfJoints() + (m_Options.isBaseFree ? NqEndEffector::m_theBaseDof : 0);
+    if (rows > unknowns) {
         return refuse("the end-effectors constrain " + std::to_string(rows) +
                       " coordinates, but the robot has only " +
-                      std::to_string(m_Manipulator.numberOfJoints()) + " joints");
+                      std::to_string(m_Manipulator.numberOfJoints()) + " joints" +
+                      (m_Options.isBaseFree ? " and the six motions of its base" : ""));
     }
     const NqMessageCollector messages;
     for (unsigned e = 0; e < m_EndEffectors.size(); ++e) {
@@ -108,6 +111,8 @@ bool NqDriveTask::setSettings() {
     m_Settings.setPostureGain(m_Options.gain);
     m_Settings.setSoftGain(m_Options.softGain);
     m_Settings.setTolerance(m_Options.tolerance);
+    m_Settings.setIsBaseFixed(!m_Options.isBaseFree);
+    m_Settings.setBaseWeights(NqXmlRealVector(m_Options.baseMetric));
     return true;
 }
 
@@ -197,6 +202,12 @@ bool NqDriveTask::checkConstraints() {
     if (!check.issues().empty()) {
         return refuse("the robot " + inQuotes(m_Options.model) + ": " + check.issues().front().text);
     }
+    for (unsigned e = 0; e < m_EndEffectors.size() && m_Options.isBaseFree; ++e) {
+        check.checkBaseColumns(m_Names[e], *m_EndEffectors[e]);
+    }
+    if (!check.issues().empty()) {
+        return refuse(check.issues().front().text);
+    }
     NqMessageCollector messages;
     const NqControlLoop loop = this->loop();
     if (messages.count() > 0) {
@@ -211,7 +222,8 @@ bool NqDriveTask::checkConstraints() {
                               " has a speed or acceleration limit that isn't above 0");
             }
         }
-        endEffector.insertSparsityComponent(m_Manipulator, 0, endEffector.relativeLinkData(), true, sparsity);
+        endEffector.insertSparsityComponent(m_Manipulator, 0, endEffector.relativeLinkData(),
+                                            !m_Options.isBaseFree, sparsity);
         for (const auto& row : sparsity) {
             if (std::find(row.begin(), row.end(), true) == row.end()) {
                 return refuse("no joint moves end-effector " + inQuotes(m_Names[e]));
@@ -276,10 +288,14 @@ double NqDriveTask::reach(const std::string& label, const NqVector& point, NqVec
 }
 
 std::string NqDriveTask::unreachableTarget() const {
+    if (m_Options.isBaseFree) {
+        return {};
+    }
     NqControlLoop loop = this->loop();
     for (unsigned e = 0; e < m_EndEffectors.size(); ++e) {
         const NqEndEffector& endEffector = *m_EndEffectors[e];
-        if (!m_Kinds[e].hasPlace() || !endEffector.isHardConstraint() ||
+        if (!m_Kinds[e].isWholePlace() || endEffector.linkIdentifier().empty() ||
+            !endEffector.isHardConstraint() ||
             endEffector.relativeLinkData().relativeMode() !=
                 NqEndEffectorRelativeLinkData::relativeModeNone) {
             continue;

@@ -58,14 +58,17 @@ public:
         }
         out += spans(m_Sketch.start) + spans(m_Sketch.last);
         out += arm(m_Sketch.last, "final") + hinges(m_Sketch.last, "finalHinge", 4.2);
-        out += NqSvg::rectangle({project(m_Sketch.base).x - 9.0, project(m_Sketch.base).y - 3.0}, 18.0, 6.0,
-                                "base");
+        const Point base = project(m_Sketch.last.base);
+        out += NqSvg::rectangle({base.x - 9.0, base.y - 3.0}, 18.0, 6.0, "base");
         for (std::size_t e = 0; e < m_Sketch.paths.size(); ++e) {
             std::vector<Point> points;
             for (const NqVector& point : m_Sketch.paths[e]) {
                 points.push_back(project(point));
             }
             out += NqSvg::polyline(NqSvg::simplified(points, 0.2), NqSvg::curveClass(e));
+        }
+        for (const NqVector& target : m_Sketch.softTargets) {
+            out += NqSvg::circle(project(target), 6.0, "soft");
         }
         for (const NqVector& target : m_Sketch.targets) {
             const Point p = project(target);
@@ -106,11 +109,11 @@ private:
 
     /// All points of the figure, the room that they take up, and the spacing of the grid.
     void measure() {
-        m_Points.push_back(m_Sketch.base);
         const auto include = [&](const std::vector<NqVector>& points) {
             m_Points.insert(m_Points.end(), points.begin(), points.end());
         };
         const auto includePosture = [&](const NqArmSketch::Posture& posture) {
+            m_Points.push_back(posture.base);
             include(posture.joints);
             include(posture.endEffectors);
         };
@@ -119,6 +122,7 @@ private:
         std::for_each(m_Sketch.wayPoints.begin(), m_Sketch.wayPoints.end(), includePosture);
         std::for_each(m_Sketch.paths.begin(), m_Sketch.paths.end(), include);
         include(m_Sketch.targets);
+        include(m_Sketch.softTargets);
 
         Bounds bounds;
         for (const NqVector& point : m_Points) {
@@ -129,7 +133,7 @@ private:
             m_GridLow[i] = m_Cell * std::floor(bounds.low[i] / m_Cell - 0.25);
             m_GridHigh[i] = m_Cell * std::ceil(bounds.high[i] / m_Cell + 0.25);
         }
-        m_Ground = m_Sketch.base.z();
+        m_Ground = m_Sketch.start.base.z();
     }
 
     NqVector gridCorner(bool isHighX, bool isHighY, double z) const {
@@ -246,7 +250,7 @@ private:
     }
 
     const NqVector& jointOrBase(const NqArmSketch::Posture& posture, int joint) const {
-        return joint == NqArmSketch::kBase ? m_Sketch.base : posture.joints[static_cast<std::size_t>(joint)];
+        return joint == NqArmSketch::kBase ? posture.base : posture.joints[static_cast<std::size_t>(joint)];
     }
 
     std::string arm(const NqArmSketch::Posture& posture, std::string_view cssClass) const {
@@ -303,7 +307,7 @@ private:
             }
             const Point p = project(posture.endEffectors.front());
             for (auto& [at, text] : placed) {
-                if (std::hypot(p.x - at.x, p.y - at.y) < 16.0) {
+                if (std::hypot(p.x - at.x, p.y - at.y) < 26.0) {
                     text += ", " + posture.label;
                     return;
                 }

@@ -45,6 +45,8 @@ stroke-linejoin:round}
 .c0{stroke:var(--c0)}.c1{stroke:var(--c1);stroke-dasharray:8 4}.c2{stroke:var(--c2);stroke-dasharray:2 4}
 .c3{stroke:var(--c3);stroke-dasharray:9 4 2 4}.c4{stroke:var(--c4);stroke-dasharray:14 4}
 .c5{stroke:var(--c5);stroke-dasharray:4 4}
+.over{fill:none;stroke:#d0342c;stroke-width:2.6;stroke-linejoin:round;stroke-linecap:round}
+.soft{fill:none;stroke:var(--c4);stroke-width:1.3;stroke-dasharray:3 2.5}
 .target{fill:none;stroke:var(--c4);stroke-width:1.6}
 .x{stroke:#d0342c;stroke-width:2.4}.y{stroke:#2a9d3a;stroke-width:2.4}.z{stroke:#2f6fe0;stroke-width:2.4}
 .span{stroke:var(--c4);stroke-width:1.4;stroke-dasharray:5 3}

@@ -27,6 +27,8 @@ constexpr double kShareShown = 0.15;
 constexpr double kLeastShare = 0.01;
 /// Tolerance of the drawn curves, in pixels.
 constexpr double kTolerance = 0.15;
+/// Share by which a value may pass a limit and not count as over it.
+constexpr double kSlack = 1.0e-6;
 
 /// The nearest of 1, 2, 5, 10 times a power of ten.
 double niceStep(double step) {
@@ -73,8 +75,8 @@ void NqSvgPlot::addLimits(double lower, double upper, const std::string& unit, b
             m_Included.push_back(kLeastShare * limit);
         }
         if (std::isfinite(upper)) {
-            m_Unit += lower == -upper ? ", limits ±" + significant(upper, 4) + " off the scale"
-                                      : ", " + named(upper) + " off the scale";
+            m_Unit += std::string(lower == -upper ? ", limits ±" : ", limit ") + significant(upper, 4) +
+                      " off scale";
         }
         return;
     }
@@ -236,20 +238,34 @@ std::string NqSvgPlot::drawn(NqSvg::Point corner) const {
     }
     for (const Curve& curve : m_Curves) {
         std::vector<NqSvg::Point> run;
-        const auto flush = [&] {
-            if (run.size() > 1) {
-                out += NqSvg::polyline(NqSvg::simplified(run, kTolerance), NqSvg::curveClass(curve.style));
+        std::vector<NqSvg::Point> over; // the stretch of it that is beyond a limit
+        const auto flush = [&](std::vector<NqSvg::Point>& points, const std::string& cssClass) {
+            if (points.size() > 1) {
+                out += NqSvg::polyline(NqSvg::simplified(points, kTolerance), cssClass);
             }
-            run.clear();
+            points.clear();
         };
         for (std::size_t i = 0; i < std::min(curve.times.size(), curve.values.size()); ++i) {
-            if (std::isfinite(curve.values[i])) {
-                run.push_back({x(curve.times[i]), y(curve.values[i])});
+            const double value = curve.values[i];
+            if (std::isfinite(value)) {
+                run.push_back({x(curve.times[i]), y(value)});
             } else {
-                flush();
+                flush(run, NqSvg::curveClass(curve.style));
+            }
+            if (!m_IsOverMarked) {
+                continue;
+            }
+            if (value > m_ShadedAbove + kSlack * std::abs(m_ShadedAbove) ||
+                value < m_ShadedBelow - kSlack * std::abs(m_ShadedBelow)) {
+                const double limit = value > m_ShadedAbove ? m_ShadedAbove : m_ShadedBelow;
+                over.push_back({run.back().x, over.empty() ? y(limit) : run.back().y});
+                over.push_back(run.back());
+            } else {
+                flush(over, "over");
             }
         }
-        flush();
+        flush(run, NqSvg::curveClass(curve.style));
+        flush(over, "over");
     }
     for (const Level& level : m_Levels) {
         const double height = y(level.value);

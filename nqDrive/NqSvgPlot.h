@@ -26,6 +26,9 @@ public:
     /// so far off that the curve would lie flat are named instead of drawn.
     void addLimits(double lower, double upper, const std::string& unit, bool isAlwaysShown);
 
+    /// Whether stretches of curves beyond the limits stand out in red; they do at first.
+    void setOverMarked(bool isMarked) { m_IsOverMarked = isMarked; }
+
     /// A dotted upright line with a short name at its top.
     void addMark(double time, std::string label);
 
@@ -77,6 +80,7 @@ private:
     double m_End = 1.0;
     double m_ShadedBelow;
     double m_ShadedAbove;
+    bool m_IsOverMarked = true;
     std::vector<Curve> m_Curves;
     std::vector<Level> m_Levels;
     std::vector<Level> m_Marks;

@@ -5,6 +5,8 @@
 #include <NqDriveText.h>
 #include <NqSvg.h>
 
+#include <nqControlCore/endeffector/special/NqCenterOfMassEndEffector.h>
+
 #include <libxml/parser.h>
 
 #include <algorithm>
@@ -20,6 +22,47 @@ bool isWellFormed(const std::string& text) {
 }
 
 /// Names that would break a page or a table if they went in as they are, on a lift and an endless joint.
+/// A robot that floats reaches out without momentum: its base gives way, its centre of mass stays.
+TEST(NqDriveReport, TellsOfABaseThatFloats) {
+    NqDriveOptions options;
+    options.model = nqModelFile("/floater7.urdf");
+    options.endEffectors = nqModelFile("/floater7.endeffectors.xml");
+    options.wayPoints.push_back({true, {{{0.1, 0.1, 0.1}, {}}, {}}, ""});
+    options.start = {0.0, 0.6, 0.0, 0.8, 0.0, 0.6, 0.0};
+    options.isBaseFree = true;
+    NqDriveTask task;
+    ASSERT_TRUE(task.load(options)) << task.complaint();
+    NqDriveRun run(task);
+    Watcher watcher;
+    run.execute(watcher);
+    ASSERT_TRUE(run.record().isReached()) << run.record().verdict;
+
+    const std::size_t last = run.recorder().rows() - 1;
+    EXPECT_GT(run.recorder().base(last).translation().mag(), 5.0e-3);
+    NqVector centres[2];
+    for (const std::size_t row : {std::size_t{0}, last}) {
+        NqPositionState position(options.start);
+        for (unsigned j = 0; j < 7; ++j) {
+            position.jointPositions()[j] = run.recorder().position(row, j);
+        }
+        position.setBaseFrame(run.recorder().base(row));
+        NqManipulatorActiveState state(task.manipulator());
+        state.setPositionState(position);
+        NqEndEffectorPlacement placement;
+        NqCenterOfMassEndEffector().calculatePlacement(task.manipulator(), state, placement);
+        centres[row == last] = placement.coordSysXForm().translation();
+    }
+    EXPECT_LT((centres[1] - centres[0]).mag(), 1.0e-4);
+    const std::string csv = NqDriveCsv(run.record(), run.recorder()).text();
+    EXPECT_NE(csv.find(",base.x,base.y,base.z,base.qw,"), std::string::npos);
+
+    options.start.clear();
+    options.endEffectors = nqModelFile("/arm7.orientation.endeffectors.xml");
+    options.model = nqModelFile("/arm7.urdf");
+    EXPECT_FALSE(task.load(options));
+    EXPECT_NE(task.complaint().find("can't be used with a free base"), std::string::npos) << task.complaint();
+}
+
 TEST(NqDriveReport, SurvivesHostileNamesAndEndlessJoints) {
     const std::string robot = testing::TempDir() + "hostile.urdf";
     const std::string effectors = testing::TempDir() + "hostile.xml";

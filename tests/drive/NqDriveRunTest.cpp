@@ -5,8 +5,7 @@ namespace {
 class NqDrive : public NqDriveFixture {};
 
 TEST_F(NqDrive, SlowsAtRateLimitsAndStaysOnTheStraightWay) {
-    // So slow to start that the joints' limits of acceleration have room for every change of direction.
-    load("arm7.urdf", pointXml("hand", "0 0 0", 3.0, 8.0), {"--relative", "0.1,0.5,-0.3"});
+    load("arm7.urdf", pointXml("hand", "0 0 0", 3.0, 15.0), {"--relative", "0.1,0.5,-0.3", "--rate", "4000"});
     NqDriveRun run = loadedRun();
     const NqVector start = run.loop().placements()[0].translation();
     const NqVector way = NqVector(0.1, 0.5, -0.3).unitVector();

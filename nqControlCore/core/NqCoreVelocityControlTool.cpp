@@ -436,6 +436,11 @@ void NqCoreVelocityControlTool::resize() {
     if (m_Indices.size() < m_N) {
         m_Indices.assign(m_N, 0u);
     }
+    // A step that takes another way than those before is not to allocate either.
+    for (std::vector<unsigned int>* scratch :
+         {&*m_FirstPivots, &*m_SecondPivots, &*m_ColumnOrder, &*m_Columns}) {
+        scratch->reserve(m_N);
+    }
 }
 
 bool NqCoreVelocityControlTool::prep(NqReArray& primaryMatrix, std::vector<unsigned int>& indices,

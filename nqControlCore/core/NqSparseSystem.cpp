@@ -62,6 +62,8 @@ bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indice
     if (m_N != matrix.columns() || m_M != m) {
         m_N = matrix.columns();
         m_M = m;
+        m_Jacobian.reserve(m_M * m_N);
+        m_Multipliers.resize(m_N * m_N / 2);
         m_JacobianFilled.fill(0);
         m_IsWorthIt = false;
     }
@@ -71,7 +73,6 @@ bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indice
     for (unsigned r = 0; r < m_N; ++r) {
         m_Rows[r] = matrix[r].data();
     }
-    m_Multipliers.resize(m_N * m_N / 2);
     m_NextMultiplier = m_Multipliers.data();
     m_Settled = 0;
     std::iota(m_Order.begin(), m_Order.begin() + m_N, 0u);

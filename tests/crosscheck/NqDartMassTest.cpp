@@ -200,14 +200,15 @@ TEST_P(DartMass, CenterOfMass) {
     expectAgreement("its rows", [&] {
         NqReArray j;
         e.insertJacobianComponent(manipulator, 0, {}, true, m_Model.state(), j);
-        std::vector<NqVector> reference = m_Model.centerOfMassJacobian();
-        for (unsigned joint = 0; joint < reference.size(); ++joint) {
+        std::vector<NqVector> ours = columnsOf(j, 0);
+        const std::vector<NqVector> reference = m_Model.centerOfMassJacobian();
+        for (unsigned joint = 0; joint < ours.size(); ++joint) {
             const NqManipulatorLink& link = *manipulator.linkByIndex(joint);
             if (link.joint().type() == NqJointDescription::Prismatic) {
-                reference[joint] = reference[joint] / link.compositeMass(); // which these columns leave out
+                ours[joint] = ours[joint] * link.compositeMass(); // which these columns leave out
             }
         }
-        return nqDeviation(reference, columnsOf(j, 0));
+        return nqDeviation(reference, ours);
     });
 }
 

@@ -8,6 +8,7 @@
 #include "NqPeers.h"
 #include "NqStages.h"
 #include "NqStepTimes.h"
+#include "NqThroughput.h"
 #include "NqTypeStages.h"
 
 #include <benchmark/benchmark.h>
@@ -21,6 +22,9 @@ namespace {
 
 constexpr unsigned kTimedSteps = 100000;
 constexpr unsigned kTimedRuns = 5;
+/// Between cold steps so much is written that nothing of them is left in the caches.
+constexpr unsigned kColdSteps = 1000;
+constexpr std::size_t kSpoiledBytes = 16 << 20;
 
 /// What no library can do without: sine and cosine of as many joints.
 void makeSinesAndCosines(const std::vector<double>& angles) {
@@ -83,6 +87,9 @@ bool NqBenchmark::makeContests() {
         }
     }
     if (m_Options.solver) {
+        if (const auto benchmarkCase = humanoid(models, 16)) {
+            m_Solvers.push_back(NqSolverContest::of(*benchmarkCase));
+        }
         for (const auto& [columns, rows] : {std::pair(7U, 6U), {7U, 3U}, {20U, 12U}, {44U, 24U}}) {
             m_Solvers.push_back(NqSolverContest::random(rows, columns));
             m_LimitedSolvers.push_back(std::make_unique<NqLimitedContest>(rows, columns));
@@ -161,6 +168,17 @@ void NqBenchmark::addContest(const Contest& contest) {
             }
         });
     }
+    for (const auto& peer : contest.peers) {
+        peer->step(0);
+        if (peer->bareStep(0)) {
+            m_Run.add(benchmarkCase.title() + ": bare step, without filter and error", peer->name(), steps,
+                      [&peer](unsigned count) {
+                          for (unsigned k = 0; k < count; ++k) {
+                              peer->bareStep(k);
+                          }
+                      });
+        }
+    }
 }
 
 std::string NqBenchmark::measureStepTimes() {
@@ -174,6 +192,18 @@ std::string NqBenchmark::measureStepTimes() {
             const NqStepTimes times(own, kTimedSteps, m_Options.isQuick ? 1 : kTimedRuns);
             std::fputs(times.text(benchmarkCase->title()).c_str(), stdout);
             json += (json.empty() ? "\n    " : ",\n    ") + times.json(benchmarkCase->title());
+            const NqStepTimes cold(own, kColdSteps, 1, kSpoiledBytes);
+            const std::string title = benchmarkCase->title() + ", cold";
+            std::fputs(cold.text(title).c_str(), stdout);
+            json += ",\n    " + cold.json(title);
+        }
+    }
+    std::printf("\n%-46s %9s %14s %18s\n", "steps a second of independent loops", "one", "two threads",
+                "made by one thread");
+    for (const auto& makeCase : {NqBenchmarkCases::arm, NqBenchmarkCases::humanoid}) {
+        if (const auto benchmarkCase = makeCase(m_Options.models, 256)) {
+            const NqThroughput throughput(*benchmarkCase, kTimedSteps, m_Options.isQuick ? 1 : kTimedRuns);
+            std::fputs(throughput.text(benchmarkCase->title()).c_str(), stdout);
         }
     }
     return json;

@@ -22,6 +22,16 @@ NqComposedPeer::NqComposedPeer(const NqBenchmarkCase& benchmarkCase,
 void NqComposedPeer::step(unsigned step) {
     m_Kinematics->compute(step);
     m_Filter.filter(m_Kinematics->placements());
+    solve();
+}
+
+bool NqComposedPeer::bareStep(unsigned step) {
+    m_Kinematics->compute(step);
+    solve();
+    return true;
+}
+
+void NqComposedPeer::solve() {
     m_Solver->solve(m_Kinematics->jacobian(), m_Metric, m_Gradient, NqBenchmarkCase::alpha(),
                     mapped(m_Filter.command()));
 }

@@ -16,6 +16,7 @@ public:
     std::string kinematicsName() const override { return m_Kinematics->isOurs() ? "" : m_Kinematics->name(); }
     void kinematics(unsigned step) override { m_Kinematics->compute(step); }
     void step(unsigned step) override;
+    bool bareStep(unsigned step) override;
 
     std::vector<double> rates() const override;
     std::vector<double> nullSpaceRates() const override;
@@ -23,6 +24,8 @@ public:
     std::vector<double> command() const override { return m_Filter.command(); }
 
 private:
+    void solve();
+
     std::unique_ptr<NqPeerKinematics> m_Kinematics;
     std::unique_ptr<NqEigenSolver> m_Solver;
     std::string m_Name;

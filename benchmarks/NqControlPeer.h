@@ -30,6 +30,10 @@ public:
     /// of the null space, and the determinant.
     virtual void step(unsigned step) = 0;
 
+    /// A step without filter and error, and hence for the command of the step before. False, and nothing
+    /// done, where joint rates don't come from a solver of their own.
+    virtual bool bareStep(unsigned) { return false; }
+
     // Results of the last step, for comparison.
 
     /// Joint rates by joint index.

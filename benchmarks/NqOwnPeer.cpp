@@ -38,6 +38,12 @@ void NqOwnPeer::step(unsigned step) {
     solve();
 }
 
+bool NqOwnPeer::bareStep(unsigned step) {
+    kinematics(step);
+    solve();
+    return true;
+}
+
 void NqOwnPeer::setState(unsigned step) {
     const NqBenchmarkCase::Pose& pose = m_Case.pose(step);
     m_Position.jointPositions() = pose.positions;

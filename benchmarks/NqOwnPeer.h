@@ -21,6 +21,7 @@ public:
     std::string kinematicsName() const override { return m_NullSpace == NullSpace::Dense ? "ours" : ""; }
     void kinematics(unsigned step) override;
     void step(unsigned step) override;
+    bool bareStep(unsigned step) override;
 
     std::vector<double> rates() const override { return m_Rates; }
     std::vector<double> nullSpaceRates() const override { return m_NullSpaceRates; }

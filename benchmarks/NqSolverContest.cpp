@@ -1,8 +1,10 @@
 #include "NqSolverContest.h"
 
 #include "NqAgreement.h"
+#include "NqOwnPeer.h"
 
 #include <nqControlCore/core/NqCoreVelocityControlTool.h>
+#include <nqControlCore/foundation/manipulator/NqJacobianState.h>
 
 #include <algorithm>
 #include <cmath>
@@ -37,6 +39,19 @@ NqSolverContest NqSolverContest::random(unsigned rows, unsigned columns) {
             std::move(jacobians)};
 }
 
+NqSolverContest NqSolverContest::of(const NqBenchmarkCase& benchmarkCase) {
+    NqOwnPeer own(benchmarkCase);
+    std::vector<NqReArray> jacobians;
+    for (unsigned step = 0; step < kJacobians; ++step) {
+        own.kinematics(step);
+        jacobians.push_back(own.jacobian());
+    }
+    NqSolverContest contest("solver alone, Jacobians of " + benchmarkCase.title(), std::move(jacobians));
+    contest.m_KnownZeros = std::make_shared<NqJacobianState>();
+    contest.m_KnownZeros->setUseSparseNullSpace(true);
+    return contest;
+}
+
 NqSolverContest::NqSolverContest(std::string title, std::vector<NqReArray> jacobians)
     : m_Title(std::move(title)), m_Jacobians(std::move(jacobians)), m_Gradient(m_Jacobians.front().columns()),
       m_Velocity(m_Jacobians.front().rows()), m_Tool(std::make_shared<NqCoreVelocityControlTool>()) {
@@ -67,9 +82,10 @@ NqSolverContest::NqSolverContest(std::string title, std::vector<NqReArray> jacob
 #endif
 }
 
-void NqSolverContest::solve(unsigned step) {
-    m_Tool->calcJointRates(nullptr, m_Jacobians[step % m_Jacobians.size()], m_Metric, m_Gradient, kAlpha,
-                           m_Velocity, static_cast<unsigned>(m_Gradient.size()), m_Rates, m_NullSpaceRates,
+void NqSolverContest::solve(unsigned step, bool hasKnownZeros) {
+    m_Tool->calcJointRates(hasKnownZeros ? m_KnownZeros.get() : nullptr,
+                           m_Jacobians[step % m_Jacobians.size()], m_Metric, m_Gradient, kAlpha, m_Velocity,
+                           static_cast<unsigned>(m_Gradient.size()), m_Rates, m_NullSpaceRates,
                            m_Determinant);
 }
 
@@ -117,6 +133,13 @@ void NqSolverContest::addTo(NqBenchmarkRun& run) {
             solve(step);
         }
     });
+    if (m_KnownZeros) {
+        run.add(m_Title, "ours, known zeros", steps, [this](unsigned count) {
+            for (unsigned step = 0; step < count; ++step) {
+                solve(step, true);
+            }
+        });
+    }
 #ifdef NQ_HAVE_EIGEN
     for (const auto& solver : m_Solvers) {
         run.add(m_Title, solver->name(), steps, [this, &solver](unsigned count) {

@@ -12,7 +12,9 @@
 #include "NqEigenSolver.h"
 #endif
 
+class NqBenchmarkCase;
 class NqCoreVelocityControlTool;
+class NqJacobianState;
 
 /// The solver alone, ours and those of Eigen, on some Jacobians of one size: null space, square system,
 /// factoring, two solutions, determinant.
@@ -21,6 +23,9 @@ public:
     /// Full Jacobians drawn from a fixed seed.
     static NqSolverContest random(unsigned rows, unsigned columns);
 
+    /// Those of a case, with their zeros.
+    static NqSolverContest of(const NqBenchmarkCase& benchmarkCase);
+
     NqSolverContest(std::string title, std::vector<NqReArray> jacobians);
 
     /// False, with a line, where solutions differ from ours by more than NqAgreement::tolerance().
@@ -28,7 +33,7 @@ public:
     void addTo(NqBenchmarkRun& run);
 
 private:
-    void solve(unsigned step);
+    void solve(unsigned step, bool hasKnownZeros = false);
 
     std::string m_Title;
     std::vector<NqReArray> m_Jacobians;
@@ -36,6 +41,7 @@ private:
     std::vector<double> m_Velocity;
     NqReArray m_Metric;
     std::shared_ptr<NqCoreVelocityControlTool> m_Tool;
+    std::shared_ptr<NqJacobianState> m_KnownZeros; ///< null for Jacobians without zeros
     std::vector<double> m_Rates;
     std::vector<double> m_NullSpaceRates;
     double m_Determinant = 0.0;

@@ -2,6 +2,8 @@
 
 #include "NqBenchmarkText.h"
 
+#include <benchmark/benchmark.h>
+
 #include <algorithm>
 #include <chrono>
 
@@ -18,12 +20,15 @@ long interruptions() {
 
 } // namespace
 
-NqStepTimes::NqStepTimes(NqControlPeer& peer, unsigned steps, unsigned runs) {
+NqStepTimes::NqStepTimes(NqControlPeer& peer, unsigned steps, unsigned runs, std::size_t spoiledBytes) {
     using Clock = std::chrono::steady_clock;
     std::vector<double> times(steps);
+    std::vector<unsigned char> others(spoiledBytes);
     for (unsigned run = 0; run < runs; ++run) {
         const long before = interruptions();
         for (unsigned step = 0; step < steps; ++step) {
+            std::fill(others.begin(), others.end(), static_cast<unsigned char>(step));
+            benchmark::DoNotOptimize(others.data());
             const Clock::time_point start = Clock::now();
             peer.step(step);
             times[step] = std::chrono::duration<double, std::nano>(Clock::now() - start).count();

@@ -6,7 +6,9 @@
 /// some of them: of several runs the one counts that was least interrupted by other processes.
 class NqStepTimes {
 public:
-    NqStepTimes(NqControlPeer& peer, unsigned steps, unsigned runs);
+    /// Before each step so many bytes of other memory are written, which takes the step's own from the
+    /// caches.
+    NqStepTimes(NqControlPeer& peer, unsigned steps, unsigned runs, std::size_t spoiledBytes = 0);
 
     /// The time, in ns, that a share of the steps doesn't exceed.
     double quantile(double share) const;

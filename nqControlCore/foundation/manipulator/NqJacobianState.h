@@ -25,6 +25,7 @@ public:
     virtual const std::vector<unsigned int>& sparsityIndicesFirst() const { return m_SparsityIndicesFirst; }
     virtual const std::vector<unsigned int>& sparsityIndicesSecond() const { return m_SparsityIndicesSecond; }
     /// Whether known zeros are passed over when null spaces are computed; false at first.
+    /// NqCoreVelocityControlTool then passes over them in the whole solve, wherever they are.
     virtual bool useSparseNullSpace() const { return m_UseSparseNullSpace; }
     /// n by n; the first m rows hold J factored as by NqReArray::nullSpace(), the others are zero.
     virtual const NqReArray& factoredJacobianArray() const { return m_FactoredJacobianArray; }

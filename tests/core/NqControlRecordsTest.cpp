@@ -118,6 +118,11 @@ TEST(NqCoreResult, CoordinatesNeitherOverflowNorVanish) {
         // All rates count for the scale, those beyond the components too: here the rest vanishes beside it.
         rates = Reals{6.0 * scale, 8.0 * scale, scale, scale * 1e200};
         EXPECT_FALSE(result.getComponentCoordinates(rates, x, y));
+        // And so do all entries of the components.
+        result.setBaseComponent({0.0, 2.0 * scale, scale});
+        result.setNullSpaceComponent({0.0, scale, -scale});
+        rates = Reals{0.0, 0.0, 0.0};
+        EXPECT_TRUE(result.getComponentCoordinates(rates, x, y) && x == 0.0 && y == 0.0);
     }
 }
 

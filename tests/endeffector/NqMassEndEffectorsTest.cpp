@@ -178,6 +178,9 @@ TEST_F(NqSpatialMomentum, AsksForItsTargetAndSetsTheBitsOfAnInertia) {
     EXPECT_EQ(filtered(e, far, {9.0}, {9.0}), Reals({1.0, 2.0, 3.0}));
     EXPECT_EQ(limited(e, {9.0, 8.0}), Reals({9.0, 8.0}));
     EXPECT_EQ(e.difference({}, far) + e.minimumTime({}, far) + e.motionThreshold(), 0.0);
+    e.setSpeedFactor(0.5);
+    e.setFilteringActive(false);
+    EXPECT_TRUE(e.speedFactor() == 1.0 && e.filteringActive()) << "there is no filter";
 }
 
 } // namespace

@@ -97,6 +97,7 @@ TEST_F(NqPlanarHand, MissingEntriesOfAVelocityAreZero) {
     EXPECT_EQ(limited(frame, {0.1, 0.2}, {0.1, 0.2, 0.0, 0.0, 0.0, 0.3, 9.0}, 1.0),
               Reals({0.1, 0.2, 0.0, 0.0, 0.0, 0.0}));
     EXPECT_EQ(limited(orientation, {0.1}, {}, 1.0), Reals({0.1, 0.0, 0.0}));
+    EXPECT_EQ(limited(point, {0.1}, {}, 1.0), Reals({0.1, 0.0, 0.0}));
 }
 
 TEST_F(NqPlanarHand, BadLabelLeavesFramesAndBringsThePointToTheOrigin) {

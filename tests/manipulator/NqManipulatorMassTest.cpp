@@ -79,7 +79,7 @@ TEST_P(EveryMass, CenterOfMassAndMomentaAreSumsOverLinks) {
                             m_Manipulator.compositeFirstMoment(positions).cross(baseMotion.linear()) -
                             m_Manipulator.compositeSecondMoment(positions) * baseMotion.angular();
     for (const NqOrientation& orientation : {base.orientation(), NqOrientation()}) {
-        NqReArray matrix;
+        NqReArray matrix(m_Joints + 1, 6);
         m_Momenta.momentumMatrix(m_Momenta.compositeMoments(m_State), orientation, matrix);
         ASSERT_EQ(matrix.rows(), m_Joints);
         std::vector<double> x;

@@ -139,9 +139,10 @@ TEST(ZeroStartIndices, NameTheRunThatRowsShareAndAreNotTrusted) {
     const NqReArray jacobian = nqRandomArray(random, 6, 20);
     NqReArray factored(jacobian), basis;
     factored.nullSpace(basis, 6, indices);
-    const Indices none, one(1, 1), low(6, 1), high(6, 20), far(6, ~0u);
-    for (const auto& [start, end] : {std::pair(none, none), std::pair(one, one), std::pair(low, high),
-                                     std::pair(far, high), std::pair(low, far)}) {
+    const Indices none, one(1, 1), low(6, 1), high(6, 20), far(6, ~0u), firstRowOnly{1, 20, 20, 20, 20, 20};
+    for (const auto& [start, end] :
+         {std::pair(none, none), std::pair(one, one), std::pair(low, high), std::pair(far, high),
+          std::pair(low, far), std::pair(firstRowOnly, high)}) {
         NqReArray again(jacobian), itsBasis;
         EXPECT_TRUE(again.nullSpaceSparse(itsBasis, 6, indices, start, end));
         EXPECT_TRUE(again == factored && itsBasis == basis);

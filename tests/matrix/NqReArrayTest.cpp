@@ -107,6 +107,10 @@ TEST(ReArray, Factorings) {
         EXPECT_TRUE((metric * solution).approxEq(array, 1e-10));
         EXPECT_TRUE(root.lowerTriangularForwardSubstitution(array, solution));
         EXPECT_TRUE((root * solution).approxEq(array, 1e-10));
+        EXPECT_TRUE(root.choleskyBackSubstitutionOnTranspose(array.transpose(), solution));
+        EXPECT_TRUE((metric * solution.transpose()).approxEq(array, 1e-10));
+        EXPECT_TRUE(root.lowerTriangularForwardSubstitutionOnTranspose(array.transpose(), solution));
+        EXPECT_TRUE((root * solution.transpose()).approxEq(array, 1e-10));
     }
     EXPECT_NEAR(nqArray({{0.0, 2.0, 0.0}, {3.0, 0.0, 0.0}, {0.0, 0.0, 4.0}}).determinant(), -24.0, 1e-12);
 

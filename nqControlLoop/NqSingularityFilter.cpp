@@ -10,7 +10,7 @@ constexpr unsigned kSweeps = 30;
 /// Velocity asked for along a lost direction at which half of the gradient along it counts.
 constexpr double kFadingVelocity = 0.5;
 /// A row of a lost direction no longer than this is noise.
-constexpr double kRounding = 1.0e-9;
+constexpr double kVanished = 1.0e-9;
 /// Least damping, as a share of the greatest: keeps the cost finite where it sets in.
 constexpr double kLeastDamping = 1.0e-3;
 
@@ -160,7 +160,7 @@ void NqSingularityFilter::addCost(const std::vector<double>& velocity, double da
             1.0 / (damping * damping * std::max(1.0 - share * share, kLeastDamping * kLeastDamping));
         const double command = dot(m_Directions[i], velocity, m_Rows);
         const std::vector<double>& row = m_Turned[i];
-        if (m_Values[i] > kRounding) {
+        if (m_Values[i] > kVanished) {
             const double fading =
                 kFadingVelocity * kFadingVelocity / (kFadingVelocity * kFadingVelocity + command * command);
             const double along = fading * dot(row, gradient, m_Columns) / (m_Values[i] * m_Values[i]);

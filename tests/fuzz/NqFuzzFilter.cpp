@@ -58,7 +58,7 @@ struct Call {
         Result result = Result();
         const Result untouched = result;
         const bool isDone = calculate(result);
-        nqHolds(isDone == (filter.filteringMode() <= 2) || isDone, "a filter knows its modes");
+        nqHolds(isDone || filter.filteringMode() > 2, "a filter knows its modes");
         nqHolds(isDone || (result == untouched && nqLinesPrinted() > 0), "a refused call leaves its output");
         nqHolds(!isSane || isLimited(result, filter.speedFactor()),
                 "a velocity is finite and within its limit");

@@ -43,11 +43,8 @@ class NqLimitedVelocityTool::Response : public NqBoundActiveSet::Response {
 public:
     explicit Response(NqLimitedVelocityTool& tool) : m_Tool(tool) {}
     void column(unsigned k, std::vector<double>& column) override {
-        const auto& basis = m_Tool.nullSpace()[k];
-        std::fill(m_Tool.m_RightHandSide.begin(), m_Tool.m_RightHandSide.end(), 0.0);
-        std::copy(basis.begin(), basis.end(), m_Tool.m_RightHandSide.begin() + m_Tool.m_Rows);
-        double determinant = 0.0;
-        m_Tool.calc(m_Tool.primaryMatrix(), m_Tool.indices(), m_Tool.m_RightHandSide, column, determinant);
+        const std::vector<double>& known = m_Tool.columnOf(k);
+        std::copy(known.begin(), known.end(), column.begin());
     }
 
 private:
@@ -95,9 +92,23 @@ void NqLimitedVelocityTool::setSparsity(const std::vector<std::vector<bool>>& sp
 
 void NqLimitedVelocityTool::size(unsigned n) {
     m_Bounds.resize(n);
+    m_Columns.assign(n, std::vector<double>(n));
+    m_HasColumn.assign(n, false);
     for (auto* vector : {&m_Rates, &m_NullSpaceRates, &m_Path, &m_Limited, &m_Freedom, &m_RightHandSide}) {
         vector->assign(n, 0.0);
     }
+}
+
+const std::vector<double>& NqLimitedVelocityTool::columnOf(unsigned k) {
+    if (!m_HasColumn[k]) {
+        const auto& basis = nullSpace()[k];
+        std::fill(m_RightHandSide.begin(), m_RightHandSide.end(), 0.0);
+        std::copy(basis.begin(), basis.end(), m_RightHandSide.begin() + m_Rows);
+        double determinant = 0.0;
+        calc(primaryMatrix(), indices(), m_RightHandSide, m_Columns[k], determinant);
+        m_HasColumn[k] = true;
+    }
+    return m_Columns[k];
 }
 
 void NqLimitedVelocityTool::findPath(const std::vector<double>& velocity, std::vector<double>& path) {
@@ -135,6 +146,7 @@ NqLimitedVelocityTool::solve(const NqReArray& jacobian, const NqReArray& metric,
         return Outcome::Failed;
     }
     std::copy(m_Rates.begin(), m_Rates.end(), m_Limited.begin());
+    std::fill(m_HasColumn.begin(), m_HasColumn.end(), false);
     const bool isDiagonal = metric.columns() == 1;
     m_PathCost = 0.0;
     for (unsigned k = 0; k < n; ++k) {

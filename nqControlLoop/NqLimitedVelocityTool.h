@@ -65,12 +65,15 @@ public:
 
 private:
     void size(unsigned n);
+    const std::vector<double>& columnOf(unsigned k);
 
     class Response;
     class ScaledResponse;
 
     NqJacobianState m_Sparsity;
     NqBoundActiveSet m_Bounds;
+    std::vector<std::vector<double>> m_Columns; ///< of the response, those that were asked for
+    std::vector<bool> m_HasColumn;
     std::vector<double> m_Rates;
     std::vector<double> m_NullSpaceRates;
     std::vector<double> m_Path; ///< the part of the rates that makes v

@@ -124,10 +124,10 @@ NqBoundActiveSet::Outcome NqBoundActiveSet::solve(Response& response, const std:
             }
             const bool isFree = gain > leastShare * freedom[p];
             const double fullStep = std::max(sign * (x[p] - bound), 0.0) / gain;
-            if (!isFree && blocking == m_Holds.size()) {
-                return Outcome::Contradiction;
-            }
             isEntered = isFree && fullStep <= dualStep;
+            if (!isEntered && blocking == m_Holds.size()) {
+                return Outcome::Contradiction; // nothing to let go, or no numbers
+            }
             const double step = sign * (isEntered ? fullStep : dualStep);
             if (isFree) {
                 for (unsigned k = 0; k < m_Unknowns; ++k) {

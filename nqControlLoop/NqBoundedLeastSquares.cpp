@@ -36,6 +36,7 @@ bool NqBoundedLeastSquares::solve(const NqReArray& jacobian, unsigned rows,
                                   std::vector<double>& rates) {
     const std::size_t n = lower.size();
     const double square = damping * damping;
+    rates.resize(n);
     for (std::size_t j = 0; j < n; ++j) {
         std::fill(m_Factor[j].begin(), m_Factor[j].end(), 0.0);
         m_Factor[j][j] = square * weights[j];

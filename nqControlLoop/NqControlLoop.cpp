@@ -369,9 +369,13 @@ bool NqControlLoop::step() {
     boundRates();
     if (m_IsGoing) {
         goOn();
-    } else if (!solve()) {
+    } else {
+        solve();
+    }
+    if (!staysFinite()) {
         m_Status.kind = NqControlLoopStatus::BadInput;
-        std::copy_n(m_Velocity.jointVelocities().begin(), m_Joints, m_Rates.begin());
+        std::transform(m_Velocity.jointVelocities().begin(), m_Velocity.jointVelocities().end(),
+                       m_Rates.begin(), [](double rate) { return std::isfinite(rate) ? rate : 0.0; });
         return false;
     }
     measureVelocities();
@@ -379,6 +383,16 @@ bool NqControlLoop::step() {
     observe();
     judge();
     return true;
+}
+
+/// Whether the rates are numbers, and what they make of the state.
+bool NqControlLoop::staysFinite() const {
+    bool result =
+        std::all_of(m_Rates.begin(), m_Rates.end(), [](double rate) { return std::isfinite(rate); });
+    for (unsigned j = 0; j < m_Joints; ++j) {
+        result = result && std::isfinite(m_Position.jointPositions()[j] + m_Rates[j] * m_Settings.timeStep());
+    }
+    return result;
 }
 
 /// The rows of all end-effectors, one under the other.
@@ -548,7 +562,7 @@ double NqControlLoop::shareMade() const {
 }
 
 /// Joint rates with J rates = scale * command that otherwise descend the gradient under the metric.
-bool NqControlLoop::solve() {
+void NqControlLoop::solve() {
     using Outcome = NqLimitedVelocityTool::Outcome;
     NqLimitedVelocityTool* tool = &m_Tool;
     Outcome outcome = m_Tool.solve(m_Hard.jacobian, m_Metric, m_Gradient, m_Hard.command, m_Lower, m_Upper);
@@ -596,7 +610,6 @@ bool NqControlLoop::solve() {
     if (leaving > 0.0) {
         m_Scale += leaving * (std::max(m_Slowing, m_Scale) - m_Scale);
     }
-    return std::all_of(m_Rates.begin(), m_Rates.end(), [](double rate) { return std::isfinite(rate); });
 }
 
 /// The metric and the gradient with the lost directions in them.

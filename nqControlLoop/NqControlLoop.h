@@ -195,7 +195,8 @@ private:
     void weighSoftConstraints();
     double crowding(unsigned joint) const;
     void boundRates();
-    bool solve();
+    void solve();
+    bool staysFinite() const;
     void dampLostDirections();
     double alongWeight(NqLimitedVelocityTool& tool);
     void leavePath(double share, double along, const NqLimitedVelocityTool* tool);

@@ -297,4 +297,32 @@ TEST(NqControlLoopCheck, LetsNothingIntoARateThatIsNoNumber) {
     EXPECT_GT(moved, 400u);
 }
 
+TEST(NqControlLoop, MakesNoStepFromOrToWhatIsNoNumber) {
+    const NqIndividualManipulator robot = nqTestManipulator("named"); // its first joint has no limits
+    const unsigned joints = robot.numberOfJoints();
+    const NqXmlRealVector zeros(std::vector<double>(joints, 0.0));
+    NqControlLoop loop(robot);
+    ASSERT_TRUE(loop.step());
+    const NqPrintCapture messages;
+    for (const double odd : {std::nan(""), std::numeric_limits<double>::infinity(), 1.7e308}) {
+        SCOPED_TRACE(odd);
+        NqXmlRealVector values = zeros;
+        values[0] = odd;
+        if (odd < 1.0e308 || !std::isfinite(odd)) {
+            loop.setState(NqPositionState(values), NqVelocityState(zeros));
+            EXPECT_FALSE(loop.step());
+            loop.setState(NqPositionState(zeros), NqVelocityState(values));
+            loop.step();
+        } else if (loop.goTo(values.values())) {
+            EXPECT_FALSE(loop.step());
+            loop.follow();
+        }
+        for (const double rate : loop.rates()) {
+            EXPECT_TRUE(std::isfinite(rate));
+        }
+        loop.setState(NqPositionState(zeros), NqVelocityState(zeros));
+        EXPECT_TRUE(loop.step()) << "it goes on from a good state";
+    }
+}
+
 } // namespace

@@ -109,11 +109,11 @@ void nqFuzzLoop(NqFuzzInput& input) {
             setTarget(loop, input, isSane);
             break;
         case 2:
-            loop.setPositions(input.numbers(input.below(8) == 0 ? input.below(20) : joints, true));
+            loop.setPositions(input.numbers(input.below(8) == 0 ? input.below(20) : joints, isSane));
             break;
         case 3: {
-            const NqPositionState position(NqXmlRealVector(input.numbers(joints, true)));
-            loop.setState(position, NqVelocityState(NqXmlRealVector(input.numbers(joints, true))));
+            const NqPositionState position(NqXmlRealVector(input.numbers(joints, isSane)));
+            loop.setState(position, NqVelocityState(NqXmlRealVector(input.numbers(joints, isSane))));
             break;
         }
         case 4: {
@@ -128,7 +128,7 @@ void nqFuzzLoop(NqFuzzInput& input) {
             break;
         }
         case 5:
-            nqHolds(loop.goTo(input.numbers(joints, true)) || nqLinesPrinted() > 0,
+            nqHolds(loop.goTo(input.numbers(joints, isSane)) || nqLinesPrinted() > 0,
                     "a refused posture is reported");
             break;
         case 6:

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 namespace {
 
 std::shared_ptr<NqIndividualManipulator> planarArm() {
@@ -48,8 +50,8 @@ std::shared_ptr<NqIndividualManipulator> bracketArm() {
 NqIndividualManipulator nqTestManipulator(const std::string& name) {
     NqIndividualManipulator manipulator;
     const std::string file = "/" + name + ".urdf";
-    EXPECT_TRUE(
-        NqUrdfReader::readFile(name == "branched" ? nqTestModelFile(file) : nqModelFile(file), manipulator));
+    const bool isOurs = std::filesystem::exists(nqTestModelFile(file));
+    EXPECT_TRUE(NqUrdfReader::readFile(isOurs ? nqTestModelFile(file) : nqModelFile(file), manipulator));
     return manipulator;
 }
 

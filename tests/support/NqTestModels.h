@@ -19,7 +19,7 @@ struct NqTestModel {
     NqCoordinateSystemTransformation baseFrame{}; ///< where the base rests unless it moves
 };
 
-/// The manipulator of a description: the tests' own "branched", or one of the project's models.
+/// The manipulator of a description: one of the tests' own, such as "branched", or of the project's models.
 NqIndividualManipulator nqTestManipulator(const std::string& name);
 
 /// A planar arm of 2 joints, arms of 6 and of 7 joints, the tree "branched" with its oblique and prismatic

@@ -133,6 +133,10 @@ TEST(NqVelocityControlData, KnowsWhetherItsDeterminantWasSet) {
     data.setPrimaryDeterminant(0.0);
     data = Reals{1.0};
     EXPECT_TRUE(data.primaryDeterminant() == 0.0 && !(data == NqVelocityControlData()));
+    EXPECT_TRUE(data == NqVelocityControlData(data));
+    NqVelocityControlData unset;
+    unset = Reals{1.0};
+    EXPECT_FALSE(data == unset);
 }
 
 TEST(NqControlParameters, FillTheTailAndKeepTheThresholdOutOfFiles) {

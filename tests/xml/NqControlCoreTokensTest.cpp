@@ -1,5 +1,6 @@
 #include "support/NqTestFiles.h"
 
+#include <nqControlCore/xml/NqControlCoreInfo.h>
 #include <nqControlCore/xml/NqControlCoreTokens.h>
 
 #include <nqControlCore/core/NqControlParameters.h>
@@ -79,6 +80,14 @@ TEST(NqToken, OwnsWhatIsNoConstant) {
     EXPECT_EQ(copy, late);
     EXPECT_EQ(copy, NqToken(copy.c_str())); // wherever the text is divided
     EXPECT_TRUE(kMine < copy && !(copy < kMine) && NqToken("a") < NqToken("\xC3"));
+}
+
+TEST(NqControlCoreInfo, IsThatOfALibraryAndNoPlugin) {
+    using namespace Nq::controlCoreInfo;
+    EXPECT_FALSE(projectIsPlugin());
+    EXPECT_EQ(pluginLibraryFileName() + projectName() + " " + repositoryName() + " " + solutionName(),
+              "controlCore toolkits tarvo");
+    EXPECT_EQ(xmlNamespace(), "http://nq.example/toolkits/tarvo/controlCore/nq#");
 }
 
 template <typename... Records>

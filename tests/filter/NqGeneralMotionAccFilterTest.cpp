@@ -21,6 +21,8 @@ NqGeneralMotion accelerationFor(const Filter& filter, const Pose& relative, doub
 
 TEST(NqGeneralMotionAccFilter, OneFactorLimitsTheWeightedNormOfBothParts) {
     Filter filter;
+    EXPECT_TRUE(filter.angularWeight() == 0.4 && filter.threshold() == 1.0) << "by default";
+    EXPECT_TRUE(filter.linearGain() == 200.0 && filter.angularGain() == 200.0) << "by default";
     filter.setLinearGain(10.0);
     filter.setAngularGain(20.0);
     filter.setAngularWeight(0.5);

@@ -464,9 +464,9 @@ void NqControlLoop::boundRates() {
     }
 }
 
-/// How much of the commanded velocities there may be, so that after a slow stretch they don't rise faster
-/// than the end-effectors' own limits of acceleration allow.
-double NqControlLoop::greatestScale() const {
+/// By how much the share of the commanded velocities may change in a step, such that the end-effectors keep
+/// their own limits of acceleration.
+double NqControlLoop::greatestScaleChange() const {
     double rise = 1.0;
     for (const Part& part : m_Parts) {
         const Constraint& constraint = m_Constraints[part.endEffector];
@@ -476,7 +476,7 @@ double NqControlLoop::greatestScale() const {
             rise = change / speed;
         }
     }
-    return std::min(1.0, m_Scale + rise);
+    return rise;
 }
 
 /// How much of the commanded velocities there may be for the joints to follow the bends of the path and to
@@ -485,9 +485,18 @@ double NqControlLoop::greatestScale() const {
 ///     s^2 (J^+ v' - t') / (s' h)    for the bends, v' and s' being those of the step before, and
 ///     s^2 J^+ b                     for stopping:
 /// an end-effector with a speed of v and a way of d to go slows by at least b = v^2 / (2 d).
-double NqControlLoop::greatestTurnableScale(NqLimitedVelocityTool& tool) {
+/// Joints that are held make the others' rates others than t: then only stopping counts, and they don't.
+double NqControlLoop::greatestTurnableScale(NqLimitedVelocityTool& tool, bool isHolding) {
     const double timeStep = m_Settings.timeStep();
-    const bool isKnown = m_Scale > kWhollyOnPath && m_Lost == m_LostBefore;
+    const auto isAtEnd = [&](const NqBoundActiveSet::Hold& hold) {
+        return hold.unknown < m_Joints && causeOf(hold) != NqJointBounds::Cause::Acceleration;
+    };
+    const auto isHeld = [&](unsigned j) {
+        return std::any_of(tool.holds().begin(), tool.holds().end(),
+                           [&](const auto& hold) { return hold.unknown == j && isAtEnd(hold); });
+    };
+    isHolding = isHolding && std::any_of(tool.holds().begin(), tool.holds().end(), isAtEnd);
+    const bool isKnown = m_IsPathKnown && !isHolding && m_Scale > kWhollyOnPath && m_Lost == m_LostBefore;
     const double perTime = isKnown ? 1.0 / (m_Scale * timeStep) : 0.0;
     double steepest = 0.0;
     std::fill(m_Turning.begin(), m_Turning.end(), 0.0);
@@ -509,29 +518,32 @@ double NqControlLoop::greatestTurnableScale(NqLimitedVelocityTool& tool) {
         steepest = std::max(steepest, slope);
     }
     double scale = 1.0;
-    bool isExact = false;
-    for (unsigned j = 0; j < m_Joints && scale > 0.0; ++j) {
+    bool isFar = true; // from what the joints can do, by a simple estimate
+    for (unsigned j = 0; j < m_Joints && isFar; ++j) {
         const double path = tool.path()[j];
-        const double there = kTurning * m_Limits[j].acceleration;
-        if (!isExact && perTime * std::abs(path - m_PathBefore[j]) + steepest * std::abs(path) > there) {
-            for (unsigned i = 0; i < m_Hard.rows; ++i) {
-                m_Turning[i] += perTime * m_CommandBefore[i];
-            }
-            if (m_Lost > 0) {
-                m_Singularities.projectVelocity(m_Turning);
-            }
-            tool.findPath(m_Lost > 0 ? m_Singularities.keptVelocity() : m_Turning, m_TurningRates);
-            isExact = true;
-            j = 0;
+        isFar = perTime * std::abs(path - m_PathBefore[j]) + steepest * std::abs(path) <=
+                kTurning * m_Limits[j].acceleration;
+    }
+    if (!isFar) {
+        for (unsigned i = 0; i < m_Hard.rows; ++i) {
+            m_Turning[i] += perTime * m_CommandBefore[i];
         }
-        if (isExact) {
-            const double needed = std::abs(m_TurningRates[j] - perTime * m_PathBefore[j]);
-            scale = needed * scale * scale > there ? std::sqrt(there / needed) : scale;
+        if (m_Lost > 0) {
+            m_Singularities.projectVelocity(m_Turning);
+        }
+        tool.findPath(m_Lost > 0 ? m_Singularities.keptVelocity() : m_Turning, m_TurningRates);
+    }
+    for (unsigned j = 0; j < m_Joints && !isFar; ++j) {
+        const double needed = std::abs(m_TurningRates[j] - perTime * m_PathBefore[j]);
+        const double there = kTurning * m_Limits[j].acceleration;
+        if (needed * scale * scale > there && !(isHolding && isHeld(j))) {
+            scale = std::sqrt(there / needed);
         }
     }
     std::copy(tool.path().begin(), tool.path().end(), m_PathBefore.begin());
     std::copy(m_Hard.command.begin(), m_Hard.command.end(), m_CommandBefore.begin());
     m_LostBefore = m_Lost;
+    m_IsPathKnown = !isHolding;
     return scale;
 }
 
@@ -567,8 +579,13 @@ bool NqControlLoop::solve() {
     }
     m_Status.joints.clear();
     const double scale = outcome == Outcome::Failed || outcome == Outcome::Blocked ? 0.0 : tool->scale();
-    const double greatest =
-        outcome == Outcome::Failed ? 0.0 : std::min(greatestScale(), greatestTurnableScale(*tool));
+    double greatest = 0.0;
+    if (outcome != Outcome::Failed) {
+        const double change = greatestScaleChange();
+        greatest = std::min(
+            {1.0, m_Scale + change,
+             std::max(m_Scale - change, greatestTurnableScale(*tool, outcome != Outcome::Unlimited))});
+    }
     if (outcome == Outcome::Slowed || outcome == Outcome::Blocked) {
         noteHolds(tool->holds());
     }
@@ -739,14 +756,17 @@ void NqControlLoop::goOn() {
     m_Slowing = m_Scale = 1.0;
 }
 
+NqJointBounds::Cause NqControlLoop::causeOf(const NqBoundActiveSet::Hold& hold) const {
+    const NqJointBounds& bounds = m_Bounds[hold.unknown];
+    return hold.isUpper ? bounds.upperCause : bounds.lowerCause;
+}
+
 /// The joints that are held, and by what.
 void NqControlLoop::noteHolds(const std::vector<NqBoundActiveSet::Hold>& holds) {
     m_Status.joints.clear();
     for (const NqBoundActiveSet::Hold& hold : holds) {
         if (hold.unknown < m_Joints) {
-            const NqJointBounds& bounds = m_Bounds[hold.unknown];
-            m_Status.joints.push_back({hold.unknown, hold.isUpper ? bounds.upperCause : bounds.lowerCause,
-                                       hold.isUpper, std::abs(hold.multiplier)});
+            m_Status.joints.push_back({hold.unknown, causeOf(hold), hold.isUpper, std::abs(hold.multiplier)});
         }
     }
     std::sort(m_Status.joints.begin(), m_Status.joints.end(),

@@ -200,6 +200,7 @@ private:
     double alongWeight(NqLimitedVelocityTool& tool);
     void leavePath(double share, double along, const NqLimitedVelocityTool* tool);
     void turnTowardsPath(double along);
+    NqJointBounds::Cause causeOf(const NqBoundActiveSet::Hold& hold) const;
     void noteHolds(const std::vector<NqBoundActiveSet::Hold>& holds);
     void judge();
     void judgeLostDirection();
@@ -207,8 +208,8 @@ private:
     void goOn();
     bool isReady();
     void adviseOnRows(NqControlLoopCheck& check);
-    double greatestScale() const;
-    double greatestTurnableScale(NqLimitedVelocityTool& tool);
+    double greatestScaleChange() const;
+    double greatestTurnableScale(NqLimitedVelocityTool& tool, bool isHolding);
     double shareMade() const;
     void integrate();
     void measureVelocities();
@@ -246,6 +247,7 @@ private:
     std::vector<double> m_PathBefore;   ///< rates along the path in the last step, at its command
     std::vector<double> m_CommandBefore;
     unsigned m_LostBefore = 0;
+    bool m_IsPathKnown = false;
     unsigned m_Lost = 0; ///< directions, in the last step
     unsigned m_SolverSteps = 0;
     double m_Scale = 1.0; ///< of the commanded velocities, in the last step

@@ -13,9 +13,6 @@ namespace {
 /// follows the least error alone.
 constexpr double kWhollyOnPath = 0.1;
 constexpr double kWhollyOffPath = 0.02;
-/// Weight of the error along the path beside that across it where only the joints' accelerations are in the
-/// way: the motion then brakes rather than strays.
-constexpr double kBrakingWeight = 0.1;
 /// So many times the threshold a pivot may be and singular values still be asked for: pivots are seldom so
 /// much larger than the least singular value.
 constexpr double kPivotMargin = 10.0;
@@ -161,8 +158,7 @@ void NqControlLoop::resize() {
     m_DampedMetric.setToZeros(columns(), columns());
     m_Hard.command.resize(m_Hard.rows);
     m_NoCommand.assign(m_Hard.rows, 0.0);
-    m_Turning = m_CommandBefore = m_SlidingCommand = m_NoCommand;
-    m_SlidingRows.setToZeros(m_Hard.rows, columns());
+    m_Turning = m_CommandBefore = m_NoCommand;
     m_TurningRates = m_PathBefore = m_Sliding;
     if (m_Hard.rows <= columns()) {
         m_Tool.prepare(columns(), m_Hard.rows);
@@ -478,9 +474,9 @@ void NqControlLoop::boundRates() {
     }
 }
 
-/// How much of the commanded velocities there may be, so that after a slow stretch they don't rise faster
-/// than the end-effectors' own limits of acceleration allow.
-double NqControlLoop::greatestScale() const {
+/// By how much the share of the commanded velocities may change in a step, such that the end-effectors keep
+/// their own limits of acceleration.
+double NqControlLoop::greatestScaleChange() const {
     double rise = 1.0;
     for (const Part& part : m_Parts) {
         const Constraint& constraint = m_Constraints[part.endEffector];
@@ -490,7 +486,7 @@ double NqControlLoop::greatestScale() const {
             rise = change / speed;
         }
     }
-    return std::min(1.0, m_Scale + rise);
+    return rise;
 }
 
 /// How much of the commanded velocities there may be for the joints to follow the bends of the path and to
@@ -499,9 +495,17 @@ double NqControlLoop::greatestScale() const {
 ///     s^2 (J^+ v' - t') / (s' h)    for the bends, v' and s' being those of the step before, and
 ///     s^2 J^+ b                     for stopping:
 /// an end-effector with a speed of v and a way of d to go slows by at least b = v^2 / (2 d).
-double NqControlLoop::greatestTurnableScale(NqLimitedVelocityTool& tool) {
+/// Joints at the ends of their ranges make the others' rates quite others than t: nothing is said then.
+double NqControlLoop::greatestTurnableScale(NqLimitedVelocityTool& tool, bool isHolding) {
     const double timeStep = m_Settings.timeStep();
-    const bool isKnown = m_Scale > kWhollyOnPath && m_Lost == m_LostBefore;
+    const auto isAtEnd = [&](const NqBoundActiveSet::Hold& hold) {
+        return hold.unknown < m_Joints && causeOf(hold) == NqJointBounds::Cause::Range;
+    };
+    if (isHolding && std::any_of(tool.holds().begin(), tool.holds().end(), isAtEnd)) {
+        m_IsPathKnown = false;
+        return 1.0;
+    }
+    const bool isKnown = m_IsPathKnown && m_Scale > kWhollyOnPath && m_Lost == m_LostBefore;
     const double perTime = isKnown ? 1.0 / (m_Scale * timeStep) : 0.0;
     double steepest = 0.0;
     std::fill(m_Turning.begin(), m_Turning.end(), 0.0);
@@ -523,29 +527,32 @@ double NqControlLoop::greatestTurnableScale(NqLimitedVelocityTool& tool) {
         steepest = std::max(steepest, slope);
     }
     double scale = 1.0;
-    bool isExact = false;
-    for (unsigned j = 0; j < m_Joints && scale > 0.0; ++j) {
+    bool isFar = true; // from what the joints can do, by a simple estimate
+    for (unsigned j = 0; j < m_Joints && isFar; ++j) {
         const double path = tool.path()[j];
-        const double there = kTurning * m_Limits[j].acceleration;
-        if (!isExact && perTime * std::abs(path - m_PathBefore[j]) + steepest * std::abs(path) > there) {
-            for (unsigned i = 0; i < m_Hard.rows; ++i) {
-                m_Turning[i] += perTime * m_CommandBefore[i];
-            }
-            if (m_Lost > 0) {
-                m_Singularities.projectVelocity(m_Turning);
-            }
-            tool.findPath(m_Lost > 0 ? m_Singularities.keptVelocity() : m_Turning, m_TurningRates);
-            isExact = true;
-            j = 0;
+        isFar = perTime * std::abs(path - m_PathBefore[j]) + steepest * std::abs(path) <=
+                kTurning * m_Limits[j].acceleration;
+    }
+    if (!isFar) {
+        for (unsigned i = 0; i < m_Hard.rows; ++i) {
+            m_Turning[i] += perTime * m_CommandBefore[i];
         }
-        if (isExact) {
-            const double needed = std::abs(m_TurningRates[j] - perTime * m_PathBefore[j]);
-            scale = needed * scale * scale > there ? std::sqrt(there / needed) : scale;
+        if (m_Lost > 0) {
+            m_Singularities.projectVelocity(m_Turning);
+        }
+        tool.findPath(m_Lost > 0 ? m_Singularities.keptVelocity() : m_Turning, m_TurningRates);
+    }
+    for (unsigned j = 0; j < m_Joints && !isFar; ++j) {
+        const double needed = std::abs(m_TurningRates[j] - perTime * m_PathBefore[j]);
+        const double there = kTurning * m_Limits[j].acceleration;
+        if (needed * scale * scale > there) {
+            scale = std::sqrt(there / needed);
         }
     }
     std::copy(tool.path().begin(), tool.path().end(), m_PathBefore.begin());
     std::copy(m_Hard.command.begin(), m_Hard.command.end(), m_CommandBefore.begin());
     m_LostBefore = m_Lost;
+    m_IsPathKnown = true;
     return scale;
 }
 
@@ -581,8 +588,13 @@ void NqControlLoop::solve() {
     }
     m_Status.joints.clear();
     const double scale = outcome == Outcome::Failed || outcome == Outcome::Blocked ? 0.0 : tool->scale();
-    const double greatest =
-        outcome == Outcome::Failed ? 0.0 : std::min(greatestScale(), greatestTurnableScale(*tool));
+    double greatest = 0.0;
+    if (outcome != Outcome::Failed) {
+        const double change = greatestScaleChange();
+        greatest = std::min(
+            {1.0, m_Scale + change,
+             std::max(m_Scale - change, greatestTurnableScale(*tool, outcome != Outcome::Unlimited))});
+    }
     if (outcome == Outcome::Slowed || outcome == Outcome::Blocked) {
         noteHolds(tool->holds());
     }
@@ -597,8 +609,7 @@ void NqControlLoop::solve() {
     m_Scale = std::min(scale, greatest);
     m_Leaving = leaving;
     if (leaving > 0.0) {
-        leavePath(leaving, outcome == Outcome::Blocked ? alongWeight(*tool) : 1.0,
-                  outcome == Outcome::Failed ? nullptr : tool);
+        leavePath(leaving, outcome == Outcome::Failed ? nullptr : tool);
     }
     m_SolverSteps =
         m_Tool.steps() + (tool == &m_Tool ? 0 : tool->steps()) + (leaving > 0.0 ? m_LeastSquares.steps() : 0);
@@ -629,58 +640,16 @@ void NqControlLoop::dampLostDirections() {
     m_Singularities.projectVelocity(m_Hard.command);
 }
 
-/// After the bounds left no rates along the path: whether those of rate and range would, and only the joints
-/// can't turn so fast. The error along the path then counts little, otherwise as much as all.
-double NqControlLoop::alongWeight(NqLimitedVelocityTool& tool) {
-    for (unsigned k = 0; k < columns(); ++k) {
-        const bool isJoint = k < m_Joints;
-        const double position = isJoint ? m_Position.jointPositions()[k] : 0.0;
-        m_Wished[k] =
-            isJoint ? NqJointBounds::lowerOfPlace(m_Limits[k], position, m_Settings.timeStep()) : -kUnbounded;
-        m_Sliding[k] =
-            isJoint ? NqJointBounds::upperOfPlace(m_Limits[k], position, m_Settings.timeStep()) : kUnbounded;
-    }
-    const bool isBlocked =
-        tool.solveAgain(1.0, m_Wished, m_Sliding) == NqLimitedVelocityTool::Outcome::Blocked;
-    const double off = shareOffPath(isBlocked ? 0.0 : tool.scale());
-    return kBrakingWeight + off * (1.0 - kBrakingWeight);
-}
-
-/// The hard rows and their command, with a weight below 1 along the command.
-void NqControlLoop::turnTowardsPath(double along) {
-    const double square =
-        std::inner_product(m_Hard.command.begin(), m_Hard.command.end(), m_Hard.command.begin(), 0.0);
-    for (unsigned j = 0; j < columns(); ++j) {
-        double sum = 0.0;
-        for (unsigned i = 0; i < m_Hard.rows; ++i) {
-            sum += m_Hard.command[i] * m_Hard.jacobian[i][j];
-        }
-        const double less = square > 0.0 ? (1.0 - along) * sum / square : 0.0;
-        for (unsigned i = 0; i < m_Hard.rows; ++i) {
-            m_SlidingRows[i][j] = m_Hard.jacobian[i][j] - less * m_Hard.command[i];
-        }
-    }
-    std::transform(m_Hard.command.begin(), m_Hard.command.end(), m_SlidingCommand.begin(),
-                   [&](double velocity) { return along * velocity; });
-}
-
 /// Turns the rates, by a share, towards those of the least error or, where the path is to be kept, towards
-/// rest. Error along the path has a weight of its own.
-void NqControlLoop::leavePath(double share, double along, const NqLimitedVelocityTool* tool) {
+/// rest.
+void NqControlLoop::leavePath(double share, const NqLimitedVelocityTool* tool) {
     std::fill(m_Wished.begin(), m_Wished.end(), 0.0);
     if (tool) {
         std::copy(tool->nullSpaceRates().begin(), tool->nullSpaceRates().end(), m_Wished.begin());
     }
     const bool isHolding = m_Settings.blocked() == NqControlLoopSettings::Hold;
-    const bool isTurned = along < 1.0;
-    if (isTurned) {
-        turnTowardsPath(along);
-    }
-    m_LeastSquares.solve(isTurned ? m_SlidingRows : m_Hard.jacobian, m_Hard.rows,
-                         isHolding  ? m_NoCommand
-                         : isTurned ? m_SlidingCommand
-                                    : m_Hard.command,
-                         m_Wished, m_Weights, m_Settings.damping(), m_Lower, m_Upper, m_Sliding);
+    m_LeastSquares.solve(m_Hard.jacobian, m_Hard.rows, isHolding ? m_NoCommand : m_Hard.command, m_Wished,
+                         m_Weights, m_Settings.damping(), m_Lower, m_Upper, m_Sliding);
     if (!isHolding) {
         noteHolds(m_LeastSquares.holds());
     }
@@ -752,14 +721,17 @@ void NqControlLoop::goOn() {
     m_Slowing = m_Scale = 1.0;
 }
 
+NqJointBounds::Cause NqControlLoop::causeOf(const NqBoundActiveSet::Hold& hold) const {
+    const NqJointBounds& bounds = m_Bounds[hold.unknown];
+    return hold.isUpper ? bounds.upperCause : bounds.lowerCause;
+}
+
 /// The joints that are held, and by what.
 void NqControlLoop::noteHolds(const std::vector<NqBoundActiveSet::Hold>& holds) {
     m_Status.joints.clear();
     for (const NqBoundActiveSet::Hold& hold : holds) {
         if (hold.unknown < m_Joints) {
-            const NqJointBounds& bounds = m_Bounds[hold.unknown];
-            m_Status.joints.push_back({hold.unknown, hold.isUpper ? bounds.upperCause : bounds.lowerCause,
-                                       hold.isUpper, std::abs(hold.multiplier)});
+            m_Status.joints.push_back({hold.unknown, causeOf(hold), hold.isUpper, std::abs(hold.multiplier)});
         }
     }
     std::sort(m_Status.joints.begin(), m_Status.joints.end(),

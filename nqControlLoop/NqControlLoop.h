@@ -132,7 +132,7 @@ public:
     double leastSingularValue();
     double condition();
     /// Steps of the active sets in the last step: 0 where no limit is met, about one for each joint that is
-    /// held, and in the worst case 13 searches of NqBoundActiveSet::maxSteps() each. A search that is cut off
+    /// held, and in the worst case 10 searches of NqBoundActiveSet::maxSteps() each. A search that is cut off
     /// there is treated as a way that is blocked, and status().isCapped says so.
     unsigned solverSteps() const { return m_SolverSteps; }
 
@@ -198,9 +198,8 @@ private:
     void solve();
     bool staysFinite() const;
     void dampLostDirections();
-    double alongWeight(NqLimitedVelocityTool& tool);
-    void leavePath(double share, double along, const NqLimitedVelocityTool* tool);
-    void turnTowardsPath(double along);
+    void leavePath(double share, const NqLimitedVelocityTool* tool);
+    NqJointBounds::Cause causeOf(const NqBoundActiveSet::Hold& hold) const;
     void noteHolds(const std::vector<NqBoundActiveSet::Hold>& holds);
     void judge();
     void judgeLostDirection();
@@ -208,8 +207,8 @@ private:
     void goOn();
     bool isReady();
     void adviseOnRows(NqControlLoopCheck& check);
-    double greatestScale() const;
-    double greatestTurnableScale(NqLimitedVelocityTool& tool);
+    double greatestScaleChange() const;
+    double greatestTurnableScale(NqLimitedVelocityTool& tool, bool isHolding);
     double shareMade() const;
     void integrate();
     void measureVelocities();
@@ -239,14 +238,13 @@ private:
     std::vector<double> m_Upper;
     std::vector<double> m_Wished;
     std::vector<double> m_Sliding; ///< rates that leave the path
-    NqReArray m_SlidingRows;       ///< the hard rows, with less weight along the path
-    std::vector<double> m_SlidingCommand;
     std::vector<double> m_NoCommand;
     std::vector<double> m_Turning;      ///< of the hard rows: velocities that ask for accelerations
     std::vector<double> m_TurningRates; ///< and what they ask of the joints
     std::vector<double> m_PathBefore;   ///< rates along the path in the last step, at its command
     std::vector<double> m_CommandBefore;
     unsigned m_LostBefore = 0;
+    bool m_IsPathKnown = false;
     unsigned m_Lost = 0; ///< directions, in the last step
     unsigned m_SolverSteps = 0;
     double m_Scale = 1.0; ///< of the commanded velocities, in the last step

@@ -1,5 +1,6 @@
 #include <nqControlLoop/NqTargetForm.h>
 
+#include <nqControlCore/endeffector/NqEndEffectorTypes.h>
 #include <nqControlCore/endeffector/NqFrameBasedEndEffector.h>
 #include <nqControlCore/endeffector/NqPointBasedEndEffector.h>
 #include <nqControlCore/endeffector/NqPointDistanceEndEffector.h>
@@ -39,7 +40,7 @@ struct Line {
     Type type;
 };
 
-/// The one table of all types.
+/// The one table of types; what others take is guessed.
 const std::vector<Line>& lines() {
     using namespace NqControlCore;
     constexpr auto number = [](std::string_view unit, double least = -kUnlimited,
@@ -128,11 +129,22 @@ NqTargetType NqTargetType::of(const NqEndEffector& endEffector) {
 std::string NqTargetType::names(NqTargetForm::Content content) {
     constexpr std::string_view ending = "EndEffector";
     std::string names;
+    const auto add = [&](const NqToken& token) {
+        const std::string_view name = token.localName();
+        names.append(names.empty() ? "" : ", ").append(name.substr(0, name.size() - ending.size()));
+    };
     for (const Line& line : lines()) {
         if (line.type.content == content) {
-            const std::string_view name = line.token.localName();
-            names.append(names.empty() ? "" : ", ").append(name.substr(0, name.size() - ending.size()));
+            add(line.token);
         }
     }
+    NqEndEffectorTypes::forEach([&]<typename EndEffector>() {
+        const NqToken& token = EndEffector::classToken();
+        const bool hasLine =
+            std::ranges::any_of(lines(), [&](const Line& line) { return line.token == token; });
+        if (!hasLine && guessed(EndEffector()).content == content) {
+            add(token);
+        }
+    });
     return names;
 }

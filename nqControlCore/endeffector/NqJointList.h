@@ -20,8 +20,6 @@ public:
     bool isEmpty() const { return m_Joints.empty(); }
     std::size_t size() const { return m_Joints.size(); }
     const Joint& operator[](std::size_t position) const { return m_Joints[position]; }
-    auto begin() const { return m_Joints.begin(); }
-    auto end() const { return m_Joints.end(); }
 
     void clear() { m_Joints.clear(); }
 

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr double kLeastFreedom = 1.0e-14;
+constexpr double kLeastShare = 1.0e-14;
 
 } // namespace
 
@@ -57,7 +57,7 @@ bool NqBoundedLeastSquares::solve(const NqReArray& jacobian, unsigned rows,
         NqCholesky::solve(m_Factor, n, rates);
         Response response(m_Factor);
         m_Bounds.forgetResponse();
-        const auto outcome = m_Bounds.solve(response, lower, upper, m_Freedom, kLeastFreedom, rates);
+        const auto outcome = m_Bounds.solve(response, lower, upper, m_Freedom, kLeastShare, rates);
         m_IsCapped = outcome == NqBoundActiveSet::Outcome::Capped;
         isSolved = outcome == NqBoundActiveSet::Outcome::Solved;
     }

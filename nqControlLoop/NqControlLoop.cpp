@@ -646,8 +646,9 @@ void NqControlLoop::dampLostDirections() {
     m_Singularities.projectVelocity(m_Hard.command);
 }
 
-/// After the bounds left no rates along the path: whether those of rate and range would, and only the joints
-/// can't turn so fast. The error along the path then counts little, otherwise as much as all.
+/// After the bounds left no rates along the path: whether those of rate would, away from the ends of ranges,
+/// and only the joints can't turn so fast. The error along the path then counts little, otherwise as much as
+/// all.
 double NqControlLoop::alongWeight(NqLimitedVelocityTool& tool) {
     for (unsigned k = 0; k < columns(); ++k) {
         const bool isJoint = k < m_Joints;
@@ -659,6 +660,12 @@ double NqControlLoop::alongWeight(NqLimitedVelocityTool& tool) {
     }
     const bool isBlocked =
         tool.solveAgain(1.0, m_Wished, m_Sliding) == NqLimitedVelocityTool::Outcome::Blocked;
+    for (const NqBoundActiveSet::Hold& hold : tool.holds()) {
+        const double bound = hold.isUpper ? m_Sliding[hold.unknown] : -m_Wished[hold.unknown];
+        if (hold.unknown < m_Joints && bound < m_Limits[hold.unknown].rate) {
+            return 1.0;
+        }
+    }
     const double off = shareOffPath(isBlocked ? 0.0 : tool.scale());
     return kBrakingWeight + off * (1.0 - kBrakingWeight);
 }

@@ -13,6 +13,9 @@ namespace {
 /// follows the least error alone.
 constexpr double kWhollyOnPath = 0.1;
 constexpr double kWhollyOffPath = 0.02;
+/// Weight of the error along the path beside that across it where only the joints' accelerations are in the
+/// way: the motion then brakes rather than strays.
+constexpr double kBrakingWeight = 0.1;
 /// So many times the threshold a pivot may be and singular values still be asked for: pivots are seldom so
 /// much larger than the least singular value.
 constexpr double kPivotMargin = 10.0;
@@ -158,7 +161,8 @@ void NqControlLoop::resize() {
     m_DampedMetric.setToZeros(columns(), columns());
     m_Hard.command.resize(m_Hard.rows);
     m_NoCommand.assign(m_Hard.rows, 0.0);
-    m_Turning = m_CommandBefore = m_NoCommand;
+    m_Turning = m_CommandBefore = m_SlidingCommand = m_NoCommand;
+    m_SlidingRows.setToZeros(m_Hard.rows, columns());
     m_TurningRates = m_PathBefore = m_Sliding;
     if (m_Hard.rows <= columns()) {
         m_Tool.prepare(columns(), m_Hard.rows);
@@ -495,17 +499,18 @@ double NqControlLoop::greatestScaleChange() const {
 ///     s^2 (J^+ v' - t') / (s' h)    for the bends, v' and s' being those of the step before, and
 ///     s^2 J^+ b                     for stopping:
 /// an end-effector with a speed of v and a way of d to go slows by at least b = v^2 / (2 d).
-/// Joints at the ends of their ranges make the others' rates quite others than t: nothing is said then.
+/// Joints that are held make the others' rates others than t: then only stopping counts, and they don't.
 double NqControlLoop::greatestTurnableScale(NqLimitedVelocityTool& tool, bool isHolding) {
     const double timeStep = m_Settings.timeStep();
     const auto isAtEnd = [&](const NqBoundActiveSet::Hold& hold) {
-        return hold.unknown < m_Joints && causeOf(hold) == NqJointBounds::Cause::Range;
+        return hold.unknown < m_Joints && causeOf(hold) != NqJointBounds::Cause::Acceleration;
     };
-    if (isHolding && std::any_of(tool.holds().begin(), tool.holds().end(), isAtEnd)) {
-        m_IsPathKnown = false;
-        return 1.0;
-    }
-    const bool isKnown = m_IsPathKnown && m_Scale > kWhollyOnPath && m_Lost == m_LostBefore;
+    const auto isHeld = [&](unsigned j) {
+        return std::any_of(tool.holds().begin(), tool.holds().end(),
+                           [&](const auto& hold) { return hold.unknown == j && isAtEnd(hold); });
+    };
+    isHolding = isHolding && std::any_of(tool.holds().begin(), tool.holds().end(), isAtEnd);
+    const bool isKnown = m_IsPathKnown && !isHolding && m_Scale > kWhollyOnPath && m_Lost == m_LostBefore;
     const double perTime = isKnown ? 1.0 / (m_Scale * timeStep) : 0.0;
     double steepest = 0.0;
     std::fill(m_Turning.begin(), m_Turning.end(), 0.0);
@@ -545,14 +550,14 @@ double NqControlLoop::greatestTurnableScale(NqLimitedVelocityTool& tool, bool is
     for (unsigned j = 0; j < m_Joints && !isFar; ++j) {
         const double needed = std::abs(m_TurningRates[j] - perTime * m_PathBefore[j]);
         const double there = kTurning * m_Limits[j].acceleration;
-        if (needed * scale * scale > there) {
+        if (needed * scale * scale > there && !(isHolding && isHeld(j))) {
             scale = std::sqrt(there / needed);
         }
     }
     std::copy(tool.path().begin(), tool.path().end(), m_PathBefore.begin());
     std::copy(m_Hard.command.begin(), m_Hard.command.end(), m_CommandBefore.begin());
     m_LostBefore = m_Lost;
-    m_IsPathKnown = true;
+    m_IsPathKnown = !isHolding;
     return scale;
 }
 
@@ -609,7 +614,8 @@ void NqControlLoop::solve() {
     m_Scale = std::min(scale, greatest);
     m_Leaving = leaving;
     if (leaving > 0.0) {
-        leavePath(leaving, outcome == Outcome::Failed ? nullptr : tool);
+        leavePath(leaving, outcome == Outcome::Blocked ? alongWeight(*tool) : 1.0,
+                  outcome == Outcome::Failed ? nullptr : tool);
     }
     m_SolverSteps =
         m_Tool.steps() + (tool == &m_Tool ? 0 : tool->steps()) + (leaving > 0.0 ? m_LeastSquares.steps() : 0);
@@ -640,16 +646,65 @@ void NqControlLoop::dampLostDirections() {
     m_Singularities.projectVelocity(m_Hard.command);
 }
 
+/// After the bounds left no rates along the path: whether those of rate would, away from the ends of ranges,
+/// and only the joints can't turn so fast. The error along the path then counts little, otherwise as much as
+/// all.
+double NqControlLoop::alongWeight(NqLimitedVelocityTool& tool) {
+    for (unsigned k = 0; k < columns(); ++k) {
+        const bool isJoint = k < m_Joints;
+        const double position = isJoint ? m_Position.jointPositions()[k] : 0.0;
+        m_Wished[k] =
+            isJoint ? NqJointBounds::lowerOfPlace(m_Limits[k], position, m_Settings.timeStep()) : -kUnbounded;
+        m_Sliding[k] =
+            isJoint ? NqJointBounds::upperOfPlace(m_Limits[k], position, m_Settings.timeStep()) : kUnbounded;
+    }
+    const bool isBlocked =
+        tool.solveAgain(1.0, m_Wished, m_Sliding) == NqLimitedVelocityTool::Outcome::Blocked;
+    for (const NqBoundActiveSet::Hold& hold : tool.holds()) {
+        const double bound = hold.isUpper ? m_Sliding[hold.unknown] : -m_Wished[hold.unknown];
+        if (hold.unknown < m_Joints && bound < m_Limits[hold.unknown].rate) {
+            return 1.0;
+        }
+    }
+    const double off = shareOffPath(isBlocked ? 0.0 : tool.scale());
+    return kBrakingWeight + off * (1.0 - kBrakingWeight);
+}
+
+/// The hard rows and their command, with a weight below 1 along the command.
+void NqControlLoop::turnTowardsPath(double along) {
+    const double square =
+        std::inner_product(m_Hard.command.begin(), m_Hard.command.end(), m_Hard.command.begin(), 0.0);
+    for (unsigned j = 0; j < columns(); ++j) {
+        double sum = 0.0;
+        for (unsigned i = 0; i < m_Hard.rows; ++i) {
+            sum += m_Hard.command[i] * m_Hard.jacobian[i][j];
+        }
+        const double less = square > 0.0 ? (1.0 - along) * sum / square : 0.0;
+        for (unsigned i = 0; i < m_Hard.rows; ++i) {
+            m_SlidingRows[i][j] = m_Hard.jacobian[i][j] - less * m_Hard.command[i];
+        }
+    }
+    std::transform(m_Hard.command.begin(), m_Hard.command.end(), m_SlidingCommand.begin(),
+                   [&](double velocity) { return along * velocity; });
+}
+
 /// Turns the rates, by a share, towards those of the least error or, where the path is to be kept, towards
-/// rest.
-void NqControlLoop::leavePath(double share, const NqLimitedVelocityTool* tool) {
+/// rest. Error along the path has a weight of its own.
+void NqControlLoop::leavePath(double share, double along, const NqLimitedVelocityTool* tool) {
     std::fill(m_Wished.begin(), m_Wished.end(), 0.0);
     if (tool) {
         std::copy(tool->nullSpaceRates().begin(), tool->nullSpaceRates().end(), m_Wished.begin());
     }
     const bool isHolding = m_Settings.blocked() == NqControlLoopSettings::Hold;
-    m_LeastSquares.solve(m_Hard.jacobian, m_Hard.rows, isHolding ? m_NoCommand : m_Hard.command, m_Wished,
-                         m_Weights, m_Settings.damping(), m_Lower, m_Upper, m_Sliding);
+    const bool isTurned = along < 1.0;
+    if (isTurned) {
+        turnTowardsPath(along);
+    }
+    m_LeastSquares.solve(isTurned ? m_SlidingRows : m_Hard.jacobian, m_Hard.rows,
+                         isHolding  ? m_NoCommand
+                         : isTurned ? m_SlidingCommand
+                                    : m_Hard.command,
+                         m_Wished, m_Weights, m_Settings.damping(), m_Lower, m_Upper, m_Sliding);
     if (!isHolding) {
         noteHolds(m_LeastSquares.holds());
     }

@@ -132,7 +132,7 @@ public:
     double leastSingularValue();
     double condition();
     /// Steps of the active sets in the last step: 0 where no limit is met, about one for each joint that is
-    /// held, and in the worst case 10 searches of NqBoundActiveSet::maxSteps() each. A search that is cut off
+    /// held, and in the worst case 13 searches of NqBoundActiveSet::maxSteps() each. A search that is cut off
     /// there is treated as a way that is blocked, and status().isCapped says so.
     unsigned solverSteps() const { return m_SolverSteps; }
 
@@ -198,7 +198,9 @@ private:
     void solve();
     bool staysFinite() const;
     void dampLostDirections();
-    void leavePath(double share, const NqLimitedVelocityTool* tool);
+    double alongWeight(NqLimitedVelocityTool& tool);
+    void leavePath(double share, double along, const NqLimitedVelocityTool* tool);
+    void turnTowardsPath(double along);
     NqJointBounds::Cause causeOf(const NqBoundActiveSet::Hold& hold) const;
     void noteHolds(const std::vector<NqBoundActiveSet::Hold>& holds);
     void judge();
@@ -238,6 +240,8 @@ private:
     std::vector<double> m_Upper;
     std::vector<double> m_Wished;
     std::vector<double> m_Sliding; ///< rates that leave the path
+    NqReArray m_SlidingRows;       ///< the hard rows, with less weight along the path
+    std::vector<double> m_SlidingCommand;
     std::vector<double> m_NoCommand;
     std::vector<double> m_Turning;      ///< of the hard rows: velocities that ask for accelerations
     std::vector<double> m_TurningRates; ///< and what they ask of the joints

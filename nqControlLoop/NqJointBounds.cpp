@@ -47,6 +47,16 @@ double NqJointBounds::greatestViable(double room, double acceleration, double ti
     return std::isfinite(greatest) ? greatest : room / timeStep;
 }
 
+double NqJointBounds::lowerOfPlace(const Limits& limits, double position, double timeStep) {
+    return -upperOfPlace({-limits.upper, -limits.lower, limits.rate, limits.acceleration, limits.approach},
+                         -position, timeStep);
+}
+
+double NqJointBounds::upperOfPlace(const Limits& limits, double position, double timeStep) {
+    const double room = std::max(limits.upper - position, 0.0);
+    return std::min(limits.rate, room * std::min(limits.approach, 1.0 / timeStep));
+}
+
 NqJointBounds::NqJointBounds(const Limits& limits, double position, double rate, double timeStep) {
     const Side up =
         upperSide(limits.upper - position, limits.rate, limits.acceleration, limits.approach, rate, timeStep);

@@ -30,6 +30,10 @@ struct NqJointBounds {
 
     NqJointBounds(const Limits& limits, double position, double rate, double timeStep);
 
+    /// The bounds from limits of rate and range alone.
+    static double lowerOfPlace(const Limits& limits, double position, double timeStep);
+    static double upperOfPlace(const Limits& limits, double position, double timeStep);
+
     /// The greatest rate at which a joint can still stop within `room`, slowing by `acceleration`.
     static double greatestViable(double room, double acceleration, double timeStep);
 };

@@ -19,7 +19,10 @@ endfunction()
 nqInstallLibraries(nqControlCoreTargets nqFoundation nqControlCore nqControlLoop)
 
 # Headers keep the folders that they are included by. Those that only sources include stay here.
-set(nqLeftOut PATTERN NqRowOperations.h EXCLUDE PATTERN NqXmlInputGuard.h EXCLUDE)
+set(nqLeftOut "")
+foreach(header NqCholesky NqRowMask NqRowOperations NqSparseSystem NqXmlInputGuard)
+    list(APPEND nqLeftOut PATTERN ${header}.h EXCLUDE)
+endforeach()
 if(NQ_BUILD_URDF)
     # An export of its own, so that only those who ask for it need urdfdom.
     nqInstallLibraries(nqUrdfTargets nqUrdf)

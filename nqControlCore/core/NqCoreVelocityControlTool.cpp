@@ -627,8 +627,14 @@ bool NqCoreVelocityControlTool::calc(const NqReArray& factoredMatrix,
     if (isOfBoth && *m_Both != Both::No && &factoredMatrix == &m_PrimaryMatrix && &indices == &m_Indices) {
         if (*m_Both == Both::Given) {
             pairUp();
-            if (!*m_PassOverZeros || !substituteNonZeros(factoredMatrix, n, m_Pairs->data())) {
-                pairUp();
+            bool isSolved = false;
+            if (*m_PassOverZeros) {
+                isSolved = substituteNonZeros(factoredMatrix, n, m_Pairs->data());
+                if (!isSolved) {
+                    pairUp(); // to begin once more
+                }
+            }
+            if (!isSolved) {
                 substituteForward(factoredMatrix, n, m_Pairs->data());
                 substituteBackward(factoredMatrix, n, m_Pairs->data());
             }

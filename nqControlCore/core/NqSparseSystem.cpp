@@ -21,6 +21,8 @@ constexpr unsigned kLeastColumns = 12;
 constexpr unsigned kCost = 4;
 /// A full metric with more weights than so many for each joint leaves too few zeros.
 constexpr unsigned kWeights = 4;
+/// What takes the place of a weight where there is no metric.
+constexpr double kWeightless = 1.0;
 
 typedef double Group __attribute__((vector_size(4 * sizeof(double))));
 
@@ -254,10 +256,9 @@ NQ_WIDE_ROWS bool NqSparseSystem::findWeights(const NqReArray* metric) {
     bool isFinite = true;
     for (unsigned j = 0; j < m_N; ++j) {
         const std::size_t length = j < rows && metric ? (*metric)[j].size() : 0;
-        m_Weights[j] = length > 0 ? (*metric)[j].data() : nullptr;
-        m_WeightsFilled[j] = !metric ? bit(j) : 0;
+        m_Weights[j] = !metric ? &kWeightless : length > 0 ? (*metric)[j].data() : nullptr;
+        m_WeightsFilled[j] = 0;
         if (length > 0 && columns == 1) {
-            m_WeightsFilled[j] = bit(j);
             isFinite = isFinite && std::isfinite(m_Weights[j][0]);
         } else if (length > 0) {
             const auto end = static_cast<unsigned>(std::min<std::size_t>(std::min(m_N, columns), length));
@@ -282,7 +283,7 @@ NQ_WIDE_ROWS void NqSparseSystem::weightBasis(const NqReArray& nullSpace, NqReAr
         double* const weighted = weightedNullSpace[j].data();
         Mask filled = 0;
         if (m_IsDiagonal) {
-            const double weight = m_Weights[j] ? m_Weights[j][0] : m_WeightsFilled[j] != 0 ? 1.0 : 0.0;
+            const double weight = m_Weights[j] ? *m_Weights[j] : 0.0;
             const double* const basis = nullSpace[j].data();
             for (unsigned i = 0; i < dimension; ++i) {
                 weighted[i] = basis[i] * weight;

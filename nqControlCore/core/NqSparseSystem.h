@@ -55,10 +55,10 @@ private:
     Mask m_Settled = 0;                ///< columns of pivots; the place of each is its step
     std::vector<double> m_Multipliers; ///< row behind row, by rising steps
     double* m_NextMultiplier = nullptr;
-    std::vector<double> m_Jacobian;      ///< what isn't zero in J, and where it is
     ForEachRow<const double*> m_Weights; ///< of each joint: one, or those of a row of the metric
-    ForEachRow<Mask> m_WeightsFilled;
+    ForEachRow<Mask> m_WeightsFilled;    ///< of a full metric
     bool m_IsDiagonal = true;
-    ForEachRow<Mask> m_JacobianFilled{};
-    bool m_IsWorthIt = false; ///< with these zeros
+    std::vector<double> m_Jacobian;      ///< what isn't zero in J, row behind row,
+    ForEachRow<Mask> m_JacobianFilled{}; ///< and where it is
+    bool m_IsWorthIt = false;            ///< with these zeros
 };

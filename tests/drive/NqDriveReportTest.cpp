@@ -21,7 +21,6 @@ bool isWellFormed(const std::string& text) {
     return document != nullptr;
 }
 
-/// Names that would break a page or a table if they went in as they are, on a lift and an endless joint.
 /// A robot that floats reaches out without momentum: its base gives way, its centre of mass stays.
 TEST(NqDriveReport, TellsOfABaseThatFloats) {
     NqDriveOptions options;
@@ -63,6 +62,7 @@ TEST(NqDriveReport, TellsOfABaseThatFloats) {
     EXPECT_NE(task.complaint().find("can't be used with a free base"), std::string::npos) << task.complaint();
 }
 
+/// Names that would break a page or a table if they went in as they are, on a lift and an endless joint.
 TEST(NqDriveReport, SurvivesHostileNamesAndEndlessJoints) {
     const std::string robot = testing::TempDir() + "hostile.urdf";
     const std::string effectors = testing::TempDir() + "hostile.xml";

@@ -20,7 +20,7 @@ nqInstallLibraries(nqControlCoreTargets nqFoundation nqControlCore nqControlLoop
 
 # Headers keep the folders that they are included by. Those that only sources include stay here.
 set(nqLeftOut "")
-foreach(header NqCholesky NqRowMask NqRowOperations NqSparseSystem NqXmlInputGuard)
+foreach(header NqCholesky NqRowMask NqRowOperations NqSmallSystem NqSparseSystem NqXmlInputGuard)
     list(APPEND nqLeftOut PATTERN ${header}.h EXCLUDE)
 endforeach()
 if(NQ_BUILD_URDF)

@@ -1,5 +1,6 @@
 #include <nqControlCore/core/NqCoreVelocityControlTool.h>
 
+#include <nqControlCore/core/NqSmallSystem.h>
 #include <nqControlCore/core/NqSparseSystem.h>
 #include <nqControlCore/foundation/manipulator/NqJacobianState.h>
 #include <nqControlCore/foundation/matrix/NqRowMask.h>
@@ -54,6 +55,14 @@ void swapColumns(NqReArray& matrix, unsigned first, unsigned second, unsigned ro
 /// target[i] += sum over k of factors[k] rows[k][i], in rising k.
 NQ_WIDE_ROWS void addRows(const NqReArray& rows, const double* factors, unsigned count, double* target,
                           std::size_t length) {
+    if (length < PanelWidth) {
+        for (std::size_t i = 0; i < length; ++i) {
+            for (unsigned k = 0; k < count; ++k) {
+                target[i] += factors[k] * rows[k][i];
+            }
+        }
+        return;
+    }
     for (unsigned k = 0; k < count; k += PanelWidth) {
         const double* panel[PanelWidth];
         const unsigned width = std::min(PanelWidth, count - k);
@@ -321,11 +330,11 @@ bool NqCoreVelocityControlTool::calcJointRates(NqJacobianState* jacobianState, c
         return reportVector();
     }
     resize();
-    for (unsigned i = 0; i < m_M; ++i) {
-        m_PrimaryMatrix[i] = jacobian[i];
-    }
-    for (unsigned i = m_M; i < m_N; ++i) {
+    for (unsigned i = 0; i < m_N; ++i) {
         m_PrimaryMatrix[i].resize(m_N); // one from outside may be ragged
+        if (i < m_M) {
+            NqRowOperations::copy(m_PrimaryMatrix[i].data(), jacobian[i].data(), m_N);
+        }
     }
     if (!prep(jacobianState, m_PrimaryMatrix, m_Indices, m_M, m_WeightFlag ? 1u : 0u, metric, m_NullSpace,
               m_WeightedNullSpace)) {
@@ -484,6 +493,12 @@ bool NqCoreVelocityControlTool::prep(NqJacobianState* jacobianState, NqReArray& 
             return true;
         }
     }
+    if (m != 0 && n <= NqSmallSystem::Places && hasShape(primaryMatrix, n, n) &&
+        hasShape(nullSpace, n, n - m) && hasShape(weightedNullSpace, n, n - m) &&
+        NqSmallSystem::factor(primaryMatrix, indices, m, weightFlag == 1 ? &metric : nullptr, nullSpace,
+                              weightedNullSpace)) {
+        return true;
+    }
     if (m == 0) {
         nullSpace.setToIdentity(n, n);
         std::iota(indices.begin(), indices.end(), 0u);
@@ -634,7 +649,9 @@ bool NqCoreVelocityControlTool::calc(const NqReArray& factoredMatrix,
                     pairUp(); // to begin once more
                 }
             }
-            if (!isSolved) {
+            if (!isSolved && n != 0 && n <= NqSmallSystem::Places) {
+                NqSmallSystem::substitute(factoredMatrix, m_Pairs->data());
+            } else if (!isSolved) {
                 substituteForward(factoredMatrix, n, m_Pairs->data());
                 substituteBackward(factoredMatrix, n, m_Pairs->data());
             }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstring>
 #include <utility>
 
 /// Marks a function whose row operations are worth the widest vectors that the machine has: it is compiled
@@ -22,6 +23,38 @@ namespace NqRowOperations {
 
 /// How many pivot rows are worked through together.
 inline constexpr unsigned PanelWidth = 4;
+
+/// to[j] = from[j], of rows that are mostly too short for a call. A copy of a copy finds the pieces that were
+/// written, for which it doesn't have to wait.
+inline void copy(double* to, const double* from, std::size_t count) {
+    constexpr std::size_t kWhole = PanelWidth * sizeof(double);
+    if (count > 2 * PanelWidth) {
+        std::memcpy(to, from, count * sizeof(double));
+        return;
+    }
+    if (count >= PanelWidth) {
+        std::memcpy(to, from, kWhole);
+        to += PanelWidth;
+        from += PanelWidth;
+        count -= PanelWidth;
+    }
+    switch (count) {
+    case 4:
+        std::memcpy(to, from, kWhole);
+        break;
+    case 3:
+        to[2] = from[2];
+        [[fallthrough]];
+    case 2:
+        std::memcpy(to, from, kWhole / 2);
+        break;
+    case 1:
+        *to = *from;
+        break;
+    default:
+        break;
+    }
+}
 
 /// y[j] += factor x[j].
 inline void addMultiple(double* __restrict y, double factor, const double* __restrict x, std::size_t count) {

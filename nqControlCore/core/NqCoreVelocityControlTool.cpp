@@ -3,17 +3,17 @@
 #include <nqControlCore/core/NqSmallSystem.h>
 #include <nqControlCore/core/NqSparseSystem.h>
 #include <nqControlCore/foundation/manipulator/NqJacobianState.h>
-#include <nqControlCore/foundation/matrix/NqRowMask.h>
 #include <nqControlCore/foundation/matrix/NqRowOperations.h>
 #include <nqControlCore/foundation/text/NqPrint.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <numeric>
 
+using NqRowOperations::load;
 using NqRowOperations::Panel;
 using NqRowOperations::PanelWidth;
+using NqRowOperations::store;
 
 namespace {
 
@@ -151,24 +151,6 @@ unsigned choosePivot(const std::vector<double>& row, unsigned begin, unsigned en
                     : NqRowOperations::firstLargest(row.data(), begin, end, kept);
 }
 
-/// Two numbers that go through the same operations side by side.
-typedef double Lanes __attribute__((vector_size(2 * sizeof(double))));
-
-double load(double x) {
-    return x;
-}
-Lanes load(const std::array<double, 2>& x) {
-    Lanes lanes;
-    std::memcpy(&lanes, &x, sizeof lanes);
-    return lanes;
-}
-void store(double& x, double value) {
-    x = value;
-}
-void store(std::array<double, 2>& x, Lanes value) {
-    std::memcpy(&x, &value, sizeof value);
-}
-
 /// Solves with L, unit lower triangular, for a right-hand side of numbers in x, or for two of them side by
 /// side. The sums of a few rows are independent up to these rows themselves, and go abreast.
 template <typename Number>
@@ -219,32 +201,6 @@ void substituteBackward(const NqReArray& factors, unsigned n, Number* x) {
             store(x[i], sum / row[i]);
         }
     }
-}
-
-/// Both for factors that are mostly zeros, of at most as many columns as a mask has places. False
-/// where the result has an infinity or a NaN, which zeros would have spread.
-NQ_WIDE_ROWS bool substituteNonZeros(const NqReArray& factors, unsigned n, std::array<double, 2>* x) {
-    NqRowMask::Mask filled[NqRowMask::Places];
-    for (unsigned i = 0; i < n; ++i) {
-        const double* const row = factors[i].data();
-        filled[i] = NqRowMask::filled(row, n);
-        auto sum = load(x[i]);
-        NqRowMask::forEach(filled[i] & (NqRowMask::bit(i) - 1),
-                           [&](unsigned j) { sum -= load(x[j]) * row[j]; });
-        store(x[i], sum);
-    }
-    bool isFinite = true;
-    for (unsigned i = n; i-- > 0;) {
-        const double* const row = factors[i].data();
-        auto sum = load(x[i]);
-        NqRowMask::forEach(filled[i] & ~(NqRowMask::bit(i) - 1) & ~NqRowMask::bit(i),
-                           [&](unsigned j) { sum -= load(x[j]) * row[j]; });
-        if (row[i] != 0.0) {
-            store(x[i], sum / row[i]);
-        }
-        isFinite = isFinite && std::isfinite(x[i][0]) && std::isfinite(x[i][1]);
-    }
-    return isFinite;
 }
 
 /// Undoes the column interchanges of a solution, and gives the determinant.
@@ -644,7 +600,7 @@ bool NqCoreVelocityControlTool::calc(const NqReArray& factoredMatrix,
             pairUp();
             bool isSolved = false;
             if (*m_PassOverZeros) {
-                isSolved = substituteNonZeros(factoredMatrix, n, m_Pairs->data());
+                isSolved = (*m_SparseSystem)->substitute(factoredMatrix, m_Pairs->data());
                 if (!isSolved) {
                     pairUp(); // to begin once more
                 }

@@ -11,6 +11,7 @@
 
 namespace {
 
+using NqRowOperations::Pair;
 using NqSmallSystem::Places;
 
 /// Half a row goes through an operation as a whole.
@@ -231,14 +232,12 @@ inline void System::giveIndices(std::vector<unsigned int>& indices) const {
     }
 }
 
-typedef double Lanes __attribute__((vector_size(2 * sizeof(double))));
-
 template <unsigned N>
 void substituteBoth(const NqReArray& factors, std::array<double, 2>* solution) {
-    Lanes x[N];
+    Pair x[N];
     const double* rows[N];
     for (unsigned i = 0; i < N; ++i) {
-        x[i] = Lanes{solution[i][0], solution[i][1]};
+        x[i] = NqRowOperations::load(solution[i]);
         rows[i] = factors[i].data();
     }
     for (unsigned i = 1; i < N; ++i) {
@@ -247,7 +246,7 @@ void substituteBoth(const NqReArray& factors, std::array<double, 2>* solution) {
         }
     }
     for (unsigned i = N; i-- > 0;) {
-        Lanes sum = x[i];
+        Pair sum = x[i];
         for (unsigned j = i + 1; j < N; ++j) {
             sum -= x[j] * rows[i][j];
         }

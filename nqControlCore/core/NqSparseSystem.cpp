@@ -14,6 +14,9 @@ namespace {
 
 using NqRowMask::bit;
 using NqRowMask::Mask;
+using NqRowOperations::load;
+using NqRowOperations::Pair;
+using NqRowOperations::store;
 
 /// What has fewer columns is solved before its zeros are found.
 constexpr unsigned kLeastColumns = 12;
@@ -66,7 +69,7 @@ bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indice
         m_M = m;
         m_Jacobian.reserve(m_M * m_N);
         m_Multipliers.resize(m_N * m_N / 2);
-        m_JacobianFilled.fill(0);
+        m_Reached.fill(0);
         m_IsWorthIt = false;
     }
     if (m_N < kLeastColumns || m_N > NqRowMask::Places || !findZeros(matrix) || !findWeights(metric)) {
@@ -93,26 +96,30 @@ bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indice
     return true;
 }
 
-/// Finds the zeros of J, and keeps the rest of it. False where there are too few of them.
+/// Finds the zeros of J, and keeps the rest of it. False where there are too few of them; that is judged
+/// anew when it may have changed.
 NQ_WIDE_ROWS bool NqSparseSystem::findZeros(const NqReArray& matrix) {
-    bool isKnown = true;
+    Mask news = 0, changes = 0;
     unsigned count = 0;
     for (unsigned r = 0; r < m_M; ++r) {
         m_Filled[r] = NqRowMask::filled(matrix[r].data(), m_N);
-        isKnown = isKnown && m_Filled[r] == m_JacobianFilled[r];
+        news |= m_Filled[r] & ~m_Reached[r];
+        changes |= m_Filled[r] ^ m_Reached[r];
         count += static_cast<unsigned>(std::popcount(m_Filled[r]));
     }
-    if (!isKnown) {
-        std::copy_n(m_Filled.begin(), m_M, m_JacobianFilled.begin());
+    if (m_IsWorthIt ? news != 0 : changes != 0) {
+        m_Reached = m_Filled;
         m_IsWorthIt = fillsFew();
     }
     if (!m_IsWorthIt) {
         return false;
     }
+    m_JacobianFilled = m_Filled;
     m_Jacobian.resize(count);
     double* saved = m_Jacobian.data();
     for (unsigned r = 0; r < m_M; ++r) {
-        NqRowMask::forEach(m_Filled[r], [&](unsigned column) { *saved++ = matrix[r][column]; });
+        const double* const row = matrix[r].data();
+        NqRowMask::forEach(m_Filled[r], [&](unsigned column) { *saved++ = row[column]; });
     }
     return true;
 }
@@ -123,7 +130,7 @@ bool NqSparseSystem::fillsFew() const {
     ForEachRow<Mask> reach;
     unsigned work = 0;
     for (unsigned r = 0; r < m_M; ++r) {
-        reach[r] = m_Filled[r];
+        reach[r] = m_Reached[r];
         for (unsigned k = r; k-- > 0;) {
             reach[r] |= (reach[k] & reach[r]) != 0 ? reach[k] : 0;
         }
@@ -311,8 +318,33 @@ NQ_WIDE_ROWS void NqSparseSystem::permuteRows() {
         double values[NqRowMask::Places];
         NqRowMask::forEach(m_Filled[r],
                            [&](unsigned column) { values[column] = std::exchange(row[column], 0.0); });
-        NqRowMask::forEach(m_Filled[r], [&](unsigned column) { row[m_Place[column]] = values[column]; });
+        Mask places = m_Eliminated[r];
+        NqRowMask::forEach(m_Filled[r], [&](unsigned column) {
+            row[m_Place[column]] = values[column];
+            places |= bit(m_Place[column]);
+        });
         NqRowMask::forEach(m_Eliminated[r], [&](unsigned k) { row[k] = *multiplier++; });
         row[r] = m_Pivot[r];
+        m_Filled[r] = places;
     }
+}
+
+NQ_WIDE_ROWS bool NqSparseSystem::substitute(const NqReArray& factors, std::array<double, 2>* x) const {
+    for (unsigned i = 0; i < m_N; ++i) {
+        const double* const row = factors[i].data();
+        Pair sum = load(x[i]);
+        NqRowMask::forEach(m_Filled[i] & (bit(i) - 1), [&](unsigned j) { sum -= load(x[j]) * row[j]; });
+        store(x[i], sum);
+    }
+    Pair check = {};
+    for (unsigned i = m_N; i-- > 0;) {
+        const double* const row = factors[i].data();
+        Pair sum = load(x[i]);
+        NqRowMask::forEach(m_Filled[i] & ~(bit(i) - 1) & ~bit(i),
+                           [&](unsigned j) { sum -= load(x[j]) * row[j]; });
+        sum /= row[i];
+        store(x[i], sum);
+        check += sum * 0.0; // NaN, if it isn't finite
+    }
+    return check[0] == 0.0 && check[1] == 0.0;
 }

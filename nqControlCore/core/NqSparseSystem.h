@@ -24,6 +24,10 @@ public:
     bool factor(NqReArray& matrix, std::vector<unsigned int>& indices, unsigned m, const NqReArray* metric,
                 NqReArray& nullSpace, NqReArray& weightedNullSpace);
 
+    /// Solves with these factors for two right-hand sides side by side. False where the result has an
+    /// infinity or a NaN, which zeros would have spread.
+    bool substitute(const NqReArray& factors, std::array<double, 2>* x) const;
+
 private:
     using Mask = NqRowMask::Mask;
     template <typename T>
@@ -44,7 +48,7 @@ private:
     unsigned m_N = 0;
     unsigned m_M = 0;
     ForEachRow<double*> m_Rows;        ///< of A; what is settled when a row is done has left it
-    ForEachRow<Mask> m_Filled;         ///< columns of a row that aren't zero
+    ForEachRow<Mask> m_Filled;         ///< columns of a row that aren't zero; in the end places
     ForEachRow<Mask> m_BasisFilled;    ///< columns of N that aren't zero, for each joint
     ForEachRow<Mask> m_Eliminated;     ///< steps of which a row has a multiplier
     ForEachRow<double> m_Pivot;        ///< the diagonal of U
@@ -60,5 +64,6 @@ private:
     bool m_IsDiagonal = true;
     std::vector<double> m_Jacobian;      ///< what isn't zero in J, row behind row,
     ForEachRow<Mask> m_JacobianFilled{}; ///< and where it is
-    bool m_IsWorthIt = false;            ///< with these zeros
+    ForEachRow<Mask> m_Reached{};        ///< where it was when that was judged:
+    bool m_IsWorthIt = false;            ///< whether it has few enough
 };

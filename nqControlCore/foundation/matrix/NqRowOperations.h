@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstring>
@@ -23,6 +24,22 @@ namespace NqRowOperations {
 
 /// How many pivot rows are worked through together.
 inline constexpr unsigned PanelWidth = 4;
+
+/// Two numbers that go through the same operations side by side.
+typedef double Pair __attribute__((vector_size(2 * sizeof(double))));
+
+inline double load(double x) {
+    return x;
+}
+inline Pair load(const std::array<double, 2>& x) {
+    return Pair{x[0], x[1]};
+}
+inline void store(double& x, double value) {
+    x = value;
+}
+inline void store(std::array<double, 2>& x, Pair value) {
+    std::memcpy(&x, &value, sizeof value);
+}
 
 /// to[j] = from[j], of rows that are mostly too short for a call. A copy of a copy finds the pieces that were
 /// written, for which it doesn't have to wait.

@@ -34,6 +34,8 @@ constexpr double kDependent = 1.0e-9;
 constexpr double kGoingGain = 8.0;
 /// How far the joints are moved to see what that brings, rad or m.
 constexpr double kProbe = 0.05;
+/// Of joints that could make all that is left, if it weren't for their limits, rad or m.
+constexpr double kSmallTurn = 0.1;
 constexpr double kUnbounded = std::numeric_limits<double>::infinity();
 
 /// By how much a motion leaves its path that makes a share of what is commanded.
@@ -884,6 +886,9 @@ void NqControlLoop::judgeLostDirection() {
     if (m_Status.leastSingularValue < kDependent && next > kDependent) {
         m_Status.kind = NqControlLoopStatus::Contradictory;
         return;
+    }
+    if (m_Status.joints.empty() && m_Status.distance < kSmallTurn * m_Status.leastSingularValue) {
+        noteHolds(m_ReducedTools[m_Lost].holds()); // without which the little that is left would be made
     }
     if (!m_IsProbed) {
         m_CanComeNearer = canComeNearer();

@@ -14,8 +14,10 @@ namespace {
 
 using NqRowMask::bit;
 using NqRowMask::Mask;
+using NqRowOperations::Group;
 using NqRowOperations::load;
 using NqRowOperations::Pair;
+using NqRowOperations::setToZeros;
 using NqRowOperations::store;
 
 /// What has fewer columns is solved before its zeros are found.
@@ -26,20 +28,6 @@ constexpr unsigned kCost = 4;
 constexpr unsigned kWeights = 4;
 /// What takes the place of a weight where there is no metric.
 constexpr double kWeightless = 1.0;
-
-typedef double Group __attribute__((vector_size(4 * sizeof(double))));
-
-/// For rows that are too short for a call of memset.
-inline void setToZeros(double* row, unsigned n) {
-    const Group zeros = {};
-    unsigned j = 0;
-    for (; j + 4 <= n; j += 4) {
-        std::memcpy(row + j, &zeros, sizeof zeros);
-    }
-    for (; j < n; ++j) {
-        row[j] = 0.0;
-    }
-}
 
 /// to[j] += factor from[j] where `filled` says so, by groups of columns of which any is filled.
 inline void addMultiple(double* to, double factor, const double* from, Mask filled, unsigned n) {

@@ -4,6 +4,7 @@
 #include <nqControlCore/endeffector/NqRowRequest.h>
 #include <nqControlCore/endeffector/NqSparsityBits.h>
 #include <nqControlCore/foundation/matrix/NqReArray.h>
+#include <nqControlCore/foundation/matrix/NqRowOperations.h>
 
 #include <algorithm>
 
@@ -26,7 +27,8 @@ void NqEndEffector::rightSizeJacobian(unsigned row, unsigned columns, NqReArray&
         return;
     }
     for (unsigned i = row; i < end; ++i) {
-        jacobian[i].assign(columns, 0.0);
+        jacobian[i].resize(columns);
+        NqRowOperations::setToZeros(jacobian[i].data(), columns);
     }
 }
 

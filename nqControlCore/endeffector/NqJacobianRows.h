@@ -5,21 +5,39 @@
 #include <nqControlCore/foundation/matrix/NqReArray.h>
 #include <nqControlCore/foundation/text/NqPrint.h>
 
+#include <array>
+#include <tuple>
+
 /// Columns of rows that are a linear function of a motion. `rowsOf` maps a motion to an array of row entries;
 /// motions are in the system frame, at `origin`. The rows, from `row` on, must be right-sized.
 namespace NqJacobianRows {
 
-/// Sets the columns of the joints that carry a link, from the link's motion for a unit rate of each.
+/// Calls `action(element, entry)` for the elements in the columns of the joints that carry a link, with what
+/// the link's motion for a unit rate of the joint makes of each row.
+template <typename RowsOf, typename Action>
+void forEachJointColumn(const NqManipulatorLink& link, const NqVector& origin,
+                        NqManipulatorActivePositionState& state, unsigned row, NqReArray& jacobian,
+                        const RowsOf& rowsOf, const Action& action) {
+    decltype(rowsOf(NqGeneralMotion())) entries;
+    std::array<double*, std::tuple_size_v<decltype(entries)>> rows;
+    for (unsigned i = 0; i < rows.size(); ++i) {
+        rows[i] = jacobian[row + i].data();
+    }
+    link.forEachUnitRateMotion(origin, state, [&](unsigned column, const NqGeneralMotion& motion) {
+        entries = rowsOf(motion);
+        for (unsigned i = 0; i < rows.size(); ++i) {
+            action(rows[i][column], entries[i]);
+        }
+    });
+}
+
+/// Sets the columns of the joints that carry a link.
 template <typename RowsOf>
 void setJointColumns(const NqManipulatorLink& link, const NqVector& origin,
                      NqManipulatorActivePositionState& state, unsigned row, NqReArray& jacobian,
                      const RowsOf& rowsOf) {
-    link.forEachUnitRateMotion(origin, state, [&](unsigned column, const NqGeneralMotion& motion) {
-        const auto entries = rowsOf(motion);
-        for (unsigned i = 0; i < entries.size(); ++i) {
-            jacobian[row + i][column] = entries[i];
-        }
-    });
+    forEachJointColumn(link, origin, state, row, jacobian, rowsOf,
+                       [](double& element, double entry) { element = entry; });
 }
 
 /// Takes the same away from the columns, where the rows are relative to the link. With the origin of the
@@ -28,12 +46,8 @@ template <typename RowsOf>
 void subtractJointColumns(const NqManipulatorLink& link, const NqVector& origin,
                           NqManipulatorActivePositionState& state, unsigned row, NqReArray& jacobian,
                           const RowsOf& rowsOf) {
-    link.forEachUnitRateMotion(origin, state, [&](unsigned column, const NqGeneralMotion& motion) {
-        const auto entries = rowsOf(motion);
-        for (unsigned i = 0; i < entries.size(); ++i) {
-            jacobian[row + i][column] -= entries[i];
-        }
-    });
+    forEachJointColumn(link, origin, state, row, jacobian, rowsOf,
+                       [](double& element, double entry) { element -= entry; });
 }
 
 /// Sets the six columns of a free base, from `column` on: what its unit translations along the axes of the

@@ -25,6 +25,20 @@ namespace NqRowOperations {
 /// How many pivot rows are worked through together.
 inline constexpr unsigned PanelWidth = 4;
 
+typedef double Group __attribute__((vector_size(PanelWidth * sizeof(double))));
+
+/// row[j] = 0, of rows that are mostly too short for a call.
+inline void setToZeros(double* row, std::size_t count) {
+    const Group zeros = {};
+    std::size_t j = 0;
+    for (; j + PanelWidth <= count; j += PanelWidth) {
+        std::memcpy(row + j, &zeros, sizeof zeros);
+    }
+    for (; j < count; ++j) {
+        row[j] = 0.0;
+    }
+}
+
 /// Two numbers that go through the same operations side by side.
 typedef double Pair __attribute__((vector_size(2 * sizeof(double))));
 

@@ -110,8 +110,8 @@ public:
     virtual const NqXmlRealVector& profileAccelerations() const { return m_ProfileAccelerations; }
     virtual void setProfileAccelerations(const NqXmlRealVector& accelerations);
 
-    virtual const double& errorWeight() const { return m_ErrorWeight.value(); }
-    virtual void setErrorWeight(const double& weight) { m_ErrorWeight = weight; }
+    virtual double errorWeight() const { return m_ErrorWeight; }
+    virtual void setErrorWeight(double weight) { m_ErrorWeight = weight; }
 
     /// Takes the limits from the parameters, which have them by joint index, and makes the filters anew;
     /// nothing is done where limits are as they were, or useControlParameters() is false. Call it again after

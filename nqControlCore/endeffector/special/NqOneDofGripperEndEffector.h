@@ -81,8 +81,8 @@ public:
     virtual const NqXmlRealVector& slaveJointWeights() const { return m_SlaveJointWeights; }
     virtual void setSlaveJointWeights(const NqXmlRealVector& weights);
 
-    virtual const double& errorWeight() const { return m_ErrorWeight.value(); }
-    virtual void setErrorWeight(const double& weight) { m_ErrorWeight = weight; }
+    virtual double errorWeight() const { return m_ErrorWeight; }
+    virtual void setErrorWeight(double weight) { m_ErrorWeight = weight; }
 
 protected:
     /// Looks the joints up, unless the master is remembered.

@@ -50,12 +50,11 @@ template <typename Matrix, typename Visit>
 void NqCoordinatedJointEndEffector::forEachElement(const NqRowRequest& request, const Matrix& matrix,
                                                    const char* message, Visit visit) const {
     initialize(request.manipulator);
-    // An assigned object may remember more joints than it has rows.
-    const unsigned count = std::min(m_Joints->size(), doc());
-    for (unsigned k = 0; k < count; ++k) {
+    for (unsigned k = 0; k < m_Joints->size(); ++k) {
         const unsigned row = request.row + k;
         const unsigned column = m_Joints->jointIndex(k);
-        if (NqJacobianRows::hasElement(row, column, matrix, message)) {
+        // An assigned object may remember more joints than it has rows.
+        if (NqJacobianRows::hasElement(row, column, matrix, message) && k < doc()) {
             visit(row, column);
         }
     }

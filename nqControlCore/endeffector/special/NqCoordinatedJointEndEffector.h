@@ -154,8 +154,8 @@ private:
     template <typename Visit>
     void forEachJoint(const NqIndividualManipulator& manipulator, Visit visit) const;
 
-    /// Calls `visit(row, column)` for each joint, with those that the matrix has, and with the message for
-    /// others.
+    /// Calls `visit(row, column)` for each joint that has its row there; prints the message where the matrix
+    /// hasn't that element.
     template <typename Matrix, typename Visit>
     void forEachElement(const NqRowRequest& request, const Matrix& matrix, const char* message,
                         Visit visit) const;

@@ -47,9 +47,10 @@ public:
                                                 NqManipulatorActiveState& state,
                                                 NqGeneralMotion& filtered) const;
 
-protected:
     /// The motion in the system frame that has these five rows in a frame of that orientation, and no spin.
-    using NqPartialFrameEndEffector::convertToGeneralVelocity;
     virtual void convertToGeneralVelocity(const NqXmlRealVector& velocity, const NqOrientation& orientation,
                                           NqGeneralMotion& motion) const;
+
+protected:
+    using NqPartialFrameEndEffector::convertToGeneralVelocity;
 };

@@ -112,7 +112,7 @@ NqProjectedCenterOfMassEndEffector::editableTable() {
                          " This is the z-coordinate of the axis vector (unit vector).This is measured from "
                          "the primary frame of the link."}},
             &E::xyOrientation, &E::setXyOrientation),
-        filterRows<E>("The velocity profile type.Current supported values are: trapezoidal and proportional"),
+        filterRows("The velocity profile type.Current supported values are: trapezoidal and proportional"),
         Table::flag("project_along_system_vector",
                     "Boolean value (0/1) indicating whether to project the center of mass along the plane "
                     "perpendicular (0) or along a vector defined in system coordinates (1).",

@@ -27,9 +27,8 @@
 /// - That filter takes the previous velocity for zero, so that the change of velocity is limited from rest.
 /// - Bits of base columns are set where the base has columns.
 class NqProjectedCenterOfMassEndEffector
-    : public NqConcreteEndEffector<
-          NqProjectedCenterOfMassEndEffector,
-          NqRowEndEffector<NqProjectedCenterOfMassEndEffector, NqCenterOfMassBasedEndEffector>> {
+    : public NqConcreteEndEffector<NqProjectedCenterOfMassEndEffector,
+                                   NqCenterOfMassBasedEndEffector<NqProjectedCenterOfMassEndEffector>> {
 public:
     static const NqToken& classToken() { return NqControlCore::NqProjectedCenterOfMassEndEffectorToken; }
     static constexpr const char* theTooltip =
@@ -45,7 +44,7 @@ public:
     void calculateVelocity(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
                            NqXmlRealVector& velocity, unsigned start) const override;
 
-    using NqCenterOfMassBasedEndEffector::filterEndEffectorVelocity;
+    using NqPointBasedEndEffector::filterEndEffectorVelocity;
     void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
                                    const NqEndEffectorPlacement& desiredPlacement,
                                    const NqXmlRealVector& desiredVelocity,
@@ -72,6 +71,12 @@ public:
     virtual void calculate2DPointPlacement(const NqIndividualManipulator& manipulator,
                                            NqManipulatorActiveState& state, NqPlanarVector& point) const;
 
+    /// The centre of mass in the system frame, in m; the origin of the base frame where there is no mass.
+    virtual void calculatePointPlacement(const NqIndividualManipulator& manipulator,
+                                         NqManipulatorActiveState& state, NqVector& point) const {
+        point = manipulator.centerOfMass(state.activePositionState());
+    }
+
     /// The velocity, in the plane, by which the motion filter takes the projected centre of mass towards the
     /// projection of the desired frame's origin. Untouched where the filter refuses.
     virtual void filter2DPointEndEffectorVelocity(const NqIndividualManipulator& manipulator,
@@ -82,6 +87,11 @@ public:
                                                   NqPlanarVector& filtered) const;
 
 protected:
+    /// The column of a link's joint, times the mass; see momentRate().
+    virtual NqVector firstMomentRate(const NqManipulatorLink& link, NqManipulatorActiveState& state) const {
+        return momentRate(link, state);
+    }
+
     /// Brings the working orientation up to date.
     virtual void updateWorkingXyOrientation(const NqIndividualManipulator& manipulator,
                                             NqManipulatorActiveState& state,
@@ -89,6 +99,7 @@ protected:
     virtual const NqOrientation& workingXyOrientation() const { return m_WorkingXyOrientation; }
 
 private:
+    friend class NqCenterOfMassBasedEndEffector<NqProjectedCenterOfMassEndEffector>;
     friend struct NqXmlComponentAccess;
     static auto components() {
         using namespace NqControlCore;

@@ -193,30 +193,28 @@ void NqAccelerometerEndEffector::calculateAcceleration(const NqIndividualManipul
         NqVelocityEntries::Tail::Kept, acceleration);
 }
 
-void NqAccelerometerEndEffector::filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                                           const NqEndEffectorPlacement& desiredPlacement,
-                                                           const NqXmlRealVector& desiredVelocity,
-                                                           const NqXmlRealVector& previousVelocity,
-                                                           double timeStep, NqManipulatorActiveState& state,
-                                                           NqXmlRealVector& filtered) const {
+void NqAccelerometerEndEffector::insertCommand(const NqTargetRequest& request,
+                                               NqXmlRealVector& filtered) const {
     constexpr bool zAxisOnly = true; // no more can be told of gravity
     constexpr bool applyProfile = true;
+    const NqIndividualManipulator& manipulator = request.manipulator;
     const double gain = motionFilter().angularGain();
     Rows command{};
     if (!m_IsOn) {
-        const NqXmlRealVector& positions = state.positionState().jointPositions();
+        const NqXmlRealVector& positions = request.state.positionState().jointPositions();
         forEachSagJoint(manipulator, [&](unsigned i, unsigned joint) {
             command[i] = -(gain * numberAt(positions, joint));
         });
     } else {
-        *m_DesiredOrientation = desiredPlacement.coordSysXForm().orientation();
-        if (calculateGravityReadingPlacement(manipulator, state, *m_ActualPlacement)) {
-            const NqVector previous(numberAt(previousVelocity, 0), numberAt(previousVelocity, 1), 0.0);
+        *m_DesiredOrientation = request.desiredPlacement.coordSysXForm().orientation();
+        if (calculateGravityReadingPlacement(manipulator, request.state, *m_ActualPlacement)) {
+            const NqVector previous(numberAt(request.previousVelocity, 0),
+                                    numberAt(request.previousVelocity, 1), 0.0);
             NqVector out;
             motionFilter().calculateRotationMotion(m_ActualPlacement->coordSysXForm().orientation(),
                                                    gravityOrientation(),
-                                                   NqVelocityEntries::vectorAt(desiredVelocity), previous,
-                                                   timeStep, out, zAxisOnly, applyProfile);
+                                                   NqVelocityEntries::vectorAt(request.desiredVelocity),
+                                                   previous, request.timeStep, out, zAxisOnly, applyProfile);
             command = {out.x(), out.y(), -(gain * m_ActualPlacement->dataVector()[0])};
         }
     }

@@ -3,6 +3,7 @@
 #include <nqControlCore/endeffector/NqEditableEndEffector.h>
 #include <nqControlCore/endeffector/NqRotationBasedEndEffector.h>
 #include <nqControlCore/endeffector/NqRowEndEffector.h>
+#include <nqControlCore/endeffector/NqTargetedEndEffector.h>
 #include <nqControlCore/foundation/math/NqDroppedOnCopy.h>
 #include <nqControlCore/foundation/xml/NqXmlCoordinateSystemTransformation.h>
 #include <nqControlCore/foundation/xml/NqXmlVector.h>
@@ -41,8 +42,10 @@
 /// - Sag joints are looked up once and remembered, also for another manipulator, until their labels are set,
 ///   read or assigned; labels that are unknown or of the base are left out in silence.
 class NqAccelerometerEndEffector
-    : public NqConcreteEndEffector<NqAccelerometerEndEffector,
-                                   NqRowEndEffector<NqAccelerometerEndEffector, NqRotationBasedEndEffector>> {
+    : public NqConcreteEndEffector<
+          NqAccelerometerEndEffector,
+          NqTargetedEndEffector<NqAccelerometerEndEffector,
+                                NqRowEndEffector<NqAccelerometerEndEffector, NqRotationBasedEndEffector>>> {
 public:
     static const NqToken& classToken() { return NqControlCore::NqAccelerometerEndEffectorToken; }
     static constexpr const char* theTooltip =
@@ -69,13 +72,8 @@ public:
     void calculateAcceleration(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
                                NqXmlRealVector& acceleration, unsigned start) const override;
 
-    using NqRotationBasedEndEffector::filterEndEffectorVelocity;
     /// While it is on, keeps the desired orientation for the reading. Zeros for a link that is not found.
-    void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                   const NqEndEffectorPlacement& desiredPlacement,
-                                   const NqXmlRealVector& desiredVelocity,
-                                   const NqXmlRealVector& previousVelocity, double timeStep,
-                                   NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
+    void insertCommand(const NqTargetRequest& request, NqXmlRealVector& filtered) const;
 
     /// The angle between the orientations times the error weight.
     double difference(const NqEndEffectorPlacement& a, const NqEndEffectorPlacement& b) const override;

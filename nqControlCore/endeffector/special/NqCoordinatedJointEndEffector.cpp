@@ -106,14 +106,11 @@ void NqCoordinatedJointEndEffector::filterEndEffectorVelocity(const NqXmlRealVec
     m_Joints->filterVelocity(desiredVelocity, previousVelocity, timeStep, filtered);
 }
 
-void NqCoordinatedJointEndEffector::filterEndEffectorVelocity(
-    const NqIndividualManipulator& manipulator, const NqEndEffectorPlacement& desiredPlacement,
-    const NqXmlRealVector& desiredVelocity, const NqXmlRealVector& previousVelocity, double timeStep,
-    NqManipulatorActiveState& state, NqXmlRealVector& filtered) const {
-    initialize(manipulator);
-    if (m_Joints->takeTarget(desiredPlacement.dataVector())) {
-        m_Joints->filterTowardsTarget(state.positionState().jointPositions(), desiredVelocity,
-                                      previousVelocity, timeStep, filtered);
+void NqCoordinatedJointEndEffector::insertCommand(const NqTargetRequest& request,
+                                                  NqXmlRealVector& filtered) const {
+    initialize(request.manipulator);
+    if (m_Joints->takeTarget(request.desiredPlacement.dataVector())) {
+        m_Joints->filterTowardsTarget(request, filtered);
     } else {
         filtered.assign(m_Joints->size(), 0.0);
     }

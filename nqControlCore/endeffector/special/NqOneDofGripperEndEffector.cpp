@@ -86,15 +86,11 @@ void NqOneDofGripperEndEffector::filterEndEffectorVelocity(const NqXmlRealVector
     filtered.resize(doc());
 }
 
-void NqOneDofGripperEndEffector::filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                                           const NqEndEffectorPlacement& desiredPlacement,
-                                                           const NqXmlRealVector& desiredVelocity,
-                                                           const NqXmlRealVector& previousVelocity,
-                                                           double timeStep, NqManipulatorActiveState& state,
-                                                           NqXmlRealVector& filtered) const {
-    if (const double* position = ofMaster(manipulator, state.positionState().jointPositions())) {
-        filterNumber(*position, number(desiredPlacement), desiredVelocity, previousVelocity, timeStep,
-                     filtered);
+void NqOneDofGripperEndEffector::insertCommand(const NqTargetRequest& request,
+                                               NqXmlRealVector& filtered) const {
+    if (const double* position =
+            ofMaster(request.manipulator, request.state.positionState().jointPositions())) {
+        filterNumber(*position, number(request.desiredPlacement), request, filtered);
     } else {
         filtered.clear();
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <nqControlCore/endeffector/NqTargetedEndEffector.h>
 #include <nqControlCore/endeffector/special/NqCenterOfMassBasedEndEffector.h>
 #include <nqControlCore/foundation/math/NqPlanarVector.h>
 #include <nqControlCore/foundation/xml/NqXmlOrientation.h>
@@ -27,8 +28,10 @@
 /// - That filter takes the previous velocity for zero, so that the change of velocity is limited from rest.
 /// - Bits of base columns are set where the base has columns.
 class NqProjectedCenterOfMassEndEffector
-    : public NqConcreteEndEffector<NqProjectedCenterOfMassEndEffector,
-                                   NqCenterOfMassBasedEndEffector<NqProjectedCenterOfMassEndEffector>> {
+    : public NqConcreteEndEffector<
+          NqProjectedCenterOfMassEndEffector,
+          NqTargetedEndEffector<NqProjectedCenterOfMassEndEffector,
+                                NqCenterOfMassBasedEndEffector<NqProjectedCenterOfMassEndEffector>>> {
 public:
     static const NqToken& classToken() { return NqControlCore::NqProjectedCenterOfMassEndEffectorToken; }
     static constexpr const char* theTooltip =
@@ -44,12 +47,7 @@ public:
     void calculateVelocity(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
                            NqXmlRealVector& velocity, unsigned start) const override;
 
-    using NqPointBasedEndEffector::filterEndEffectorVelocity;
-    void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                   const NqEndEffectorPlacement& desiredPlacement,
-                                   const NqXmlRealVector& desiredVelocity,
-                                   const NqXmlRealVector& previousVelocity, double timeStep,
-                                   NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
+    void insertCommand(const NqTargetRequest& request, NqXmlRealVector& filtered) const;
 
     /// The plane, in the axes of the system or of the link that the rows are relative to.
     virtual const NqOrientation& xyOrientation() const { return m_XyOrientation.value(); }

@@ -122,7 +122,9 @@ NqSvgPlot NqDriveReport::prepared(double width, double height, const std::string
 
 void NqDriveReport::addCurves(NqSvgPlot& plot, const std::string* unit, Quantity quantity,
                               double NqTargetKind::Part::*fullScale) const {
-    const auto isShown = [&](const NqDriveRecord::Part& part) { return !unit || part.limits.unit == *unit; };
+    const auto isShown = [&](const NqDriveRecord::Part& part) {
+        return (!unit || part.limits.unit == *unit) && (!fullScale || std::isfinite(part.limits.*fullScale));
+    };
     const auto shown = std::count_if(m_Record.parts.begin(), m_Record.parts.end(), isShown);
     for (std::size_t p = 0; p < m_Record.parts.size(); ++p) {
         const NqDriveRecord::Part& part = m_Record.parts[p];
@@ -133,7 +135,7 @@ void NqDriveReport::addCurves(NqSvgPlot& plot, const std::string* unit, Quantity
                     value /= part.limits.*fullScale;
                 }
             }
-            plot.addCurve(m_Times, values, p, shown > 1 ? part.name : "");
+            plot.addCurve(m_Times, values, p, shown > 1 || fullScale ? part.name : "");
         }
     }
 }

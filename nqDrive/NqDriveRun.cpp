@@ -72,6 +72,12 @@ NqDriveRun::NqDriveRun(const NqDriveTask& task)
             name += part.part.isAngular ? ", angular" : ", linear";
         }
         m_Record.parts.push_back({part.endEffector, part.part, name});
+        const bool isNumber = m_Loop.kind(part.endEffector).form().content == NqTargetForm::Number;
+        double& limit = m_Record.parts.back().limits.speedLimit;
+        if (isNumber && !std::isfinite(limit)) {
+            // The loop doesn't know of it, since there is no filter: the end-effector keeps to it by itself.
+            limit = m_Loop.endEffector(part.endEffector).motionThreshold();
+        }
     }
     m_Record.joints.resize(m_Loop.joints());
     for (unsigned j = 0; j < m_Loop.joints(); ++j) {

@@ -162,6 +162,9 @@ private:
         }
         std::for_each(m_Points.begin(), m_Points.end(), include);
         const bool isOblique = m_View == NqStickFigure::View::Oblique;
+        if (isOblique) {
+            include(beyondAxis(2)); // the others point into the grid
+        }
         const double leftRoom = isOblique ? 14.0 : 40.0;
         const double rightRoom = isOblique ? 14.0 : 8.0;
         const double topRoom = isOblique ? 30.0 : 26.0;
@@ -172,6 +175,13 @@ private:
             std::min(width / std::max(high[0] - low[0], 1.0e-6), height / std::max(high[1] - low[1], 1.0e-6));
         m_Origin.x = m_Corner.x + leftRoom + 0.5 * (width - m_Scale * (high[0] - low[0])) - m_Scale * low[0];
         m_Origin.y = m_Corner.y + topRoom + 0.5 * (height - m_Scale * (high[1] - low[1])) + m_Scale * high[1];
+    }
+
+    /// Where the name of an axis stands; the axes are at a corner of the ground.
+    NqVector beyondAxis(unsigned axis) const {
+        NqVector point = gridCorner(false, false, m_Ground);
+        point[axis] += 1.25 * m_Cell;
+        return point;
     }
 
     Point project(const NqVector& point) const {
@@ -210,10 +220,8 @@ private:
         for (unsigned i = 0; i < 3; ++i) {
             NqVector tip = corner;
             tip[i] += m_Cell;
-            NqVector beyond = corner;
-            beyond[i] += 1.25 * m_Cell;
             out += segment(corner, tip, "axis");
-            const Point p = project(beyond);
+            const Point p = project(beyondAxis(i));
             out += NqSvg::text({p.x, p.y + 4.0}, "middle", "halo", names[i]);
         }
         out += NqSvg::text({m_Corner.x + m_Width - 6.0, m_Corner.y + m_Height - 8.0}, "end", "tick",

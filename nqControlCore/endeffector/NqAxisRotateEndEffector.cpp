@@ -103,15 +103,9 @@ void NqAxisRotateEndEffector::filterEndEffectorVelocity(const NqXmlRealVector& d
     }
 }
 
-void NqAxisRotateEndEffector::filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                                        const NqEndEffectorPlacement& desiredPlacement,
-                                                        const NqXmlRealVector& desiredVelocity,
-                                                        const NqXmlRealVector& previousVelocity,
-                                                        double timeStep, NqManipulatorActiveState& state,
-                                                        NqXmlRealVector& filtered) const {
-    if (hasEntries(desiredVelocity, previousVelocity)) {
-        NqNumberEndEffector::filterEndEffectorVelocity(manipulator, desiredPlacement, desiredVelocity,
-                                                       previousVelocity, timeStep, state, filtered);
+void NqAxisRotateEndEffector::insertCommand(const NqTargetRequest& request, NqXmlRealVector& filtered) const {
+    if (hasEntries(request.desiredVelocity, request.previousVelocity)) {
+        NqNumberEndEffector::insertCommand(request, filtered);
     }
 }
 

@@ -31,14 +31,11 @@ public:
                             NqEndEffectorPlacement& placement) const override;
 
     /// Velocities of fewer than doc() entries are refused with a message, `filtered` as it was.
+    using NqNumberEndEffector::filterEndEffectorVelocity;
     void filterEndEffectorVelocity(const NqXmlRealVector& desiredVelocity,
                                    const NqXmlRealVector& previousVelocity, double timeStep,
                                    NqXmlRealVector& filtered) const override;
-    void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                   const NqEndEffectorPlacement& desiredPlacement,
-                                   const NqXmlRealVector& desiredVelocity,
-                                   const NqXmlRealVector& previousVelocity, double timeStep,
-                                   NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
+    void insertCommand(const NqTargetRequest& request, NqXmlRealVector& filtered) const;
 
     /// Present minus desired number.
     void calculateEndEffectorError(const NqIndividualManipulator& manipulator,

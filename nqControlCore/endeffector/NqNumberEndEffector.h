@@ -2,6 +2,7 @@
 
 #include <nqControlCore/endeffector/NqRowEndEffector.h>
 #include <nqControlCore/endeffector/NqScalarBasedEndEffector.h>
+#include <nqControlCore/endeffector/NqTargetedEndEffector.h>
 
 /// A number that a constraint drives, and where it is to go.
 struct NqDrivenNumber {
@@ -18,7 +19,8 @@ struct NqDrivenNumber {
 ///
 /// and gets the filter and the velocity of its row.
 template <typename Derived>
-class NqNumberEndEffector : public NqRowEndEffector<Derived, NqScalarBasedEndEffector> {
+class NqNumberEndEffector
+    : public NqTargetedEndEffector<Derived, NqRowEndEffector<Derived, NqScalarBasedEndEffector>> {
 public:
     void calculateVelocity(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
                            NqXmlRealVector& velocity, unsigned start) const override {
@@ -27,16 +29,10 @@ public:
         velocity[start] = rate;
     }
 
-    using NqScalarBasedEndEffector::filterEndEffectorVelocity;
-    void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                   const NqEndEffectorPlacement& desiredPlacement,
-                                   const NqXmlRealVector& desiredVelocity,
-                                   const NqXmlRealVector& previousVelocity, double timeStep,
-                                   NqManipulatorActiveState& state,
-                                   NqXmlRealVector& filtered) const override {
-        const NqDrivenNumber number = self().drivenNumber(manipulator, state, desiredPlacement);
-        this->filterNumber(number.present, number.desired, desiredVelocity, previousVelocity, timeStep,
-                           filtered);
+    void insertCommand(const NqTargetRequest& request, NqXmlRealVector& filtered) const {
+        const NqDrivenNumber number =
+            self().drivenNumber(request.manipulator, request.state, request.desiredPlacement);
+        this->filterNumber(number.present, number.desired, request, filtered);
     }
 
 protected:

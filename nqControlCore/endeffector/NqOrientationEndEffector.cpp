@@ -2,19 +2,16 @@
 
 using NqVelocityEntries::vectorAt;
 
-void NqOrientationEndEffector::filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                                         const NqEndEffectorPlacement& desiredPlacement,
-                                                         const NqXmlRealVector& desiredVelocity,
-                                                         const NqXmlRealVector& previousVelocity,
-                                                         double timeStep, NqManipulatorActiveState& state,
-                                                         NqXmlRealVector& filtered) const {
+void NqOrientationEndEffector::insertCommand(const NqTargetRequest& request,
+                                             NqXmlRealVector& filtered) const {
     constexpr bool zAxisOnly = false;
     constexpr bool applyProfile = true;
+    const NqEndEffectorPlacement& present = presentPlacement(request.manipulator, request.state);
     NqVector out;
-    motionFilter().calculateRotationMotion(presentPlacement(manipulator, state).coordSysXForm().orientation(),
-                                           desiredPlacement.coordSysXForm().orientation(),
-                                           vectorAt(desiredVelocity), vectorAt(previousVelocity), timeStep,
-                                           out, zAxisOnly, applyProfile);
+    motionFilter().calculateRotationMotion(
+        present.coordSysXForm().orientation(), request.desiredPlacement.coordSysXForm().orientation(),
+        vectorAt(request.desiredVelocity), vectorAt(request.previousVelocity), request.timeStep, out,
+        zAxisOnly, applyProfile);
     NqVelocityEntries::put(out, filtered);
 }
 

@@ -3,6 +3,7 @@
 #include <nqControlCore/endeffector/NqEditableEndEffector.h>
 #include <nqControlCore/endeffector/NqMotionEndEffector.h>
 #include <nqControlCore/endeffector/NqRotationBasedEndEffector.h>
+#include <nqControlCore/endeffector/NqTargetedEndEffector.h>
 #include <nqControlCore/foundation/xml/NqXmlOrientation.h>
 
 /// Constrains the orientation of a frame fixed in a link: three rows, its angular velocity in the system
@@ -14,7 +15,8 @@
 class NqOrientationEndEffector
     : public NqConcreteEndEffector<
           NqOrientationEndEffector,
-          NqMotionEndEffector<NqOrientationEndEffector, NqRotationBasedEndEffector>> {
+          NqTargetedEndEffector<NqOrientationEndEffector,
+                                NqMotionEndEffector<NqOrientationEndEffector, NqRotationBasedEndEffector>>> {
 public:
     static const NqToken& classToken() { return NqControlCore::NqOrientationEndEffectorToken; }
     static constexpr const char* theTooltip =
@@ -37,12 +39,7 @@ public:
         .badPlacementLabel =
             "NqOrientationEndEffector::calculateFramePlacement():  bad label on frame end effector: %s.\n"};
 
-    using NqRotationBasedEndEffector::filterEndEffectorVelocity;
-    void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                   const NqEndEffectorPlacement& desiredPlacement,
-                                   const NqXmlRealVector& desiredVelocity,
-                                   const NqXmlRealVector& previousVelocity, double timeStep,
-                                   NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
+    void insertCommand(const NqTargetRequest& request, NqXmlRealVector& filtered) const;
 
     /// The angle between the orientations times the error weight.
     double difference(const NqEndEffectorPlacement& a, const NqEndEffectorPlacement& b) const override;

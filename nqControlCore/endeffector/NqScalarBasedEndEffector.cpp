@@ -20,13 +20,11 @@ void NqScalarBasedEndEffector::filterEndEffectorVelocity(const NqXmlRealVector& 
     filtered.assign(1, out);
 }
 
-void NqScalarBasedEndEffector::filterNumber(double present, double desired,
-                                            const NqXmlRealVector& desiredVelocity,
-                                            const NqXmlRealVector& previousVelocity, double timeStep,
+void NqScalarBasedEndEffector::filterNumber(double present, double desired, const NqTargetRequest& request,
                                             NqXmlRealVector& filtered) const {
     double out = 0.0;
-    motionFilter().calculateVelocity(present, desired, numberAt(desiredVelocity), numberAt(previousVelocity),
-                                     timeStep, out);
+    motionFilter().calculateVelocity(present, desired, numberAt(request.desiredVelocity),
+                                     numberAt(request.previousVelocity), request.timeStep, out);
     filtered.assign(1, out);
 }
 

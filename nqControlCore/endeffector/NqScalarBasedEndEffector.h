@@ -1,6 +1,7 @@
 #pragma once
 
 #include <nqControlCore/endeffector/NqFilteredEndEffector.h>
+#include <nqControlCore/endeffector/NqTargetRequest.h>
 
 /// Base of the end-effectors that drive one number to a target. The placement keeps the number in its z
 /// translation.
@@ -28,7 +29,6 @@ protected:
 
     /// The velocity by which the motion filter takes one number to another, as a vector of one entry. Empty
     /// velocities count as zero.
-    void filterNumber(double present, double desired, const NqXmlRealVector& desiredVelocity,
-                      const NqXmlRealVector& previousVelocity, double timeStep,
+    void filterNumber(double present, double desired, const NqTargetRequest& request,
                       NqXmlRealVector& filtered) const;
 };

@@ -175,7 +175,12 @@ TEST_F(NqTwoCoordinatedJoints, SpeedFactorAndJointsBelongToTheFilters) {
     joints = NqCoordinatedJointEndEffector();
     EXPECT_EQ(joints.speedFactor(), 0.0) << "an assigned object keeps those that it has";
     EXPECT_EQ(velocity(joints).size(), 2U);
+    NqPrintCapture capture;
     EXPECT_EQ(rows(joints).rows(), 0U) << "but writes no rows that aren't its own";
+    EXPECT_TRUE(capture.contains("Indices out of range: row 1 and column 1\n"));
+    NqReArray others(2, 2);
+    joints.insertJacobianComponent(manipulator, 0, {}, true, state, others);
+    EXPECT_EQ(others, NqReArray(2, 2));
 }
 
 /// The hand of the planar arm as the master of the upper arm, at 0.4 and 0.7.
@@ -232,12 +237,16 @@ TEST_F(NqGripper, SlavesPileUpWhileTheMasterIsLost) {
     EXPECT_EQ(filtered(gripper, at(0.5), {}, {0.5}), Reals(2)) << "no feed-forward either";
     gripper.setLinkIdentifier("hand");
     EXPECT_EQ(velocity(gripper).size(), 1U + 3U) << "once for each evaluation";
+    EXPECT_EQ(capture.text(), "");
     EXPECT_EQ(rows(gripper).rows(), 2U);
+    EXPECT_TRUE(capture.contains("Indices out of range: row 2 and column 0\n")) << "no rows for them";
+    NqReArray stacked(4, 2);
+    gripper.insertJacobianComponent(manipulator, 0, {}, true, state, stacked);
+    EXPECT_EQ(stacked[2], std::vector<double>(2)) << "nor those of others";
     gripper.setLinkIdentifier("base");
     EXPECT_EQ(velocity(gripper)[0], -1.0) << "the master is remembered";
     gripper = NqOneDofGripperEndEffector(gripper);
     EXPECT_EQ(velocity(gripper), Reals(2)) << "but not by a copy";
-    EXPECT_EQ(capture.text(), "");
 }
 
 } // namespace

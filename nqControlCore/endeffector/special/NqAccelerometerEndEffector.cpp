@@ -1,6 +1,5 @@
 #include <nqControlCore/endeffector/special/NqAccelerometerEndEffector.h>
 
-#include <nqControlCore/endeffector/NqJointList.h>
 #include <nqControlCore/endeffector/NqVelocityEntries.h>
 
 #include <algorithm>
@@ -8,80 +7,34 @@
 using NqVelocityEntries::numberAt;
 
 bool NqAccelerometerEndEffector::read(NqXmlReader& reader) {
-    m_SagJointFlags->clear();
+    m_SagJoints->clear();
     return NqRotationBasedEndEffector::read(reader);
 }
 
 void NqAccelerometerEndEffector::setSagLinkLabels(const NqLabelVector& labels) {
     m_SagLinkLabels = labels;
-    m_SagJointFlags->clear();
-}
-
-void NqAccelerometerEndEffector::setSagJointFlags(const NqIndividualManipulator& manipulator) const {
-    if (!m_SagJointFlags->empty()) {
-        return;
-    }
-    m_SagJointFlags->assign(manipulator.numberOfJoints(), false);
-    for (const auto& label : m_SagLinkLabels) {
-        const NqManipulatorLink* link = manipulator.linkByLabel(label);
-        if (NqJointList::hasJoint(link)) {
-            (*m_SagJointFlags)[link->jointIndex()] = true;
-        }
-    }
-}
-
-template <typename Visit>
-void NqAccelerometerEndEffector::forEachSagJoint(const NqIndividualManipulator& manipulator,
-                                                 Visit visit) const {
-    setSagJointFlags(manipulator);
-    // Those remembered may be another manipulator's.
-    const std::size_t joints = std::min<std::size_t>(m_SagJointFlags->size(), manipulator.numberOfJoints());
-    unsigned i = 0;
-    for (unsigned joint = 0; joint < joints && i < theRows; ++joint) {
-        if ((*m_SagJointFlags)[joint]) {
-            visit(i++, joint);
-        }
-    }
-}
-
-bool NqAccelerometerEndEffector::isSagJoint(const NqIndividualManipulator& manipulator,
-                                            unsigned joint) const {
-    setSagJointFlags(manipulator);
-    return joint < m_SagJointFlags->size() && (*m_SagJointFlags)[joint];
-}
-
-template <typename Visit>
-void NqAccelerometerEndEffector::forEachSpring(const NqIndividualManipulator& manipulator,
-                                               NqManipulatorActiveState& state, Visit visit) const {
-    *m_UnsaggedPositions = state.positionState();
-    NqXmlRealVector& positions = m_UnsaggedPositions->jointPositions();
-    positions.resize(manipulator.numberOfJoints());
-    forEachSagJoint(manipulator, [&](unsigned i, unsigned joint) {
-        if (i < m_SagStiffness.size()) {
-            positions[joint] = 0.0;
-            m_UnsaggedState->setPositionState(*m_UnsaggedPositions);
-            const NqManipulatorLink& link = *manipulator.linkByIndex(joint);
-            visit(joint, m_SagStiffness[i], link.linkFrameInSystem(*m_UnsaggedState).orientation().zAxis());
-        }
-    });
+    m_SagJoints->clear();
 }
 
 double NqAccelerometerEndEffector::springSum(const NqIndividualManipulator& manipulator,
                                              NqManipulatorActiveState& state,
                                              const NqXmlRealVector& x) const {
     NqVector sum;
-    forEachSpring(manipulator, state, [&](unsigned joint, double stiffness, const NqVector& axis) {
+    for (const auto& [joint, stiffness, axis] : m_SagJoints->springs(manipulator, state, m_SagStiffness)) {
         sum -= numberAt(x, joint) * stiffness * axis;
-    });
+    }
     return sum.dot(gravityVector());
 }
 
 void NqAccelerometerEndEffector::insertRows(const NqRowRequest& request, NqManipulatorActiveState& state,
                                             NqReArray& jacobian) const {
     const NqIndividualManipulator& manipulator = request.manipulator;
-    const unsigned row = request.row;
+    unsigned row = request.row;
+    setSagJointFlags(manipulator);
     if (!m_IsOn) {
-        forEachSagJoint(manipulator, [&](unsigned i, unsigned joint) { jacobian[row + i][joint] = 1.0; });
+        for (const unsigned joint : m_SagJoints->first(manipulator)) {
+            jacobian[row++][joint] = 1.0;
+        }
         return;
     }
     const auto* link = NqLinkLookup::linkOrMessage(
@@ -93,37 +46,42 @@ void NqAccelerometerEndEffector::insertRows(const NqRowRequest& request, NqManip
     }
     link->forEachUnitRateMotion({}, state.activePositionState(),
                                 [&](unsigned joint, const NqGeneralMotion& motion) {
-                                    if (isSagJoint(manipulator, joint)) {
+                                    if (m_SagJoints->contains(joint)) {
                                         jacobian[row][joint] = motion.angular().x();
                                         jacobian[row + 1][joint] = motion.angular().y();
                                     }
                                 });
-    forEachSpring(manipulator, state, [&](unsigned joint, double stiffness, const NqVector& axis) {
+    for (const auto& [joint, stiffness, axis] : m_SagJoints->springs(manipulator, state, m_SagStiffness)) {
         jacobian[row + 2][joint] = -(stiffness * axis).dot(gravityVector());
-    });
+    }
 }
 
 void NqAccelerometerEndEffector::insertBits(const NqRowRequest& request,
                                             SparsityDescription& sparsity) const {
     const NqIndividualManipulator& manipulator = request.manipulator;
-    const unsigned row = request.row;
-    const NqManipulatorLink* link = nullptr;
-    if (m_IsOn) {
-        link = NqLinkLookup::linkOrMessage(
-            manipulator, linkIdentifier(),
-            "NqAccelerometerEndEffector::insertSparsityComponent(): bad label on accelerometer end effector: "
-            "%s.\n");
-        if (!link) {
-            return;
+    unsigned row = request.row;
+    setSagJointFlags(manipulator);
+    if (!m_IsOn) {
+        for (const unsigned joint : m_SagJoints->first(manipulator)) {
+            sparsity[row++][joint] = true;
         }
-        link->forEachCarryingJoint([&](unsigned joint) {
-            if (isSagJoint(manipulator, joint)) {
-                NqSparsityBits::setColumns(joint, joint + 1, row, 2, sparsity);
-            }
-        });
+        return;
     }
-    forEachSagJoint(manipulator,
-                    [&](unsigned i, unsigned joint) { sparsity[row + (m_IsOn ? 2 : i)][joint] = true; });
+    const auto* link = NqLinkLookup::linkOrMessage(
+        manipulator, linkIdentifier(),
+        "NqAccelerometerEndEffector::insertSparsityComponent(): bad label on accelerometer end effector: "
+        "%s.\n");
+    if (!link) {
+        return;
+    }
+    link->forEachCarryingJoint([&](unsigned joint) {
+        if (m_SagJoints->contains(joint)) {
+            NqSparsityBits::setColumns(joint, joint + 1, row, 2, sparsity);
+        }
+    });
+    for (const unsigned joint : m_SagJoints->first(manipulator)) {
+        sparsity[row + 2][joint] = true;
+    }
 }
 
 void NqAccelerometerEndEffector::calculatePlacement(const NqIndividualManipulator& manipulator,
@@ -149,6 +107,7 @@ bool NqAccelerometerEndEffector::calculateGravityReadingPlacement(const NqIndivi
     if (!link) {
         return false;
     }
+    setSagJointFlags(manipulator);
     const NqOrientation& turn = link->primaryFrameInSystem(state.activePositionState()).orientation();
     placement.coordSysXForm().setOrientation(turn * sensorFrame().orientation() * *m_DesiredOrientation);
     placement.dataVector().assign(1, springSum(manipulator, state, state.positionState().jointPositions()));
@@ -159,10 +118,12 @@ template <typename AngularOf>
 auto NqAccelerometerEndEffector::rows(const NqIndividualManipulator& manipulator,
                                       NqManipulatorActiveState& state, const NqXmlRealVector& jointValues,
                                       AngularOf angularOf) const -> Rows {
+    setSagJointFlags(manipulator);
     Rows rows{};
     if (!m_IsOn) {
-        forEachSagJoint(manipulator,
-                        [&](unsigned i, unsigned joint) { rows[i] = numberAt(jointValues, joint); });
+        const auto joints = m_SagJoints->first(manipulator);
+        std::transform(joints.begin(), joints.end(), rows.begin(),
+                       [&](unsigned joint) { return numberAt(jointValues, joint); });
     } else if (const NqManipulatorLink* link = manipulator.linkByLabel(linkIdentifier())) {
         const NqVector angular = angularOf(*link);
         rows = {angular.x(), angular.y(), springSum(manipulator, state, jointValues)};
@@ -193,30 +154,29 @@ void NqAccelerometerEndEffector::calculateAcceleration(const NqIndividualManipul
         NqVelocityEntries::Tail::Kept, acceleration);
 }
 
-void NqAccelerometerEndEffector::filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                                           const NqEndEffectorPlacement& desiredPlacement,
-                                                           const NqXmlRealVector& desiredVelocity,
-                                                           const NqXmlRealVector& previousVelocity,
-                                                           double timeStep, NqManipulatorActiveState& state,
-                                                           NqXmlRealVector& filtered) const {
+void NqAccelerometerEndEffector::insertCommand(const NqTargetRequest& request,
+                                               NqXmlRealVector& filtered) const {
     constexpr bool zAxisOnly = true; // no more can be told of gravity
     constexpr bool applyProfile = true;
+    const NqIndividualManipulator& manipulator = request.manipulator;
     const double gain = motionFilter().angularGain();
     Rows command{};
+    setSagJointFlags(manipulator);
     if (!m_IsOn) {
-        const NqXmlRealVector& positions = state.positionState().jointPositions();
-        forEachSagJoint(manipulator, [&](unsigned i, unsigned joint) {
-            command[i] = -(gain * numberAt(positions, joint));
-        });
+        const NqXmlRealVector& positions = request.state.positionState().jointPositions();
+        const auto joints = m_SagJoints->first(manipulator);
+        std::transform(joints.begin(), joints.end(), command.begin(),
+                       [&](unsigned joint) { return -(gain * numberAt(positions, joint)); });
     } else {
-        *m_DesiredOrientation = desiredPlacement.coordSysXForm().orientation();
-        if (calculateGravityReadingPlacement(manipulator, state, *m_ActualPlacement)) {
-            const NqVector previous(numberAt(previousVelocity, 0), numberAt(previousVelocity, 1), 0.0);
+        *m_DesiredOrientation = request.desiredPlacement.coordSysXForm().orientation();
+        if (calculateGravityReadingPlacement(manipulator, request.state, *m_ActualPlacement)) {
+            const NqVector previous(numberAt(request.previousVelocity, 0),
+                                    numberAt(request.previousVelocity, 1), 0.0);
             NqVector out;
             motionFilter().calculateRotationMotion(m_ActualPlacement->coordSysXForm().orientation(),
                                                    gravityOrientation(),
-                                                   NqVelocityEntries::vectorAt(desiredVelocity), previous,
-                                                   timeStep, out, zAxisOnly, applyProfile);
+                                                   NqVelocityEntries::vectorAt(request.desiredVelocity),
+                                                   previous, request.timeStep, out, zAxisOnly, applyProfile);
             command = {out.x(), out.y(), -(gain * m_ActualPlacement->dataVector()[0])};
         }
     }

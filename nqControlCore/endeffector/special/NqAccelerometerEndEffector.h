@@ -3,12 +3,13 @@
 #include <nqControlCore/endeffector/NqEditableEndEffector.h>
 #include <nqControlCore/endeffector/NqRotationBasedEndEffector.h>
 #include <nqControlCore/endeffector/NqRowEndEffector.h>
+#include <nqControlCore/endeffector/NqTargetedEndEffector.h>
+#include <nqControlCore/endeffector/special/NqSagJoints.h>
 #include <nqControlCore/foundation/math/NqDroppedOnCopy.h>
 #include <nqControlCore/foundation/xml/NqXmlCoordinateSystemTransformation.h>
 #include <nqControlCore/foundation/xml/NqXmlVector.h>
 
 #include <array>
-#include <vector>
 
 /// Levels a sensor that feels gravity by means of joints that give way, the sag joints: three rows.
 ///
@@ -41,8 +42,10 @@
 /// - Sag joints are looked up once and remembered, also for another manipulator, until their labels are set,
 ///   read or assigned; labels that are unknown or of the base are left out in silence.
 class NqAccelerometerEndEffector
-    : public NqConcreteEndEffector<NqAccelerometerEndEffector,
-                                   NqRowEndEffector<NqAccelerometerEndEffector, NqRotationBasedEndEffector>> {
+    : public NqConcreteEndEffector<
+          NqAccelerometerEndEffector,
+          NqTargetedEndEffector<NqAccelerometerEndEffector,
+                                NqRowEndEffector<NqAccelerometerEndEffector, NqRotationBasedEndEffector>>> {
 public:
     static const NqToken& classToken() { return NqControlCore::NqAccelerometerEndEffectorToken; }
     static constexpr const char* theTooltip =
@@ -52,7 +55,7 @@ public:
     /// Forgets the sag joints.
     bool read(NqXmlReader& reader) override;
 
-    unsigned doc() const override { return theRows; }
+    unsigned doc() const override { return NqSagJoints::theMost; }
 
     void insertRows(const NqRowRequest& request, NqManipulatorActiveState& state, NqReArray& jacobian) const;
     void insertBits(const NqRowRequest& request, SparsityDescription& sparsity) const;
@@ -69,13 +72,8 @@ public:
     void calculateAcceleration(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
                                NqXmlRealVector& acceleration, unsigned start) const override;
 
-    using NqRotationBasedEndEffector::filterEndEffectorVelocity;
     /// While it is on, keeps the desired orientation for the reading. Zeros for a link that is not found.
-    void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                   const NqEndEffectorPlacement& desiredPlacement,
-                                   const NqXmlRealVector& desiredVelocity,
-                                   const NqXmlRealVector& previousVelocity, double timeStep,
-                                   NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
+    void insertCommand(const NqTargetRequest& request, NqXmlRealVector& filtered) const;
 
     /// The angle between the orientations times the error weight.
     double difference(const NqEndEffectorPlacement& a, const NqEndEffectorPlacement& b) const override;
@@ -105,7 +103,9 @@ public:
 
 protected:
     /// Looks the sag joints up, unless they are remembered.
-    void setSagJointFlags(const NqIndividualManipulator& manipulator) const;
+    void setSagJointFlags(const NqIndividualManipulator& manipulator) const {
+        m_SagJoints->lookUp(manipulator, m_SagLinkLabels);
+    }
 
     /// What the sensor would read if it were level: R S D, with the last desired orientation D, and as one
     /// number the -sum of k_i q_i (a_i . g). False, with a message, where the link is not found.
@@ -125,22 +125,11 @@ private:
                                nqComponent(NqGravityVectorToken, &E::m_GravityVector));
     }
 
-    static constexpr unsigned theRows = 3;
-    using Rows = std::array<double, theRows>;
+    /// One for each sag joint that counts, or else two of the sensor and one of all springs.
+    using Rows = std::array<double, NqSagJoints::theMost>;
 
     /// An orientation whose z axis is the direction of gravity.
     NqOrientation gravityOrientation() const { return NqOrientation::fromZTo(gravityVector().unitVector()); }
-
-    /// Calls `visit(i, joint)` for the first sag joints, at most three.
-    template <typename Visit>
-    void forEachSagJoint(const NqIndividualManipulator& manipulator, Visit visit) const;
-
-    bool isSagJoint(const NqIndividualManipulator& manipulator, unsigned joint) const;
-
-    /// Calls `visit(joint, k_i, a_i)` for those sag joints that have a stiffness.
-    template <typename Visit>
-    void forEachSpring(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
-                       Visit visit) const;
 
     /// The sum of -k_i x_i (a_i . g).
     double springSum(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
@@ -158,9 +147,7 @@ private:
     NqXmlVector m_GravityVector{NqVector(0.0, 0.0, -9.8)};
     bool m_IsOn = false;
 
-    mutable NqDroppedOnCopy<std::vector<bool>> m_SagJointFlags; ///< one for each joint
+    mutable NqDroppedOnCopy<NqSagJoints> m_SagJoints;
     mutable NqUncopied<NqOrientation> m_DesiredOrientation;
     mutable NqUncopied<NqEndEffectorPlacement> m_ActualPlacement;
-    mutable NqUncopied<NqPositionState> m_UnsaggedPositions;
-    mutable NqUncopied<NqManipulatorActivePositionState> m_UnsaggedState;
 };

@@ -33,8 +33,8 @@ const NqEditableValueTable<NqCenterOfMassEndEffector>& NqCenterOfMassEndEffector
     using E = NqCenterOfMassEndEffector;
     using Table = NqEditableValueTable<E>;
     static const Table table = {
-        filterRows<E>("The velocity profile type. Current suppoted values are: trapezoidal and "
-                      "proportional."),
+        filterRows("The velocity profile type. Current suppoted values are: trapezoidal and "
+                   "proportional."),
         Table::hardConstraint(),
     };
     return table;

@@ -18,9 +18,8 @@
 ///   base columns are empty, though their bits are set.
 /// - calculateAcceleration() writes nothing.
 class NqCenterOfMassEndEffector
-    : public NqConcreteEndEffector<
-          NqCenterOfMassEndEffector,
-          NqRowEndEffector<NqCenterOfMassEndEffector, NqCenterOfMassBasedEndEffector>> {
+    : public NqConcreteEndEffector<NqCenterOfMassEndEffector,
+                                   NqCenterOfMassBasedEndEffector<NqCenterOfMassEndEffector>> {
 public:
     static const NqToken& classToken() { return NqControlCore::NqCenterOfMassEndEffectorToken; }
     static constexpr const char* theTooltip =
@@ -40,7 +39,20 @@ public:
     virtual const double& errorWeight() const { return m_ErrorWeight.value(); }
     virtual void setErrorWeight(const double& weight) { m_ErrorWeight = weight; }
 
+    /// The centre of mass in the system frame, in m; the origin of the base frame where there is no mass.
+    virtual void calculatePointPlacement(const NqIndividualManipulator& manipulator,
+                                         NqManipulatorActiveState& state, NqVector& point) const {
+        point = manipulator.centerOfMass(state.activePositionState());
+    }
+
+protected:
+    /// The column of a link's joint, times the mass; see momentRate().
+    virtual NqVector firstMomentRate(const NqManipulatorLink& link, NqManipulatorActiveState& state) const {
+        return momentRate(link, state);
+    }
+
 private:
+    friend class NqCenterOfMassBasedEndEffector<NqCenterOfMassEndEffector>;
     friend struct NqXmlComponentAccess;
     static auto components() {
         return nqComponentList(

@@ -50,12 +50,11 @@ template <typename Matrix, typename Visit>
 void NqCoordinatedJointEndEffector::forEachElement(const NqRowRequest& request, const Matrix& matrix,
                                                    const char* message, Visit visit) const {
     initialize(request.manipulator);
-    // An assigned object may remember more joints than it has rows.
-    const unsigned count = std::min(m_Joints->size(), doc());
-    for (unsigned k = 0; k < count; ++k) {
+    for (unsigned k = 0; k < m_Joints->size(); ++k) {
         const unsigned row = request.row + k;
         const unsigned column = m_Joints->jointIndex(k);
-        if (NqJacobianRows::hasElement(row, column, matrix, message)) {
+        // An assigned object may remember more joints than it has rows.
+        if (NqJacobianRows::hasElement(row, column, matrix, message) && k < doc()) {
             visit(row, column);
         }
     }
@@ -107,14 +106,11 @@ void NqCoordinatedJointEndEffector::filterEndEffectorVelocity(const NqXmlRealVec
     m_Joints->filterVelocity(desiredVelocity, previousVelocity, timeStep, filtered);
 }
 
-void NqCoordinatedJointEndEffector::filterEndEffectorVelocity(
-    const NqIndividualManipulator& manipulator, const NqEndEffectorPlacement& desiredPlacement,
-    const NqXmlRealVector& desiredVelocity, const NqXmlRealVector& previousVelocity, double timeStep,
-    NqManipulatorActiveState& state, NqXmlRealVector& filtered) const {
-    initialize(manipulator);
-    if (m_Joints->takeTarget(desiredPlacement.dataVector())) {
-        m_Joints->filterTowardsTarget(state.positionState().jointPositions(), desiredVelocity,
-                                      previousVelocity, timeStep, filtered);
+void NqCoordinatedJointEndEffector::insertCommand(const NqTargetRequest& request,
+                                                  NqXmlRealVector& filtered) const {
+    initialize(request.manipulator);
+    if (m_Joints->takeTarget(request.desiredPlacement.dataVector())) {
+        m_Joints->filterTowardsTarget(request, filtered);
     } else {
         filtered.assign(m_Joints->size(), 0.0);
     }

@@ -3,6 +3,7 @@
 #include <nqControlCore/endeffector/NqEditableEndEffector.h>
 #include <nqControlCore/endeffector/NqJointList.h>
 #include <nqControlCore/endeffector/NqRowEndEffector.h>
+#include <nqControlCore/endeffector/NqTargetedEndEffector.h>
 #include <nqControlCore/endeffector/NqUnfilteredEndEffector.h>
 #include <nqControlCore/endeffector/special/NqJointCoordination.h>
 #include <nqControlCore/foundation/math/NqUncopied.h>
@@ -36,8 +37,10 @@ class NqControlParameters;
 /// Relative links, external offsets and a free base play no part, nor does the link that the base class
 /// names. Conversions to a relative frame drop the data vector: leave the relative mode at none.
 class NqCoordinatedJointEndEffector
-    : public NqConcreteEndEffector<NqCoordinatedJointEndEffector,
-                                   NqRowEndEffector<NqCoordinatedJointEndEffector, NqUnfilteredEndEffector>> {
+    : public NqConcreteEndEffector<
+          NqCoordinatedJointEndEffector,
+          NqTargetedEndEffector<NqCoordinatedJointEndEffector,
+                                NqRowEndEffector<NqCoordinatedJointEndEffector, NqUnfilteredEndEffector>>> {
 public:
     static const NqToken& classToken() { return NqControlCore::NqCoordinatedJointEndEffectorToken; }
     static constexpr const char* theTooltip = "Type of end-effector used for coordinated joint control.";
@@ -62,16 +65,13 @@ public:
     void calculateVelocity(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
                            NqXmlRealVector& velocity, unsigned start) const override;
 
+    using NqTargetedEndEffector::filterEndEffectorVelocity;
     /// Under each joint's own limits, without a target and without coordination: the limits of speed that
     /// were found for a target are gone until the next one.
     void filterEndEffectorVelocity(const NqXmlRealVector& desiredVelocity,
                                    const NqXmlRealVector& previousVelocity, double timeStep,
                                    NqXmlRealVector& filtered) const override;
-    void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                   const NqEndEffectorPlacement& desiredPlacement,
-                                   const NqXmlRealVector& desiredVelocity,
-                                   const NqXmlRealVector& previousVelocity, double timeStep,
-                                   NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
+    void insertCommand(const NqTargetRequest& request, NqXmlRealVector& filtered) const;
 
     /// Desired minus present positions.
     void calculateEndEffectorError(const NqIndividualManipulator& manipulator,
@@ -110,8 +110,8 @@ public:
     virtual const NqXmlRealVector& profileAccelerations() const { return m_ProfileAccelerations; }
     virtual void setProfileAccelerations(const NqXmlRealVector& accelerations);
 
-    virtual const double& errorWeight() const { return m_ErrorWeight.value(); }
-    virtual void setErrorWeight(const double& weight) { m_ErrorWeight = weight; }
+    virtual double errorWeight() const { return m_ErrorWeight; }
+    virtual void setErrorWeight(double weight) { m_ErrorWeight = weight; }
 
     /// Takes the limits from the parameters, which have them by joint index, and makes the filters anew;
     /// nothing is done where limits are as they were, or useControlParameters() is false. Call it again after
@@ -154,8 +154,8 @@ private:
     template <typename Visit>
     void forEachJoint(const NqIndividualManipulator& manipulator, Visit visit) const;
 
-    /// Calls `visit(row, column)` for each joint, with those that the matrix has, and with the message for
-    /// others.
+    /// Calls `visit(row, column)` for each joint that has its row there; prints the message where the matrix
+    /// hasn't that element.
     template <typename Matrix, typename Visit>
     void forEachElement(const NqRowRequest& request, const Matrix& matrix, const char* message,
                         Visit visit) const;

@@ -2,24 +2,20 @@
 
 #include <algorithm>
 
-void NqFreeSpinInZEndEffector::filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                                         const NqEndEffectorPlacement& desiredPlacement,
-                                                         const NqXmlRealVector& desiredVelocity,
-                                                         const NqXmlRealVector& previousVelocity,
-                                                         double timeStep, NqManipulatorActiveState& state,
-                                                         NqXmlRealVector& filtered) const {
+void NqFreeSpinInZEndEffector::insertCommand(const NqTargetRequest& request,
+                                             NqXmlRealVector& filtered) const {
     NqCoordinateSystemTransformation frame;
-    if (!isRightSize(std::min(desiredVelocity.size(), previousVelocity.size()) >= doc()) ||
-        !calculateFrameInSystem(manipulator, state, frame)) {
+    if (!isRightSize(std::min(request.desiredVelocity.size(), request.previousVelocity.size()) >= doc()) ||
+        !calculateFrameInSystem(request.manipulator, request.state, frame)) {
         return;
     }
     NqGeneralMotion desired;
     NqGeneralMotion previous;
     NqGeneralMotion out;
-    convertToGeneralVelocity(desiredVelocity, frame.orientation(), desired);
-    convertToGeneralVelocity(previousVelocity, frame.orientation(), previous);
-    filterFrameEndEffectorVelocity(manipulator, desiredPlacement.coordSysXForm(), desired, previous, timeStep,
-                                   state, out);
+    convertToGeneralVelocity(request.desiredVelocity, frame.orientation(), desired);
+    convertToGeneralVelocity(request.previousVelocity, frame.orientation(), previous);
+    filterFrameEndEffectorVelocity(request.manipulator, request.desiredPlacement.coordSysXForm(), desired,
+                                   previous, request.timeStep, request.state, out);
     putRows(out, frame.orientation(), filtered);
 }
 

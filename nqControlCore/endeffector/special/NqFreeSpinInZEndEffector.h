@@ -21,12 +21,7 @@ public:
 
     /// The velocities must have five entries each, or else the output stays, with a message; further ones are
     /// passed over.
-    using NqPartialFrameEndEffector::filterEndEffectorVelocity;
-    void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                   const NqEndEffectorPlacement& desiredPlacement,
-                                   const NqXmlRealVector& desiredVelocity,
-                                   const NqXmlRealVector& previousVelocity, double timeStep,
-                                   NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
+    void insertCommand(const NqTargetRequest& request, NqXmlRealVector& filtered) const;
 
     /// The distance times the linear error weight plus the angle between the z axes times the angular one.
     double difference(const NqEndEffectorPlacement& a, const NqEndEffectorPlacement& b) const override;
@@ -47,9 +42,10 @@ public:
                                                 NqManipulatorActiveState& state,
                                                 NqGeneralMotion& filtered) const;
 
-protected:
     /// The motion in the system frame that has these five rows in a frame of that orientation, and no spin.
-    using NqPartialFrameEndEffector::convertToGeneralVelocity;
     virtual void convertToGeneralVelocity(const NqXmlRealVector& velocity, const NqOrientation& orientation,
                                           NqGeneralMotion& motion) const;
+
+protected:
+    using NqPartialFrameEndEffector::convertToGeneralVelocity;
 };

@@ -1,6 +1,7 @@
 #include <nqControlCore/endeffector/special/NqJointCoordination.h>
 
 #include <nqControlCore/endeffector/NqVelocityEntries.h>
+#include <nqControlCore/foundation/manipulator/NqManipulatorActiveState.h>
 #include <nqControlCore/foundation/text/NqPrint.h>
 
 #include <algorithm>
@@ -54,18 +55,16 @@ void NqJointCoordination::select(const std::vector<double>& all, std::vector<dou
     }
 }
 
-void NqJointCoordination::filterTowardsTarget(const NqXmlRealVector& positions,
-                                              const NqXmlRealVector& desiredVelocity,
-                                              const NqXmlRealVector& previousVelocity, double timeStep,
-                                              NqXmlRealVector& filtered) {
+void NqJointCoordination::filterTowardsTarget(const NqTargetRequest& request, NqXmlRealVector& filtered) {
+    const NqXmlRealVector& positions = request.state.positionState().jointPositions();
     if (hasNewTarget()) {
-        coordinate(positions, previousVelocity);
+        coordinate(positions, request.previousVelocity);
     }
     filtered.resize(m_Joints.size());
     for (unsigned i = 0; i < m_Joints.size(); ++i) {
-        m_Joints[i].filter.calculateVelocity(numberAt(positions, m_Joints[i].index), m_Target[i],
-                                             numberAt(desiredVelocity, i), numberAt(previousVelocity, i),
-                                             timeStep, filtered[i]);
+        m_Joints[i].filter.calculateVelocity(
+            numberAt(positions, m_Joints[i].index), m_Target[i], numberAt(request.desiredVelocity, i),
+            numberAt(request.previousVelocity, i), request.timeStep, filtered[i]);
     }
     m_CoordinatedTarget = m_Target;
 }

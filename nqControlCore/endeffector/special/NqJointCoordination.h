@@ -1,5 +1,6 @@
 #pragma once
 
+#include <nqControlCore/endeffector/NqTargetRequest.h>
 #include <nqControlCore/filter/NqScalarMotionFilter.h>
 #include <nqControlCore/filter/NqTrapezoidalProfileTool.h>
 #include <nqControlCore/foundation/xml/NqXmlVectorBasicType.h>
@@ -41,11 +42,8 @@ public:
     /// Picks the joints' entries by joint index; one that isn't there leaves what was selected.
     void select(const std::vector<double>& all, std::vector<double>& selected) const;
 
-    /// The velocities towards the target that was taken. Missing entries are zero; positions are by joint
-    /// index.
-    void filterTowardsTarget(const NqXmlRealVector& positions, const NqXmlRealVector& desiredVelocity,
-                             const NqXmlRealVector& previousVelocity, double timeStep,
-                             NqXmlRealVector& filtered);
+    /// The velocities towards the target that was taken. Missing entries are zero.
+    void filterTowardsTarget(const NqTargetRequest& request, NqXmlRealVector& filtered);
 
     /// The velocities under each joint's own limits, which from then on are those of the filters.
     void filterVelocity(const NqXmlRealVector& desiredVelocity, const NqXmlRealVector& previousVelocity,

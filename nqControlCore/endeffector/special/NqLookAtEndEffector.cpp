@@ -5,16 +5,12 @@ void NqLookAtEndEffector::calculateAcceleration(const NqIndividualManipulator&, 
     NqVelocityEntries::putZeros(start, doc(), acceleration);
 }
 
-void NqLookAtEndEffector::filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                                    const NqEndEffectorPlacement& desiredPlacement,
-                                                    const NqXmlRealVector&, const NqXmlRealVector&,
-                                                    double timeStep, NqManipulatorActiveState& state,
-                                                    NqXmlRealVector& filtered) const {
+void NqLookAtEndEffector::insertCommand(const NqTargetRequest& request, NqXmlRealVector& filtered) const {
     NqGeneralMotion out;
-    filterFrameEndEffectorVelocity(manipulator, desiredPlacement.coordSysXForm(), {}, {}, timeStep, state,
-                                   out);
-    const NqOrientation& actual = presentPlacement(manipulator, state).coordSysXForm().orientation();
-    const NqVector across = actual.inverse() * out.linear();
+    filterFrameEndEffectorVelocity(request.manipulator, request.desiredPlacement.coordSysXForm(), {}, {},
+                                   request.timeStep, request.state, out);
+    const NqEndEffectorPlacement& present = presentPlacement(request.manipulator, request.state);
+    const NqVector across = present.coordSysXForm().orientation().inverse() * out.linear();
     NqVelocityEntries::put(std::array{across.y(), across.z()}, 0, NqVelocityEntries::Tail::Cut, filtered);
 }
 

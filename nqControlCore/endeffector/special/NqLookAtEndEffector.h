@@ -2,6 +2,7 @@
 
 #include <nqControlCore/endeffector/NqFrameBasedEndEffector.h>
 #include <nqControlCore/endeffector/NqMotionEndEffector.h>
+#include <nqControlCore/endeffector/NqTargetedEndEffector.h>
 
 /// Points the x axis of a frame fixed in a link at a target, as of a camera: two rows, the linear velocities
 /// of the focus point, which lies focusDistance() ahead on that axis, along the frame's y and z axes. The
@@ -15,9 +16,11 @@
 ///   same. The acceleration is zero by definition.
 /// - The error weight of the rows, linearErrorWeight(), starts at 0.1.
 class NqLookAtEndEffector
-    : public NqConcreteEndEffector<NqLookAtEndEffector,
-                                   NqMotionEndEffector<NqLookAtEndEffector, NqFrameBasedEndEffector>,
-                                   NqEditableLength::AtLeast> {
+    : public NqConcreteEndEffector<
+          NqLookAtEndEffector,
+          NqTargetedEndEffector<NqLookAtEndEffector,
+                                NqMotionEndEffector<NqLookAtEndEffector, NqFrameBasedEndEffector>>,
+          NqEditableLength::AtLeast> {
 public:
     NqLookAtEndEffector() { NqLookAtEndEffector::setLinearErrorWeight(0.1); }
 
@@ -43,12 +46,7 @@ public:
                                NqXmlRealVector& acceleration, unsigned start) const override;
 
     /// The command towards the target alone: the velocities that are passed in play no part.
-    using NqFrameBasedEndEffector::filterEndEffectorVelocity;
-    void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                   const NqEndEffectorPlacement& desiredPlacement,
-                                   const NqXmlRealVector& desiredVelocity,
-                                   const NqXmlRealVector& previousVelocity, double timeStep,
-                                   NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
+    void insertCommand(const NqTargetRequest& request, NqXmlRealVector& filtered) const;
 
     /// The angle between the line of sight of the first placement and the way from its frame to the focus
     /// point of the second, times an angular scale: that is 0, and so are difference and minimum time.

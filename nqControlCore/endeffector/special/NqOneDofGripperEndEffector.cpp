@@ -2,8 +2,6 @@
 
 #include <nqControlCore/endeffector/NqVelocityEntries.h>
 
-#include <algorithm>
-
 bool NqOneDofGripperEndEffector::read(NqXmlReader& reader) {
     reset();
     return NqScalarBasedEndEffector::read(reader);
@@ -17,11 +15,11 @@ void NqOneDofGripperEndEffector::forEachRow(const NqRowRequest& request, const M
         return;
     }
     const NqJointList& slaves = m_Joints->slaves;
-    const unsigned count = static_cast<unsigned>(std::min<std::size_t>(slaves.size() + 1, doc()));
-    for (unsigned i = 0; i < count; ++i) {
+    for (unsigned i = 0; i <= slaves.size(); ++i) {
         const unsigned row = request.row + i;
         const unsigned column = i == 0 ? m_Joints->master[0].index : slaves[i - 1].index;
-        if (NqJacobianRows::hasElement(row, column, matrix, message)) {
+        // Slaves that have piled up have no rows of their own.
+        if (NqJacobianRows::hasElement(row, column, matrix, message) && i < doc()) {
             visit(i, row, column);
         }
     }
@@ -88,15 +86,11 @@ void NqOneDofGripperEndEffector::filterEndEffectorVelocity(const NqXmlRealVector
     filtered.resize(doc());
 }
 
-void NqOneDofGripperEndEffector::filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                                           const NqEndEffectorPlacement& desiredPlacement,
-                                                           const NqXmlRealVector& desiredVelocity,
-                                                           const NqXmlRealVector& previousVelocity,
-                                                           double timeStep, NqManipulatorActiveState& state,
-                                                           NqXmlRealVector& filtered) const {
-    if (const double* position = ofMaster(manipulator, state.positionState().jointPositions())) {
-        filterNumber(*position, number(desiredPlacement), desiredVelocity, previousVelocity, timeStep,
-                     filtered);
+void NqOneDofGripperEndEffector::insertCommand(const NqTargetRequest& request,
+                                               NqXmlRealVector& filtered) const {
+    if (const double* position =
+            ofMaster(request.manipulator, request.state.positionState().jointPositions())) {
+        filterNumber(*position, number(request.desiredPlacement), request, filtered);
     } else {
         filtered.clear();
     }

@@ -4,6 +4,7 @@
 #include <nqControlCore/endeffector/NqJointList.h>
 #include <nqControlCore/endeffector/NqRowEndEffector.h>
 #include <nqControlCore/endeffector/NqScalarBasedEndEffector.h>
+#include <nqControlCore/endeffector/NqTargetedEndEffector.h>
 #include <nqControlCore/foundation/math/NqDroppedOnCopy.h>
 
 /// Drives one joint, the master, to a position and has others, the slaves, follow it in fixed ratios, as the
@@ -29,8 +30,10 @@
 ///
 /// Relative links, external offsets and a free base play no part.
 class NqOneDofGripperEndEffector
-    : public NqConcreteEndEffector<NqOneDofGripperEndEffector,
-                                   NqRowEndEffector<NqOneDofGripperEndEffector, NqScalarBasedEndEffector>> {
+    : public NqConcreteEndEffector<
+          NqOneDofGripperEndEffector,
+          NqTargetedEndEffector<NqOneDofGripperEndEffector,
+                                NqRowEndEffector<NqOneDofGripperEndEffector, NqScalarBasedEndEffector>>> {
 public:
     static const NqToken& classToken() { return NqControlCore::NqOneDofGripperEndEffectorToken; }
     static constexpr const char* theTooltip = "Type of end-effector that can be used as a 1-DOF gripper.";
@@ -53,14 +56,11 @@ public:
     void calculateAcceleration(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
                                NqXmlRealVector& acceleration, unsigned start) const override;
 
+    using NqTargetedEndEffector::filterEndEffectorVelocity;
     void filterEndEffectorVelocity(const NqXmlRealVector& desiredVelocity,
                                    const NqXmlRealVector& previousVelocity, double timeStep,
                                    NqXmlRealVector& filtered) const override;
-    void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                   const NqEndEffectorPlacement& desiredPlacement,
-                                   const NqXmlRealVector& desiredVelocity,
-                                   const NqXmlRealVector& previousVelocity, double timeStep,
-                                   NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
+    void insertCommand(const NqTargetRequest& request, NqXmlRealVector& filtered) const;
 
     /// Present minus desired position of the master.
     void calculateEndEffectorError(const NqIndividualManipulator& manipulator,
@@ -81,8 +81,8 @@ public:
     virtual const NqXmlRealVector& slaveJointWeights() const { return m_SlaveJointWeights; }
     virtual void setSlaveJointWeights(const NqXmlRealVector& weights);
 
-    virtual const double& errorWeight() const { return m_ErrorWeight.value(); }
-    virtual void setErrorWeight(const double& weight) { m_ErrorWeight = weight; }
+    virtual double errorWeight() const { return m_ErrorWeight; }
+    virtual void setErrorWeight(double weight) { m_ErrorWeight = weight; }
 
 protected:
     /// Looks the joints up, unless the master is remembered.

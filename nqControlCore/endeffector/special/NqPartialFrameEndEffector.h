@@ -2,6 +2,7 @@
 
 #include <nqControlCore/endeffector/NqFrameBasedEndEffector.h>
 #include <nqControlCore/endeffector/NqMotionEndEffector.h>
+#include <nqControlCore/endeffector/NqTargetedEndEffector.h>
 #include <nqControlCore/foundation/text/NqTextLiteral.h>
 
 /// The plan of a constraint on some freedoms of a frame, in the frame's own axes. Messages name the class,
@@ -48,9 +49,8 @@ constexpr NqMotionPlan nqPartialFramePlan(NqMotionComponents rows) {
 ///
 /// Derived offers its name, `static constexpr NqTextLiteral theName`.
 template <typename Derived>
-class NqPartialFrameEndEffector : public NqMotionEndEffector<Derived, NqFrameBasedEndEffector> {
-    using Layer = NqMotionEndEffector<Derived, NqFrameBasedEndEffector>;
-
+class NqPartialFrameEndEffector
+    : public NqTargetedEndEffector<Derived, NqMotionEndEffector<Derived, NqFrameBasedEndEffector>> {
 public:
     /// The frame in the system; false where the link is not found.
     virtual bool calculateFrameInSystem(const NqIndividualManipulator& manipulator,
@@ -66,21 +66,16 @@ public:
     /// The desired velocity must have doc() entries, or else the output stays, with a message. The previous
     /// one plays no part: the filter counts every step as one from rest, and its limits of acceleration
     /// times the step bound the speed.
-    using Layer::filterEndEffectorVelocity;
-    void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                   const NqEndEffectorPlacement& desiredPlacement,
-                                   const NqXmlRealVector& desiredVelocity, const NqXmlRealVector&,
-                                   double timeStep, NqManipulatorActiveState& state,
-                                   NqXmlRealVector& filtered) const override {
+    void insertCommand(const NqTargetRequest& request, NqXmlRealVector& filtered) const {
         NqCoordinateSystemTransformation frame;
-        if (!isRightSize(desiredVelocity.size() == this->doc()) ||
-            !calculateFrameInSystem(manipulator, state, frame)) {
+        if (!isRightSize(request.desiredVelocity.size() == this->doc()) ||
+            !calculateFrameInSystem(request.manipulator, request.state, frame)) {
             return;
         }
         NqGeneralMotion out;
-        this->filterFrameEndEffectorVelocity(manipulator, desiredPlacement,
-                                             systemMotion(desiredVelocity, frame.orientation()), {}, timeStep,
-                                             state, out);
+        this->filterFrameEndEffectorVelocity(request.manipulator, request.desiredPlacement,
+                                             systemMotion(request.desiredVelocity, frame.orientation()), {},
+                                             request.timeStep, request.state, out);
         putRows(out, frame.orientation(), filtered);
     }
 

@@ -62,15 +62,13 @@ void NqProjectedCenterOfMassEndEffector::calculateVelocity(const NqIndividualMan
     NqVelocityEntries::put(std::array{v.x(), v.y()}, start, NqVelocityEntries::Tail::Kept, velocity);
 }
 
-void NqProjectedCenterOfMassEndEffector::filterEndEffectorVelocity(
-    const NqIndividualManipulator& manipulator, const NqEndEffectorPlacement& desiredPlacement,
-    const NqXmlRealVector& desiredVelocity, const NqXmlRealVector&, double timeStep,
-    NqManipulatorActiveState& state, NqXmlRealVector& filtered) const {
-    const NqPlanarVector desired(NqVelocityEntries::numberAt(desiredVelocity, 0),
-                                 NqVelocityEntries::numberAt(desiredVelocity, 1));
+void NqProjectedCenterOfMassEndEffector::insertCommand(const NqTargetRequest& request,
+                                                       NqXmlRealVector& filtered) const {
+    const NqPlanarVector desired(NqVelocityEntries::numberAt(request.desiredVelocity, 0),
+                                 NqVelocityEntries::numberAt(request.desiredVelocity, 1));
     NqPlanarVector out;
-    filter2DPointEndEffectorVelocity(manipulator, desiredPlacement, desired, NqPlanarVector(), timeStep,
-                                     state, out);
+    filter2DPointEndEffectorVelocity(request.manipulator, request.desiredPlacement, desired, NqPlanarVector(),
+                                     request.timeStep, request.state, out);
     NqVelocityEntries::put(std::array{out.x(), out.y()}, 0, NqVelocityEntries::Tail::Cut, filtered);
 }
 
@@ -112,7 +110,7 @@ NqProjectedCenterOfMassEndEffector::editableTable() {
                          " This is the z-coordinate of the axis vector (unit vector).This is measured from "
                          "the primary frame of the link."}},
             &E::xyOrientation, &E::setXyOrientation),
-        filterRows<E>("The velocity profile type.Current supported values are: trapezoidal and proportional"),
+        filterRows("The velocity profile type.Current supported values are: trapezoidal and proportional"),
         Table::flag("project_along_system_vector",
                     "Boolean value (0/1) indicating whether to project the center of mass along the plane "
                     "perpendicular (0) or along a vector defined in system coordinates (1).",

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <nqControlCore/endeffector/NqTargetedEndEffector.h>
 #include <nqControlCore/endeffector/special/NqCenterOfMassBasedEndEffector.h>
 #include <nqControlCore/foundation/math/NqPlanarVector.h>
 #include <nqControlCore/foundation/xml/NqXmlOrientation.h>
@@ -29,7 +30,8 @@
 class NqProjectedCenterOfMassEndEffector
     : public NqConcreteEndEffector<
           NqProjectedCenterOfMassEndEffector,
-          NqRowEndEffector<NqProjectedCenterOfMassEndEffector, NqCenterOfMassBasedEndEffector>> {
+          NqTargetedEndEffector<NqProjectedCenterOfMassEndEffector,
+                                NqCenterOfMassBasedEndEffector<NqProjectedCenterOfMassEndEffector>>> {
 public:
     static const NqToken& classToken() { return NqControlCore::NqProjectedCenterOfMassEndEffectorToken; }
     static constexpr const char* theTooltip =
@@ -45,12 +47,7 @@ public:
     void calculateVelocity(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
                            NqXmlRealVector& velocity, unsigned start) const override;
 
-    using NqCenterOfMassBasedEndEffector::filterEndEffectorVelocity;
-    void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                   const NqEndEffectorPlacement& desiredPlacement,
-                                   const NqXmlRealVector& desiredVelocity,
-                                   const NqXmlRealVector& previousVelocity, double timeStep,
-                                   NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
+    void insertCommand(const NqTargetRequest& request, NqXmlRealVector& filtered) const;
 
     /// The plane, in the axes of the system or of the link that the rows are relative to.
     virtual const NqOrientation& xyOrientation() const { return m_XyOrientation.value(); }
@@ -72,6 +69,12 @@ public:
     virtual void calculate2DPointPlacement(const NqIndividualManipulator& manipulator,
                                            NqManipulatorActiveState& state, NqPlanarVector& point) const;
 
+    /// The centre of mass in the system frame, in m; the origin of the base frame where there is no mass.
+    virtual void calculatePointPlacement(const NqIndividualManipulator& manipulator,
+                                         NqManipulatorActiveState& state, NqVector& point) const {
+        point = manipulator.centerOfMass(state.activePositionState());
+    }
+
     /// The velocity, in the plane, by which the motion filter takes the projected centre of mass towards the
     /// projection of the desired frame's origin. Untouched where the filter refuses.
     virtual void filter2DPointEndEffectorVelocity(const NqIndividualManipulator& manipulator,
@@ -82,6 +85,11 @@ public:
                                                   NqPlanarVector& filtered) const;
 
 protected:
+    /// The column of a link's joint, times the mass; see momentRate().
+    virtual NqVector firstMomentRate(const NqManipulatorLink& link, NqManipulatorActiveState& state) const {
+        return momentRate(link, state);
+    }
+
     /// Brings the working orientation up to date.
     virtual void updateWorkingXyOrientation(const NqIndividualManipulator& manipulator,
                                             NqManipulatorActiveState& state,
@@ -89,6 +97,7 @@ protected:
     virtual const NqOrientation& workingXyOrientation() const { return m_WorkingXyOrientation; }
 
 private:
+    friend class NqCenterOfMassBasedEndEffector<NqProjectedCenterOfMassEndEffector>;
     friend struct NqXmlComponentAccess;
     static auto components() {
         using namespace NqControlCore;

@@ -15,17 +15,13 @@ void NqRCMEndEffector::calculateVelocity(const NqIndividualManipulator& manipula
     Layer::calculateVelocity(manipulator, state, velocity, start);
 }
 
-void NqRCMEndEffector::filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                                 const NqEndEffectorPlacement& desiredPlacement,
-                                                 const NqXmlRealVector&, const NqXmlRealVector&,
-                                                 double timeStep, NqManipulatorActiveState& state,
-                                                 NqXmlRealVector& filtered) const {
+void NqRCMEndEffector::insertCommand(const NqTargetRequest& request, NqXmlRealVector& filtered) const {
     filtered.resize(doc());
-    if (!calculateFrameInSystem(manipulator, state, m_ActualFrame)) {
+    if (!calculateFrameInSystem(request.manipulator, request.state, m_ActualFrame)) {
         return;
     }
-    const NqVector way = desiredPlacement.coordSysXForm().translation() - m_ActualFrame.translation();
-    putRows({way / NqMath::nonZeroPos(timeStep), NqVector()}, m_ActualFrame.orientation(), filtered);
+    const NqVector way = request.desiredPlacement.coordSysXForm().translation() - m_ActualFrame.translation();
+    putRows({way / NqMath::nonZeroPos(request.timeStep), NqVector()}, m_ActualFrame.orientation(), filtered);
 }
 
 double NqRCMEndEffector::difference(const NqEndEffectorPlacement& a, const NqEndEffectorPlacement& b) const {

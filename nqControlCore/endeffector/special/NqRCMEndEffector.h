@@ -26,12 +26,7 @@ public:
 
     /// The way across the present x axis over the time step; the velocities that are passed in play no part.
     /// Where the link is not found the output is resized alone.
-    using Layer::filterEndEffectorVelocity;
-    void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                   const NqEndEffectorPlacement& desiredPlacement,
-                                   const NqXmlRealVector& desiredVelocity,
-                                   const NqXmlRealVector& previousVelocity, double timeStep,
-                                   NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
+    void insertCommand(const NqTargetRequest& request, NqXmlRealVector& filtered) const;
 
     /// The distance across the x axis that the frame had when its Jacobian, velocity or filtered velocity was
     /// last asked for; that of the system before. Orientations of the placements play no part.

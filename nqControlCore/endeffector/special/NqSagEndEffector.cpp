@@ -153,12 +153,8 @@ void NqSagEndEffector::calculateVelocity(const NqIndividualManipulator& manipula
     });
 }
 
-void NqSagEndEffector::filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                                 const NqEndEffectorPlacement&, const NqXmlRealVector&,
-                                                 const NqXmlRealVector&, double,
-                                                 NqManipulatorActiveState& state,
-                                                 NqXmlRealVector& filtered) const {
-    const NqXmlRealVector& residuals = presentPlacement(manipulator, state).dataVector();
+void NqSagEndEffector::insertCommand(const NqTargetRequest& request, NqXmlRealVector& filtered) const {
+    const NqXmlRealVector& residuals = presentPlacement(request.manipulator, request.state).dataVector();
     filtered.resize(residuals.size());
     for (unsigned i = 0; i < residuals.size(); ++i) {
         filtered[i] = -(errorWeight() * residuals[i]);

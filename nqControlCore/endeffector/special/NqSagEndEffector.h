@@ -3,6 +3,7 @@
 #include <nqControlCore/endeffector/NqEditableEndEffector.h>
 #include <nqControlCore/endeffector/NqJointList.h>
 #include <nqControlCore/endeffector/NqRowEndEffector.h>
+#include <nqControlCore/endeffector/NqTargetedEndEffector.h>
 #include <nqControlCore/endeffector/NqUnfilteredEndEffector.h>
 #include <nqControlCore/foundation/manipulator/NqGravitationalTorqueTool.h>
 #include <nqControlCore/foundation/math/NqDroppedOnCopy.h>
@@ -34,8 +35,10 @@
 /// - Relative links, external offsets and the link that the base class names play no part;
 ///   changeLinkLabel() changes that link's label alone.
 class NqSagEndEffector
-    : public NqConcreteEndEffector<NqSagEndEffector,
-                                   NqRowEndEffector<NqSagEndEffector, NqUnfilteredEndEffector>> {
+    : public NqConcreteEndEffector<
+          NqSagEndEffector,
+          NqTargetedEndEffector<NqSagEndEffector,
+                                NqRowEndEffector<NqSagEndEffector, NqUnfilteredEndEffector>>> {
 public:
     static const NqToken& classToken() { return NqControlCore::NqSagEndEffectorToken; }
     static constexpr const char* theTooltip =
@@ -69,12 +72,7 @@ public:
     void calculateAcceleration(const NqIndividualManipulator&, NqManipulatorActiveState&, NqXmlRealVector&,
                                unsigned) const override {}
 
-    using NqUnfilteredEndEffector::filterEndEffectorVelocity;
-    void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                   const NqEndEffectorPlacement& desiredPlacement,
-                                   const NqXmlRealVector& desiredVelocity,
-                                   const NqXmlRealVector& previousVelocity, double timeStep,
-                                   NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
+    void insertCommand(const NqTargetRequest& request, NqXmlRealVector& filtered) const;
 
     /// 1, and not to be set.
     double motionThreshold() const override { return 1.0; }

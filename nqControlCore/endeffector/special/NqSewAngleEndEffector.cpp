@@ -92,13 +92,10 @@ void NqSewAngleEndEffector::calculateVelocity(const NqIndividualManipulator& man
     NqVelocityEntries::put(std::array{sewDerivative(dw, de)}, start, NqVelocityEntries::Tail::Cut, velocity);
 }
 
-void NqSewAngleEndEffector::filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                                      const NqEndEffectorPlacement& desiredPlacement,
-                                                      const NqXmlRealVector&, const NqXmlRealVector&, double,
-                                                      NqManipulatorActiveState& state,
-                                                      NqXmlRealVector& filtered) const {
+void NqSewAngleEndEffector::insertCommand(const NqTargetRequest& request, NqXmlRealVector& filtered) const {
+    const double actual = angleOf(presentPlacement(request.manipulator, request.state));
     const double limit = m_Threshold;
-    const double v = -(angleOf(presentPlacement(manipulator, state)) - angleOf(desiredPlacement)) * m_Gain;
+    const double v = -(actual - angleOf(request.desiredPlacement)) * m_Gain;
     filtered.assign(1, std::max(std::min(v, limit), -limit));
 }
 

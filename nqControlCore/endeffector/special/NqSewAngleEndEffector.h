@@ -2,6 +2,7 @@
 
 #include <nqControlCore/endeffector/NqEditableEndEffector.h>
 #include <nqControlCore/endeffector/NqRowEndEffector.h>
+#include <nqControlCore/endeffector/NqTargetedEndEffector.h>
 #include <nqControlCore/endeffector/NqUnfilteredEndEffector.h>
 #include <nqControlCore/foundation/math/NqDroppedOnCopy.h>
 #include <nqControlCore/foundation/math/NqMath.h>
@@ -35,8 +36,10 @@
 /// then on their labels are only looked up again, so that another manipulator gives its own links, in
 /// whatever order these are.
 class NqSewAngleEndEffector
-    : public NqConcreteEndEffector<NqSewAngleEndEffector,
-                                   NqRowEndEffector<NqSewAngleEndEffector, NqUnfilteredEndEffector>> {
+    : public NqConcreteEndEffector<
+          NqSewAngleEndEffector,
+          NqTargetedEndEffector<NqSewAngleEndEffector,
+                                NqRowEndEffector<NqSewAngleEndEffector, NqUnfilteredEndEffector>>> {
 public:
     static const NqToken& classToken() { return NqControlCore::NqSewAngleEndEffectorToken; }
     static constexpr const char* theTooltip =
@@ -63,12 +66,7 @@ public:
 
     /// gain() times the way from the present to the desired angle, but at most motionThreshold(). Velocities,
     /// time step and speed factor play no part.
-    using NqUnfilteredEndEffector::filterEndEffectorVelocity;
-    void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                   const NqEndEffectorPlacement& desiredPlacement,
-                                   const NqXmlRealVector& desiredVelocity,
-                                   const NqXmlRealVector& previousVelocity, double timeStep,
-                                   NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
+    void insertCommand(const NqTargetRequest& request, NqXmlRealVector& filtered) const;
 
     double minimumTime(const NqEndEffectorPlacement& from, const NqEndEffectorPlacement& to) const override;
 

@@ -54,12 +54,9 @@ void NqSpatialMomentumEndEffector::calculateVelocity(const NqIndividualManipulat
     }
 }
 
-void NqSpatialMomentumEndEffector::filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                                             const NqEndEffectorPlacement&,
-                                                             const NqXmlRealVector&, const NqXmlRealVector&,
-                                                             double, NqManipulatorActiveState& state,
-                                                             NqXmlRealVector& filtered) const {
-    calculateVelocity(manipulator, state, filtered, 0);
+void NqSpatialMomentumEndEffector::insertCommand(const NqTargetRequest& request,
+                                                 NqXmlRealVector& filtered) const {
+    calculateVelocity(request.manipulator, request.state, filtered, 0);
 }
 
 const NqEditableValueTable<NqSpatialMomentumEndEffector>& NqSpatialMomentumEndEffector::editableTable() {

@@ -2,6 +2,7 @@
 
 #include <nqControlCore/endeffector/NqEditableEndEffector.h>
 #include <nqControlCore/endeffector/NqRowEndEffector.h>
+#include <nqControlCore/endeffector/NqTargetedEndEffector.h>
 #include <nqControlCore/endeffector/NqUnfilteredEndEffector.h>
 #include <nqControlCore/foundation/manipulator/NqMatrixDTool.h>
 #include <nqControlCore/foundation/matrix/NqReArray.h>
@@ -25,8 +26,10 @@
 ///   keep a robot from spinning, ask for zero linear momentum too.
 /// - Relative links, external offsets and the link that the base class names play no part.
 class NqSpatialMomentumEndEffector
-    : public NqConcreteEndEffector<NqSpatialMomentumEndEffector,
-                                   NqRowEndEffector<NqSpatialMomentumEndEffector, NqUnfilteredEndEffector>> {
+    : public NqConcreteEndEffector<
+          NqSpatialMomentumEndEffector,
+          NqTargetedEndEffector<NqSpatialMomentumEndEffector,
+                                NqRowEndEffector<NqSpatialMomentumEndEffector, NqUnfilteredEndEffector>>> {
 public:
     static const NqToken& classToken() { return NqControlCore::NqSpatialMomentumEndEffectorToken; }
     static constexpr const char* theTooltip =
@@ -47,13 +50,8 @@ public:
     void calculateVelocity(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
                            NqXmlRealVector& velocity, unsigned start) const override;
 
-    using NqUnfilteredEndEffector::filterEndEffectorVelocity;
     /// The desired momentum; all inputs are ignored.
-    void filterEndEffectorVelocity(const NqIndividualManipulator& manipulator,
-                                   const NqEndEffectorPlacement& desiredPlacement,
-                                   const NqXmlRealVector& desiredVelocity,
-                                   const NqXmlRealVector& previousVelocity, double timeStep,
-                                   NqManipulatorActiveState& state, NqXmlRealVector& filtered) const override;
+    void insertCommand(const NqTargetRequest& request, NqXmlRealVector& filtered) const;
 
     /// Both 0 for any placements.
     double minimumTime(const NqEndEffectorPlacement&, const NqEndEffectorPlacement&) const override {

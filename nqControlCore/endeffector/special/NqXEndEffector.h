@@ -21,6 +21,10 @@ public:
     virtual const NqOrientation& xOrientation() const { return constraintOrientation(); }
     virtual void setXOrientation(const NqOrientation& orientation) { setConstraintOrientation(orientation); }
 
+    /// The weight of each row.
+    virtual const double& errorWeight() const { return constraintWeight(); }
+    virtual void setErrorWeight(const double& weight) { setConstraintWeight(weight); }
+
     /// The coordinate; it stays, with a message, where the link is not found.
     virtual void calculate1DPointPlacement(const NqIndividualManipulator& manipulator,
                                            NqManipulatorActiveState& state, double& value) const;

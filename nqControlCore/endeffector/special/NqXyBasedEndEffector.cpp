@@ -129,7 +129,7 @@ const NqEditableValueTable<NqXyBasedEndEffector>& NqXyBasedEndEffector::editable
             "Soft Constraint Gain",
             "If this is a soft contraint, gain value (g) such that the soft contraint gain G = g*S (where "
             "S is the overall gain value set in the soft contraint handler)",
-            &E::errorWeight, &E::setErrorWeight),
+            &E::constraintWeight, &E::setConstraintWeight),
     };
     return table;
 }

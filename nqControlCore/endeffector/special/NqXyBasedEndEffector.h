@@ -63,10 +63,6 @@ public:
     virtual const NqVector& point() const { return m_Point.value(); }
     virtual void setPoint(const NqVector& point) { m_Point = point; }
 
-    /// The weight of each row.
-    virtual const double& errorWeight() const { return m_ErrorWeight.value(); }
-    virtual void setErrorWeight(const double& weight) { m_ErrorWeight = weight; }
-
     /// The point as a frame whose motion the rows are.
     NqCoordinateSystemTransformation motionFrame() const { return pointOffset(); }
 
@@ -82,6 +78,10 @@ protected:
     /// W.
     const NqOrientation& constraintOrientation() const { return m_XyOrientation.value(); }
     void setConstraintOrientation(const NqOrientation& orientation) { m_XyOrientation = orientation; }
+
+    /// The weight of each row.
+    const double& constraintWeight() const { return m_ErrorWeight.value(); }
+    void setConstraintWeight(const double& weight) { m_ErrorWeight = weight; }
 
     /// The way between two placements as the class measures it: W times the translation of
     /// `inverse(a) * b`. Not inverse(W): turned axes are turned the other way here.

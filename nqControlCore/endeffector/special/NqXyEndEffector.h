@@ -20,6 +20,10 @@ public:
     virtual const NqOrientation& xyOrientation() const { return constraintOrientation(); }
     virtual void setXyOrientation(const NqOrientation& orientation) { setConstraintOrientation(orientation); }
 
+    /// The weight of each row.
+    virtual const double& errorWeight() const { return constraintWeight(); }
+    virtual void setErrorWeight(const double& weight) { setConstraintWeight(weight); }
+
     /// The coordinates; they stay, with a message, where the link is not found.
     virtual void calculate2DPointPlacement(const NqIndividualManipulator& manipulator,
                                            NqManipulatorActiveState& state, NqPlanarVector& value) const;

@@ -221,6 +221,9 @@ TEST(CoreVelocityControlTool, SolvesTheStackedSystemAsTheTextbookToTheLastBit) {
         if (kind == 0) { // well-conditioned
             EXPECT_LT(residual(stacked.rows, outcome.rates, stacked.rightHandSide), 1e-11);
             EXPECT_LT(residual(problem.jacobian, outcome.nullRates, Numbers(m)), 1e-12);
+            EXPECT_LE(std::inner_product(outcome.nullRates.begin(), outcome.nullRates.end(),
+                                         problem.gradient.begin(), 0.0),
+                      0.0);
             EXPECT_NEAR(outcome.determinant / stacked.rows.determinant(), 1.0, 1e-9);
         }
         std::copy_n(&factored[0], m, &stacked.rows[0]);

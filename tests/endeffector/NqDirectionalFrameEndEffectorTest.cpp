@@ -14,8 +14,7 @@ constexpr Frame::ThresholdType theTypes[] = {Frame::LinearVelocity,     Frame::A
                                              Frame::LinearAcceleration, Frame::AngularAcceleration,
                                              Frame::LinearDeceleration, Frame::AngularDeceleration};
 
-class NqDirectionalFrame : public NqEndEffectorTest {
-protected:
+struct NqDirectionalFrame : NqEndEffectorTest {
     NqDirectionalFrame() : NqEndEffectorTest(nqTestModels()[2], 5) { frame.setLinkIdentifier("link7"); }
 
     /// The limits of the filter after a step towards a target, by type.
@@ -112,13 +111,7 @@ TEST_F(NqDirectionalFrame, DefaultsComeIntoForceWithTheNextMap) {
 }
 
 TEST_F(NqDirectionalFrame, ListsOfLimitsLeaveOutWhatIsNoNumber) {
-    const auto set = [&](const std::string& text) {
-        Labels values = frame.editableValues();
-        values[18] = text;
-        values.pushBack(std::string("ignored"));
-        frame.setEditableValues(values);
-        return frame.editableValues()[18].value();
-    };
+    const auto set = [&](const std::string& text) { return edited(frame, 18, text); };
     EXPECT_EQ(set("1,,3"), "1,,3,,,");
     EXPECT_EQ(set("a, 2,1e-3x,inf,5,6,7"), ",,,INF,5,6");
     EXPECT_EQ(set(set("0.1,1e300,0.30000000000000004")), "0.1,1e+300,0.30000000000000004,,,");

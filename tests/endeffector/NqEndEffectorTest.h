@@ -92,6 +92,15 @@ protected:
         return relative;
     }
 
+    /// What is shown of an editable value after it was set in a list that is too long.
+    static std::string edited(NqEndEffector& e, unsigned index, const std::string& text) {
+        Labels values = e.editableValues();
+        values[index] = text;
+        values.pushBack(std::string("more"));
+        e.setEditableValues(values);
+        return e.editableValues()[index].value();
+    }
+
     static void expectNear(const Reals& actual, const Row& expected, double tolerance = 1e-12) {
         ASSERT_EQ(actual.size(), expected.size());
         for (unsigned i = 0; i < expected.size(); ++i) {

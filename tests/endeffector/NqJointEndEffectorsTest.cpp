@@ -9,8 +9,7 @@
 
 namespace {
 
-class NqCoordinatedJoints : public NqEndEffectorTest {
-protected:
+struct NqCoordinatedJoints : NqEndEffectorTest {
     explicit NqCoordinatedJoints(std::size_t model = 2)
         : NqEndEffectorTest(nqTestModels()[model].manipulator) {}
 
@@ -117,8 +116,7 @@ TEST_F(NqCoordinatedJoints, ControlParametersLimitByJointIndex) {
 }
 
 /// Two joints with limits of speed 1 and of acceleration 4.
-class NqTwoCoordinatedJoints : public NqCoordinatedJoints {
-protected:
+struct NqTwoCoordinatedJoints : NqCoordinatedJoints {
     NqTwoCoordinatedJoints() : NqCoordinatedJoints(0) {
         joints.setLinkLabels({std::string("upper"), std::string("lower")});
         joints.setProfileAccelerations({4.0, 4.0});
@@ -184,8 +182,7 @@ TEST_F(NqTwoCoordinatedJoints, SpeedFactorAndJointsBelongToTheFilters) {
 }
 
 /// The hand of the planar arm as the master of the upper arm, at 0.4 and 0.7.
-class NqGripper : public NqEndEffectorTest {
-protected:
+struct NqGripper : NqEndEffectorTest {
     NqGripper() : NqEndEffectorTest(nqTestModels()[0].manipulator) {
         setJoints({0.4, 0.7}, {2.0, -1.0});
         gripper.setLinkIdentifier("hand");

@@ -22,8 +22,7 @@ std::shared_ptr<NqIndividualManipulator> slidingMass() {
     return arm;
 }
 
-class NqSlidingMass : public NqEndEffectorTest {
-protected:
+struct NqSlidingMass : NqEndEffectorTest {
     NqSlidingMass() : NqEndEffectorTest(slidingMass()) {
         moveBase({});
         state.setVelocityState(NqVelocityState(Reals{2.0, 3.0}));
@@ -71,8 +70,7 @@ TEST_F(NqSlidingMass, RelativePartTakesTheCenterOfMassAsTheBaseFrameHasIt) {
     EXPECT_EQ(bits(plane, relative, false)[1], std::vector<bool>({1, 1, 0, 0, 0, 0, 0, 0}));
 }
 
-class NqWithoutMass : public NqEndEffectorTest {
-protected:
+struct NqWithoutMass : NqEndEffectorTest {
     NqWithoutMass() : NqEndEffectorTest(nqTestModels()[0].manipulator) {}
 };
 
@@ -153,8 +151,7 @@ TEST(NqMomentum, RowsTimesRatesAreTheMomentumOfTheManipulator) {
     }
 }
 
-class NqSpatialMomentum : public NqEndEffectorTest {
-protected:
+struct NqSpatialMomentum : NqEndEffectorTest {
     NqSpatialMomentum() : NqEndEffectorTest(nqTestModels()[4], 7) {} // with a free base
 };
 

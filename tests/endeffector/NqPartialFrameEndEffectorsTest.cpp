@@ -7,8 +7,7 @@
 namespace {
 
 /// An arm of 7 joints in a pose at random, with a frame, placed obliquely in its hand, for all end-effectors.
-class NqPartialFrames : public NqEndEffectorTest {
-protected:
+struct NqPartialFrames : NqEndEffectorTest {
     NqPartialFrames() : NqEndEffectorTest(nqTestModels()[2], 7) {
         for (NqFrameBasedEndEffector* each : all) {
             each->setLinkIdentifier(nqTestModels()[2].link);

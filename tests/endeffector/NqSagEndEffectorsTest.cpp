@@ -19,8 +19,7 @@ std::shared_ptr<NqIndividualManipulator> boom() {
 }
 
 /// The boom stands at 0.3.
-class NqBoom : public NqEndEffectorTest {
-protected:
+struct NqBoom : NqEndEffectorTest {
     NqBoom() : NqEndEffectorTest(boom()) {
         setJoints({0.3, 0.5}, {2.0, 1.0});
         sag.setLinkLabels({std::string("boom")});
@@ -104,8 +103,7 @@ TEST_F(NqBoom, ComplaintsOfEditingLoseNothing) {
 }
 
 /// The arm of 6 joints, all but the third and the last of which sag in some test, and alone move.
-class NqSensorOnArm : public NqEndEffectorTest {
-protected:
+struct NqSensorOnArm : NqEndEffectorTest {
     NqSensorOnArm() : NqEndEffectorTest(nqTestModels()[1], 3) {
         Labels labels;
         for (const unsigned joint : {4u, 0u, 3u, 1u}) {
@@ -210,8 +208,7 @@ std::shared_ptr<NqIndividualManipulator> tiltingPlatform() {
     return platform;
 }
 
-class NqPlatform : public NqEndEffectorTest {
-protected:
+struct NqPlatform : NqEndEffectorTest {
     NqPlatform() : NqEndEffectorTest(tiltingPlatform()) {}
 };
 

@@ -10,8 +10,7 @@
 namespace {
 
 /// A planar arm, joints at 0.4 and 0.7.
-class NqPlanarNumbers : public NqEndEffectorTest {
-protected:
+struct NqPlanarNumbers : NqEndEffectorTest {
     NqPlanarNumbers() : NqEndEffectorTest(nqTestModels()[0].manipulator) {
         linear.setLinkLabels({std::string("upper"), std::string("hand")});
         linear.setLinkWeights({2.0, -3.0, 100.0});

@@ -18,8 +18,7 @@ std::shared_ptr<NqIndividualManipulator> swingArm(const std::string& shoulder = 
     return arm;
 }
 
-class NqSewAngle : public NqEndEffectorTest {
-protected:
+struct NqSewAngle : NqEndEffectorTest {
     NqSewAngle() : NqEndEffectorTest(swingArm()) {
         sew.setShoulderLink("shoulder");
         sew.setElbowLink("swing");
@@ -96,8 +95,7 @@ TEST_F(NqSewAngle, LinksMustFollowEachOtherWhenFirstFound) {
 }
 
 /// The arm of 7 joints as a man's arm: shoulder in link 2, elbow in link 4, wrist in link 6.
-class NqSewAngleOfArm7 : public NqEndEffectorTest {
-protected:
+struct NqSewAngleOfArm7 : NqEndEffectorTest {
     NqSewAngleOfArm7() : NqEndEffectorTest(nqTestModels()[2], 11) {}
 };
 

@@ -8,8 +8,7 @@ namespace {
 
 /// The hand of a planar arm stretched out along x of the system, at (0.9, 0, 0.1) and turning at 2 rad/s, and
 /// constraint axes whose x axis is y of the system, and y the negative x.
-class NqXyOnHand : public NqEndEffectorTest {
-protected:
+struct NqXyOnHand : NqEndEffectorTest {
     NqXyOnHand() : NqEndEffectorTest(nqTestModels()[0].manipulator) {
         x.setLinkIdentifier("hand");
         xy.setLinkIdentifier("hand");

@@ -1,10 +1,8 @@
+#include "controlloop/NqControlLoopTesting.h"
 #include "support/NqPrintCapture.h"
-#include "support/NqTestModels.h"
 
 #include <nqControlCore/endeffector/NqFrameEndEffector.h>
 #include <nqControlCore/endeffector/NqOrientationEndEffector.h>
-#include <nqControlCore/endeffector/NqPointEndEffector.h>
-#include <nqControlLoop/NqControlLoop.h>
 #include <nqControlLoop/NqPostureSearch.h>
 
 #include <gtest/gtest.h>
@@ -13,31 +11,14 @@ namespace {
 
 using Status = NqControlLoopStatus;
 
-double drawn(std::mt19937_64& random, double least, double greatest) {
-    return least + (greatest - least) * std::ldexp(static_cast<double>(random() >> 11), -53);
-}
-
 std::vector<double> randomPosture(const NqIndividualManipulator& robot, std::mt19937_64& random) {
     std::vector<double> posture;
     for (unsigned j = 0; j < robot.numberOfJoints(); ++j) {
         const NqJointDescription& joint = robot.linkByIndex(j)->joint();
-        posture.push_back(drawn(random, std::max(joint.lowerPositionLimit(), -3.0),
-                                std::min(joint.upperPositionLimit(), 3.0)));
+        posture.push_back(nqDrawn(random, std::max(joint.lowerPositionLimit(), -3.0),
+                                  std::min(joint.upperPositionLimit(), 3.0)));
     }
     return posture;
-}
-
-template <typename EndEffector>
-EndEffector on(const std::string& link) {
-    EndEffector endEffector;
-    endEffector.setLinkIdentifier(link);
-    return endEffector;
-}
-
-NqControlLoopSettings settingsOf(double timeStep) {
-    NqControlLoopSettings settings;
-    settings.setTimeStep(timeStep);
-    return settings;
 }
 
 struct RobotCase {
@@ -55,18 +36,16 @@ TEST_P(NqControlLoopOnRobots, KeepAllLimitsAndComeToRest) {
     std::mt19937_64 random(21);
     unsigned reached = 0;
     for (unsigned trial = 0; trial < 12; ++trial) {
-        NqControlLoop loop(robot, settingsOf(0.002));
-        if (GetParam().isFrame) {
-            loop.addEndEffector("hand", on<NqFrameEndEffector>(GetParam().link));
-        } else {
-            loop.addEndEffector("hand", on<NqPointEndEffector>(GetParam().link));
-        }
+        NqControlLoop loop(robot, nqSettingsOf(0.002));
+        const bool isFrame = GetParam().isFrame;
+        const auto frame = nqOn<NqFrameEndEffector>(GetParam().link);
+        const auto point = nqOn<NqPointEndEffector>(GetParam().link);
+        loop.addEndEffector("hand", isFrame ? static_cast<const NqEndEffector&>(frame) : point);
         loop.setPositions(randomPosture(robot, random));
         NqCoordinateSystemTransformation target = nqRandomFrame(random);
         target.setTranslation(0.7 * target.translation());
-        ASSERT_TRUE(loop.setTarget("hand", GetParam().isFrame
-                                               ? NqControlTarget::frame(target)
-                                               : NqControlTarget::place(target.translation())));
+        ASSERT_TRUE(loop.setTarget("hand", isFrame ? NqControlTarget::frame(target)
+                                                   : NqControlTarget::place(target.translation())));
         std::vector<double> last(robot.numberOfJoints());
         double fastest = 0.0;
         for (unsigned i = 0; i < 6000; ++i) {
@@ -101,17 +80,11 @@ INSTANTIATE_TEST_SUITE_P(Robots, NqControlLoopOnRobots,
                          });
 
 /// Runs towards a place of arm7's hand until nothing moves.
-Status ofArm7(const NqVector& target, const NqControlLoopSettings& settings = settingsOf(0.002),
-              const std::vector<double>& start = {0.0, 0.3, 0.2, -1.8, 0.2, 2.0, 0.8}) {
-    const NqIndividualManipulator robot = nqTestManipulator("arm7");
-    NqControlLoop loop(robot, settings);
-    loop.addEndEffector("hand", on<NqPointEndEffector>("hand"));
-    loop.setPositions(start);
-    loop.setTarget("hand", NqControlTarget::place(target));
-    for (unsigned i = 0; i < 4000; ++i) {
-        loop.step();
-    }
-    return loop.status();
+Status ofArm7(const NqVector& target, const NqControlLoopSettings& settings = nqSettingsOf(0.002)) {
+    NqArm7Loop arm(settings);
+    arm.loop.setTarget("hand", NqControlTarget::place(target));
+    nqMakesSteps(arm.loop, 4000);
+    return arm.loop.status();
 }
 
 TEST(NqControlLoopStatus, NamesTheCause) {
@@ -122,7 +95,7 @@ TEST(NqControlLoopStatus, NamesTheCause) {
     EXPECT_NEAR(far.distance, 0.066, 1.0e-3);
     EXPECT_GT(std::abs(far.direction.unitVector().x()), 0.9) << "away from the shoulder";
 
-    NqControlLoopSettings settings = settingsOf(0.002);
+    NqControlLoopSettings settings = nqSettingsOf(0.002);
     NqControlLoopSettings::Labels labels;
     for (const char* name : {"joint2", "joint3", "joint4", "joint6"}) {
         labels.pushBack(NqXmlBasicType<std::string>(name));
@@ -136,7 +109,7 @@ TEST(NqControlLoopStatus, NamesTheCause) {
     // Stretched out, with the target straight inwards: what moves the point is of second order.
     const NqIndividualManipulator planar = nqTestManipulator("planar3");
     NqControlLoop line(planar);
-    line.addEndEffector("tip", on<NqPointEndEffector>("tip"));
+    line.addEndEffector("tip", nqOn("tip"));
     line.setPositions({0.0, 0.0, 0.0});
     line.setTarget("tip",
                    NqControlTarget::place(line.placements()[0].translation() - NqVector(0.3, 0.0, 0.0)));
@@ -145,17 +118,13 @@ TEST(NqControlLoopStatus, NamesTheCause) {
     EXPECT_NEAR(std::abs(line.status().direction.x()), 1.0, 1.0e-9);
     EXPECT_LT(line.leastSingularValue(), 1.0e-12);
 
-    const NqIndividualManipulator robot = nqTestManipulator("arm7");
-    NqControlLoop twice(robot);
-    twice.addEndEffector("a", on<NqPointEndEffector>("hand"));
-    twice.addEndEffector("b", on<NqPointEndEffector>("hand"));
-    twice.setPositions({0.0, 0.3, 0.2, -1.8, 0.2, 2.0, 0.8});
+    NqArm7Loop arm;
+    NqControlLoop& twice = arm.loop;
+    twice.addEndEffector("other", nqOn("hand"));
     const NqVector here = twice.placements()[0].translation();
-    twice.setTarget("a", NqControlTarget::place(here + NqVector(0.0, 0.05, 0.0)));
-    twice.setTarget("b", NqControlTarget::place(here - NqVector(0.0, 0.05, 0.0)));
-    for (unsigned i = 0; i < 500; ++i) {
-        ASSERT_TRUE(twice.step());
-    }
+    twice.setTarget("hand", NqControlTarget::place(here + NqVector(0.0, 0.05, 0.0)));
+    twice.setTarget("other", NqControlTarget::place(here - NqVector(0.0, 0.05, 0.0)));
+    ASSERT_TRUE(nqMakesSteps(twice, 1000));
     EXPECT_EQ(twice.status().kind, Status::Contradictory);
     EXPECT_NE(twice.status().endEffector, twice.status().other);
 }
@@ -166,17 +135,15 @@ TEST(NqControlLoop, HoldsOrSlides) {
     Status statuses[2];
     double aside[2];
     for (const auto blocked : {NqControlLoopSettings::Hold, NqControlLoopSettings::Slide}) {
-        NqControlLoopSettings settings = settingsOf(0.002);
+        NqControlLoopSettings settings = nqSettingsOf(0.002);
         settings.setBlocked(blocked);
         NqControlLoop loop(robot, settings);
-        loop.addEndEffector("tip", on<NqPointEndEffector>("tip"));
+        loop.addEndEffector("tip", nqOn("tip"));
         loop.setPositions({2.6, 0.1, 0.0});
         const NqVector start = loop.placements()[0].translation();
         const NqVector target(-0.94, -0.342, 0.0);
         loop.setTarget("tip", NqControlTarget::place(target));
-        for (unsigned i = 0; i < 4000; ++i) {
-            ASSERT_TRUE(loop.step());
-        }
+        ASSERT_TRUE(nqMakesSteps(loop, 4000));
         statuses[blocked] = loop.status();
         aside[blocked] =
             (loop.placements()[0].translation() - start).cross((target - start).unitVector()).mag();
@@ -198,15 +165,13 @@ TEST(NqPostureSearch, FindsAWayAroundLimits) {
     std::mt19937_64 random(5);
     unsigned found = 0;
     for (unsigned trial = 0; trial < 30 && found < 3; ++trial) {
-        NqControlLoop loop(robot, settingsOf(0.002));
-        loop.addEndEffector("hand", on<NqFrameEndEffector>("flange"));
+        NqControlLoop loop(robot, nqSettingsOf(0.002));
+        loop.addEndEffector("hand", nqOn<NqFrameEndEffector>("flange"));
         loop.setPositions(randomPosture(robot, random));
         const NqCoordinateSystemTransformation target = loop.placements()[0];
         loop.setPositions(randomPosture(robot, random));
         loop.setTarget("hand", NqControlTarget::frame(target));
-        for (unsigned i = 0; i < 3000; ++i) {
-            ASSERT_TRUE(loop.step());
-        }
+        ASSERT_TRUE(nqMakesSteps(loop, 3000));
         if (loop.status().kind == Status::Reached) {
             continue;
         }
@@ -218,9 +183,7 @@ TEST(NqPostureSearch, FindsAWayAroundLimits) {
             ASSERT_TRUE(loop.step());
         }
         loop.follow();
-        for (unsigned i = 0; i < 1000; ++i) {
-            ASSERT_TRUE(loop.step());
-        }
+        ASSERT_TRUE(nqMakesSteps(loop, 1000));
         EXPECT_EQ(loop.status().kind, Status::Reached) << trial;
     }
     EXPECT_EQ(found, 3u);
@@ -236,13 +199,13 @@ TEST(NqControlLoopCheck, ListsAllThatIsWrongAtOnce) {
     settings.setTimeStep(std::nan(""));
     settings.setJointWeights(NqXmlRealVector{0.0, 1.0});
     settings.setIsBaseFixed(false);
-    NqPointEndEffector lost = on<NqPointEndEffector>("hnad");
+    auto lost = nqOn("hnad");
     lost.setMotionThreshold(0.0);
     const NqPrintCapture messages;
     NqControlLoop loop(robot, settings);
     loop.addEndEffector("tip", lost);
-    loop.addEndEffector("turn", on<NqOrientationEndEffector>("hand"));
-    loop.addEndEffector("more", on<NqFrameEndEffector>("hand"));
+    loop.addEndEffector("turn", nqOn<NqOrientationEndEffector>("hand"));
+    loop.addEndEffector("more", nqOn<NqFrameEndEffector>("hand"));
     std::string all;
     for (const NqControlLoopCheck::Issue& issue : loop.validate()) {
         all += issue.text + "\n";
@@ -281,7 +244,7 @@ TEST(NqControlLoopCheck, LetsNothingIntoARateThatIsNoNumber) {
         settings.setDamping(pick());
         settings.setSingularityThreshold(pick());
         NqControlLoop loop(robot, settings);
-        loop.addEndEffector("hand", on<NqPointEndEffector>(random() % 8 == 0 ? "nowhere" : "flange"));
+        loop.addEndEffector("hand", nqOn(random() % 8 == 0 ? "nowhere" : "flange"));
         loop.setPositions(std::vector<double>(6, pick()));
         loop.setTarget("hand", NqControlTarget::place({pick(), pick(), pick()}));
         for (unsigned i = 0; i < 20; ++i) {
@@ -299,8 +262,7 @@ TEST(NqControlLoopCheck, LetsNothingIntoARateThatIsNoNumber) {
 
 TEST(NqControlLoop, MakesNoStepFromOrToWhatIsNoNumber) {
     const NqIndividualManipulator robot = nqTestManipulator("named"); // its first joint has no limits
-    const unsigned joints = robot.numberOfJoints();
-    const NqXmlRealVector zeros(std::vector<double>(joints, 0.0));
+    const NqXmlRealVector zeros(robot.numberOfJoints());
     NqControlLoop loop(robot);
     ASSERT_TRUE(loop.step());
     const NqPrintCapture messages;

@@ -1,27 +1,15 @@
+#include "controlloop/NqControlLoopTesting.h"
 #include "support/NqPrintCapture.h"
 #include "support/NqSchemaValidator.h"
-#include "support/NqTestModels.h"
 #include "support/NqXmlRoundTrip.h"
-
-#include <nqControlCore/endeffector/NqPointEndEffector.h>
-#include <nqControlLoop/NqControlLoop.h>
 
 #include <gtest/gtest.h>
 
 namespace {
 
-NqPointEndEffector pointOn(const std::string& link) {
-    NqPointEndEffector point;
-    point.setLinkIdentifier(link);
-    return point;
-}
-
 /// Steps until the first part is at its target.
 bool reaches(NqControlLoop& loop, double seconds) {
-    while (loop.errors()[0] > 1.0e-4 && loop.time() < seconds) {
-        if (!loop.step()) {
-            return false;
-        }
+    while (loop.errors()[0] > 1.0e-4 && loop.time() < seconds && loop.step()) {
     }
     return loop.errors()[0] <= 1.0e-4;
 }
@@ -45,13 +33,13 @@ TEST(NqControlLoopSettings, AreADocumentThatMatchesItsSchema) {
 TEST(NqControlLoop, TakesTargetsByNameInBothFrames) {
     const NqIndividualManipulator robot = nqTestManipulator("twin9");
     NqControlLoop loop(robot);
-    NqPointEndEffector right = pointOn("right_tip");
+    NqPointEndEffector right = nqOn("right_tip");
     NqEndEffectorRelativeLinkData relative;
     relative.setRelativeMode(NqEndEffectorRelativeLinkData::relativeModeInternal);
     relative.setRelativeLinkID("left_tip");
     right.setRelativeLinkData(relative);
     ASSERT_TRUE(loop.addEndEffector("right", right));
-    ASSERT_TRUE(loop.addEndEffector("left", pointOn("left_tip")));
+    ASSERT_TRUE(loop.addEndEffector("left", nqOn("left_tip")));
     const NqPrintCapture messages;
     EXPECT_FALSE(loop.addEndEffector("left", right)) << "the name is taken";
     loop.setPositions({0.0, 0.4, 0.8, -1.3, 0.4, 0.1, 0.2, -0.8, 0.9});
@@ -77,10 +65,8 @@ TEST(NqControlLoop, TakesTargetsByNameInBothFrames) {
 
 /// The target moves along at constant velocity: with feed-forward the point keeps up with it.
 TEST(NqControlLoop, FollowsATargetThatMoves) {
-    const NqIndividualManipulator robot = nqTestManipulator("arm7");
-    NqControlLoop loop(robot);
-    loop.addEndEffector("hand", pointOn("hand"));
-    loop.setPositions({0.0, 0.3, 0.2, -1.8, 0.2, 2.0, 0.8});
+    NqArm7Loop arm((NqControlLoopSettings()));
+    NqControlLoop& loop = arm.loop;
     const NqVector start = loop.placements()[0].translation();
     const NqVector velocity(0.0, 0.1, 0.0);
     for (int i = 0; i < 2000; ++i) {
@@ -94,22 +80,17 @@ TEST(NqControlLoop, FollowsATargetThatMoves) {
 /// A free base takes part with six unknowns of its own, and the loop integrates its pose: a turn of the base
 /// alone is the one that its rates say.
 TEST(NqControlLoop, MovesAFreeBase) {
-    const NqIndividualManipulator robot = nqTestManipulator("arm7");
     NqControlLoopSettings settings;
     settings.setIsBaseFixed(false);
     settings.setJointWeights(NqXmlRealVector(7, 1.0e6));
-    NqControlLoop loop(robot, settings);
-    loop.addEndEffector("hand", pointOn("hand"));
-    loop.setPositions({0.0, 0.3, 0.2, -1.8, 0.2, 2.0, 0.8});
+    NqArm7Loop arm(settings);
+    NqControlLoop& loop = arm.loop;
     const NqVector target = loop.placements()[0].translation() + NqVector(0.3, 0.6, 0.2);
     ASSERT_TRUE(loop.setTarget("hand", NqControlTarget::place(target)));
     ASSERT_TRUE(reaches(loop, 5.0));
-    NqManipulatorActiveState& state = loop.state();
-    EXPECT_LT(
-        (robot.linkByLabel("hand")->primaryFrameInSystem(state.activePositionState()).translation() - target)
-            .mag(),
-        1.1e-4);
-    EXPECT_GT(robot.baseFrameInSystem(state.activePositionState()).translation().mag(), 0.1);
+    NqManipulatorActivePositionState& at = loop.state().activePositionState();
+    EXPECT_LT((arm.robot.linkByLabel("hand")->primaryFrameInSystem(at).translation() - target).mag(), 1.1e-4);
+    EXPECT_GT(arm.robot.baseFrameInSystem(at).translation().mag(), 0.1);
     EXPECT_NEAR(loop.positions()[1], 0.3, 1.0e-2) << "the joints are heavy";
 }
 

@@ -1,3 +1,5 @@
+#include "support/NqTestModels.h"
+
 #include <nqControlLoop/NqJointBounds.h>
 
 #include <gtest/gtest.h>
@@ -14,9 +16,7 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 /// Whatever rates a joint is asked for, it keeps all of its limits at once, and gets to the end of its range.
 TEST(NqJointBounds, KeepEveryLimitUnderAnyCommand) {
     std::mt19937_64 random(3);
-    const auto drawn = [&](double least, double greatest) {
-        return least + (greatest - least) * std::ldexp(static_cast<double>(random() >> 11), -53);
-    };
+    const auto drawn = [&](double least, double greatest) { return nqDrawn(random, least, greatest); };
     for (unsigned trial = 0; trial < 300; ++trial) {
         const double step = std::exp(drawn(std::log(1.0e-4), std::log(0.05)));
         NqJointBounds::Limits limits{-drawn(0.0, 2.0), drawn(0.0, 2.0), drawn(0.1, 4.0), drawn(0.5, 60.0),
@@ -24,10 +24,7 @@ TEST(NqJointBounds, KeepEveryLimitUnderAnyCommand) {
         if (trial % 7 == 0) {
             limits.acceleration = kInfinity;
         }
-        double position = 0.0;
-        double rate = 0.0;
-        double wish = 0.0;
-        double nearest = kInfinity;
+        double position = 0.0, rate = 0.0, wish = 0.0, nearest = kInfinity;
         for (unsigned i = 0; i < 4000; ++i) {
             if (i % 100 == 0) {
                 wish = i < 2000 ? drawn(-8.0, 8.0) : 8.0;
@@ -43,8 +40,7 @@ TEST(NqJointBounds, KeepEveryLimitUnderAnyCommand) {
             ASSERT_LE(position, limits.upper + 1.0e-12) << trial;
             nearest = std::min(nearest, limits.upper - position);
         }
-        const double time = 2000.0 * step;
-        if (time > 3.0 && std::isinf(limits.approach)) {
+        if (2000.0 * step > 3.0 && std::isinf(limits.approach)) {
             EXPECT_LT(nearest, 1.0e-6) << trial;
         }
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/NqTestModels.h"
+
 #include <nqControlCore/foundation/matrix/NqReArray.h>
 
 #include <algorithm>
@@ -14,13 +16,10 @@ struct NqLimitedProblem {
     std::vector<double> gradient, velocity, lower, upper;
 
     NqLimitedProblem(std::mt19937_64& random, unsigned n, unsigned m) {
-        const auto drawn = [&](double least, double greatest) {
-            return least + (greatest - least) * std::ldexp(static_cast<double>(random() >> 11), -53);
-        };
+        const auto drawn = [&](double least, double greatest) { return nqDrawn(random, least, greatest); };
         jacobian.setToZeros(m, n);
         const bool isFull = random() % 2 == 0;
         metric.setToZeros(n, isFull ? n : 1);
-        velocity.assign(m, 0.0);
         const double width = std::exp(drawn(-2.0, 1.5));
         for (unsigned j = 0; j < n; ++j) {
             gradient.push_back(drawn(-1.0, 1.0));
@@ -35,18 +34,14 @@ struct NqLimitedProblem {
             for (unsigned j = 0; j < n; ++j) {
                 jacobian[i][j] = drawn(-1.0, 1.0);
             }
-            velocity[i] = drawn(-1.0, 1.0);
+            velocity.push_back(drawn(-1.0, 1.0));
         }
     }
 
     /// J x for rates.
     std::vector<double> made(const std::vector<double>& rates) const {
-        std::vector<double> made(velocity.size());
-        for (std::size_t i = 0; i < made.size(); ++i) {
-            for (std::size_t j = 0; j < rates.size(); ++j) {
-                made[i] += jacobian[i][j] * rates[j];
-            }
-        }
+        std::vector<double> made;
+        jacobian.transform(rates, made);
         return made;
     }
 };

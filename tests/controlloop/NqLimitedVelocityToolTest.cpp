@@ -14,12 +14,10 @@ double leftToGain(const NqLimitedProblem& problem, const NqLimitedVelocityTool& 
     const std::size_t n = problem.gradient.size();
     std::vector<double> slope = problem.gradient;
     for (std::size_t j = 0; j < n; ++j) {
-        for (std::size_t k = 0; k < n; ++k) {
-            const double weight = problem.metric.columns() > 1 ? problem.metric[j][k]
-                                  : j == k                     ? problem.metric[j][0]
-                                                               : 0.0;
-            slope[j] += weight * tool.rates()[k];
+        for (std::size_t k = 0; k < n && problem.metric.columns() > 1; ++k) {
+            slope[j] += problem.metric[j][k] * tool.rates()[k];
         }
+        slope[j] += problem.metric.columns() == 1 ? problem.metric[j][0] * tool.rates()[j] : 0.0;
     }
     for (const NqBoundActiveSet::Hold& hold : tool.holds()) {
         slope[hold.unknown] += hold.multiplier;

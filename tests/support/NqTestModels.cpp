@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <filesystem>
 
 namespace {
@@ -81,6 +82,10 @@ const std::vector<NqTestModel>& nqTestModels() {
         };
     }();
     return theModels;
+}
+
+double nqDrawn(std::mt19937_64& random, double least, double greatest) {
+    return least + (greatest - least) * std::ldexp(static_cast<double>(random() >> 11), -53);
 }
 
 NqVector nqRandomVector(std::mt19937_64& random) {

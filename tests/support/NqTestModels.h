@@ -31,6 +31,8 @@ const std::vector<NqTestModel>& nqTestModels();
 /// base, the base's pose and motion.
 NqManipulatorActiveState nqRandomState(const NqTestModel& model, std::mt19937_64& random);
 
+/// The same on every platform, unlike the distributions of the standard library.
+double nqDrawn(std::mt19937_64& random, double least, double greatest);
 NqVector nqRandomVector(std::mt19937_64& random);
 NqCoordinateSystemTransformation nqRandomFrame(std::mt19937_64& random);
 

@@ -13,35 +13,25 @@ namespace {
 
 using RelativeData = NqEndEffectorRelativeLinkData;
 
-using RelativeCase = std::pair<const char*, RelativeData::RelativeMode>;
-
-class NqRelativeLinkReading : public testing::TestWithParam<RelativeCase> {};
-
-INSTANTIATE_TEST_SUITE_P(
-    OldAndNewFiles, NqRelativeLinkReading,
-    testing::Values(RelativeCase{"<isRelativeLink>true</isRelativeLink>", RelativeData::relativeModeInternal},
-                    RelativeCase{"<isRelativeLink>false</isRelativeLink>", RelativeData::relativeModeNone},
-                    RelativeCase{"<isRelativeLink>true</isRelativeLink><relativeMode>relativeModeExternal"
-                                 "</relativeMode>",
-                                 RelativeData::relativeModeExternal},
-                    RelativeCase{"<relativeMode>relativeModeInternal</relativeMode>",
-                                 RelativeData::relativeModeInternal}));
-
-TEST_P(NqRelativeLinkReading, GivesTheModeAndForgetsTheFlag) {
-    RelativeData data;
-    const auto& [fields, mode] = GetParam();
-    const std::string text = std::string("<relativeLinkData>") + fields +
-                             "<relativeLinkId>wrist</relativeLinkId></relativeLinkData>";
-    ASSERT_TRUE(NqXmlDocument::readString(text, data));
-    EXPECT_EQ(data.relativeMode(), mode);
-
-    RelativeData same;
-    same.setRelativeMode(mode);
-    same.setRelativeLinkID("wrist");
-    EXPECT_TRUE(data == same);
-    EXPECT_EQ(nqWritten(data).find("isRelativeLink"), std::string::npos);
-    same.setRelativeManipulatorIndex(1);
-    EXPECT_FALSE(data == same);
+TEST(NqRelativeLinkData, OldFilesGiveTheModeByAFlagThatIsForgotten) {
+    const std::pair<const char*, RelativeData::RelativeMode> cases[] = {
+        {"<isRelativeLink>true</isRelativeLink>", RelativeData::relativeModeInternal},
+        {"<isRelativeLink>false</isRelativeLink>", RelativeData::relativeModeNone},
+        {"<isRelativeLink>true</isRelativeLink><relativeMode>relativeModeExternal</relativeMode>",
+         RelativeData::relativeModeExternal},
+        {"<relativeMode>relativeModeInternal</relativeMode>", RelativeData::relativeModeInternal}};
+    for (const auto& [fields, mode] : cases) {
+        RelativeData data, same;
+        ASSERT_TRUE(NqXmlDocument::readString(std::string("<relativeLinkData>") + fields +
+                                                  "<relativeLinkId>wrist</relativeLinkId></relativeLinkData>",
+                                              data));
+        same.setRelativeMode(mode);
+        same.setRelativeLinkID("wrist");
+        EXPECT_TRUE(data.relativeMode() == mode && data == same) << fields;
+        EXPECT_EQ(nqWritten(data).find("isRelativeLink"), std::string::npos) << fields;
+        same.setRelativeManipulatorIndex(1);
+        EXPECT_FALSE(data == same);
+    }
 }
 
 TEST(NqEndEffectorCollections, HoldReadAndWriteEveryType) {
@@ -67,15 +57,14 @@ TEST(NqEndEffectorCollections, SetRelativeLinkDataWhereThereIsAnElement) {
     RelativeData data;
     data.setRelativeMode(RelativeData::relativeModeInternal);
     data.setRelativeLinkID("chest");
-    NqPrintCapture capture;
     NqEndEffectorVector vector;
     vector.pushBack(NqPointEndEffector());
-    EXPECT_TRUE(vector.setRelativeLinkData(0, data));
-    EXPECT_FALSE(vector.setRelativeLinkData(1, data));
-    EXPECT_TRUE(vector[0]->relativeLinkData() == data);
+    EXPECT_TRUE(vector.setRelativeLinkData(0, data) && vector[0]->relativeLinkData() == data);
     NqEndEffectorMap map;
     map.add(std::string("hand"), NqPointEndEffector());
     EXPECT_TRUE(map.setRelativeLinkData(std::string("hand"), data));
+    NqPrintCapture capture;
+    EXPECT_FALSE(vector.setRelativeLinkData(1, data));
     EXPECT_FALSE(map.setRelativeLinkData(std::string("foot"), data));
     EXPECT_EQ(capture.text(), "");
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "matrix/NqArrayTesting.h"
 #include "support/NqPrintCapture.h"
 #include "support/NqTestModels.h"
 
@@ -101,6 +102,16 @@ protected:
         return e.editableValues()[index].value();
     }
 
+    /// That bits are set wherever there is something in a Jacobian.
+    static void expectCovers(const Sparsity& set, const NqReArray& jacobian) {
+        ASSERT_EQ(set.size(), jacobian.rows());
+        for (unsigned r = 0; r < set.size(); ++r) {
+            ASSERT_EQ(set[r].size(), jacobian[r].size());
+            for (unsigned c = 0; c < set[r].size(); ++c) {
+                EXPECT_TRUE(set[r][c] || jacobian[r][c] == 0.0) << "row " << r << ", column " << c;
+            }
+        }
+    }
     static void expectNear(const Reals& actual, const Row& expected, double tolerance = 1e-12) {
         ASSERT_EQ(actual.size(), expected.size());
         for (unsigned i = 0; i < expected.size(); ++i) {

@@ -83,18 +83,6 @@ TEST_F(NqPlanarHand, VelocityCutsAndAccelerationKeepsTheTail) {
     }
 }
 
-TEST_F(NqPlanarHand, ErrorIsTheWayInTheSystemFrame) {
-    const Pose here = placement(frame);
-    const NqVector turn(0.3, -0.2, 0.1);
-    const Placement target(Pose(here.translation() + NqVector(0.01, -0.02, 0.03),
-                                NqOrientation(turn.mag(), turn) * here.orientation()));
-    expectNear(error(frame, target), {0.01, -0.02, 0.03, 0.3, -0.2, 0.1}, 1e-15);
-    expectNear(error(point, target), {0.01, -0.02, 0.03}, 1e-15);
-    orientation.setOrientation(NqOrientation(0.5, {0.0, 1.0, 0.0}));
-    expectNear(error(orientation, target), {0.3, -0.2, 0.1}, 1e-15);
-    EXPECT_EQ(error(frame, here), Reals(6));
-}
-
 TEST_F(NqPlanarHand, MissingEntriesOfAVelocityAreZero) {
     EXPECT_EQ(limited(frame, {0.1, 0.2}, {0.1, 0.2, 0.0, 0.0, 0.0, 0.3, 9.0}, 1.0),
               Reals({0.1, 0.2, 0.0, 0.0, 0.0, 0.0}));

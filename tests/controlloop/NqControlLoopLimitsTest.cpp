@@ -223,43 +223,6 @@ TEST(NqControlLoopCheck, ListsAllThatIsWrongAtOnce) {
     EXPECT_EQ(messages.lines().size(), lines) << "said once";
 }
 
-/// Settings and states drawn from what is right and what isn't: no rate is ever other than finite.
-TEST(NqControlLoopCheck, LetsNothingIntoARateThatIsNoNumber) {
-    const NqIndividualManipulator robot = nqTestManipulator("arm6");
-    const double odd[] = {
-        std::nan(""), std::numeric_limits<double>::infinity(), -1.0, 0.0, 1.0e-300, 1.0e300, 0.01, 1.0};
-    std::mt19937_64 random(8);
-    const auto pick = [&] { return random() % 4 == 0 ? odd[random() % std::size(odd)] : 0.5; };
-    const NqPrintCapture messages;
-    unsigned moved = 0;
-    for (unsigned trial = 0; trial < 400; ++trial) {
-        NqControlLoopSettings settings;
-        settings.setTimeStep(random() % 2 == 0 ? 0.01 : pick());
-        settings.setPostureGain(pick());
-        settings.setPosture(NqXmlRealVector(random() % 3 == 0 ? 6 : 0, pick()));
-        settings.setJointWeights(NqXmlRealVector(random() % 8, pick()));
-        settings.setAccelerationLimits(NqXmlRealVector(random() % 2 * 6, pick()));
-        settings.setAccelerationTime(pick());
-        settings.setApproach(pick());
-        settings.setDamping(pick());
-        settings.setSingularityThreshold(pick());
-        NqControlLoop loop(robot, settings);
-        loop.addEndEffector("hand", nqOn(random() % 8 == 0 ? "nowhere" : "flange"));
-        loop.setPositions(std::vector<double>(6, pick()));
-        loop.setTarget("hand", NqControlTarget::place({pick(), pick(), pick()}));
-        for (unsigned i = 0; i < 20; ++i) {
-            moved += loop.step();
-            for (const double rate : loop.rates()) {
-                ASSERT_TRUE(std::isfinite(rate) || loop.status().kind == Status::BadInput) << trial;
-            }
-            for (unsigned j = 0; j < 6 && moved > 0 && loop.steps() > 0; ++j) {
-                ASSERT_TRUE(std::isfinite(loop.positions()[j])) << trial;
-            }
-        }
-    }
-    EXPECT_GT(moved, 400u);
-}
-
 TEST(NqControlLoop, MakesNoStepFromOrToWhatIsNoNumber) {
     const NqIndividualManipulator robot = nqTestManipulator("named"); // its first joint has no limits
     const NqXmlRealVector zeros(robot.numberOfJoints());

@@ -78,21 +78,6 @@ TEST_F(NqDirectionalFrame, LimitsAreThoseOfTheDirectionInTheReferenceFrame) {
     }
 }
 
-TEST_F(NqDirectionalFrame, IsAFrameWithLimitsOfOneUnlessToldOtherwise) {
-    NqFrameEndEffector plain;
-    plain.setLinkIdentifier("link7");
-    NqGeneralMotionFilter filter;
-    filter.setLinearAccelerationThreshold(1.0);
-    filter.setAngularAccelerationThreshold(1.0);
-    filter.setLinearDecelerationThreshold(1.0);
-    filter.setAngularDecelerationThreshold(1.0);
-    plain.setMotionFilter(filter);
-    const Placement target = nqRandomFrame(random);
-    const Reals desired(6, 0.1), previous(6, 0.3);
-    expectNear(filtered(frame, target, desired, previous),
-               filtered(plain, target, desired, previous).values(), 1e-14);
-}
-
 TEST_F(NqDirectionalFrame, DefaultsComeIntoForceWithTheNextMap) {
     Frame::ThresholdMap map;
     map.add(static_cast<unsigned short>(0), 3.0);

@@ -4,7 +4,6 @@
 #include <nqControlCore/endeffector/special/NqCoordinatedJointEndEffector.h>
 #include <nqControlCore/endeffector/special/NqOneDofGripperEndEffector.h>
 
-#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -25,45 +24,6 @@ struct NqCoordinatedJoints : NqEndEffectorTest {
 
     NqCoordinatedJointEndEffector joints;
 };
-
-TEST_F(NqCoordinatedJoints, RandomMovesEndTogetherWithinTheLimits) {
-    constexpr double h = 1e-3;
-    const auto drawn = [&](double middle, double width) {
-        std::uniform_real_distribution<double> uniform(middle - width, middle + width);
-        Reals values(7);
-        std::generate(values.begin(), values.end(), [&] { return uniform(random); });
-        return values;
-    };
-    joints = NqCoordinatedJointEndEffector::defaultJointControlEndEffector(manipulator, 1.0);
-    for (unsigned move = 0; move < 15; ++move) {
-        SCOPED_TRACE("move " + std::to_string(move));
-        const Reals speeds = drawn(1.0, 0.7), accelerations = drawn(3.0, 2.0);
-        joints.setMaxVelocities(speeds);
-        joints.setProfileAccelerations(accelerations);
-        const Placement target = at(drawn(0.0, 2.0));
-        const Placement start = at(state.positionState().jointPositions());
-        Reals q = start.dataVector(), v(7), fastest(7);
-        std::vector<unsigned> arrival(7, 0);
-        for (unsigned step = 1; std::count(arrival.begin(), arrival.end(), 0U) > 0 && step < 20000; ++step) {
-            v = towards(target, v, {}, h);
-            for (unsigned i = 0; i < 7; ++i) {
-                fastest[i] = std::max(fastest[i], std::fabs(v[i]));
-                q[i] += v[i] * h;
-                if (arrival[i] == 0 && std::fabs(q[i] - target.dataVector()[i]) < 1e-9) {
-                    arrival[i] = step;
-                }
-            }
-            setJoints(q);
-        }
-        // Braking in steps a filter ends at the speed sqrt(v a h), before or behind its target.
-        const double time = joints.minimumTime(start, target);
-        for (unsigned i = 0; i < 7; ++i) {
-            EXPECT_NEAR(arrival[i] * h, time, 2.0 * std::sqrt(fastest[i] * h / accelerations[i]) + 2.0 * h)
-                << "joint " << i;
-            EXPECT_LE(fastest[i], speeds[i] * (1.0 + 1e-12)) << "joint " << i;
-        }
-    }
-}
 
 TEST_F(NqCoordinatedJoints, TargetsAreOfTheListedJointsOrOfAll) {
     const Reals all = {0.1, 0.2, 0.3, 0.4, 0.5, 0.6, 0.7};

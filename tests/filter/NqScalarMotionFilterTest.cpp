@@ -14,18 +14,6 @@ double velocityOf(const Filter& filter, double error, double previous, double st
     return out;
 }
 
-TEST(NqScalarMotionFilter, TrapezoidalGoesExactlyOneStepWhereItIsSlow) {
-    Filter filter;
-    filter.setDecelerationThreshold(2.0);
-    double out = 0.0;
-    for (const double error : {1e-5, -1e-5, 3e-6}) { // sqrt(2 a d) is below 2 a h, but above d / h
-        ASSERT_TRUE(filter.calculateVelocity(0.0, error, 0.0, 0.0, 0.01, out));
-        EXPECT_EQ(out, error / 0.01);
-    }
-    EXPECT_DOUBLE_EQ(velocityOf(filter, 0.01, 0.2, 0.01), 0.2); // sqrt(2 x 2 x 0.01)
-    EXPECT_DOUBLE_EQ(velocityOf(filter, -0.01, -0.2, 0.01), -0.2);
-}
-
 TEST(NqScalarMotionFilter, ChangeIsFreeBelowTwiceTheThresholdOfTheMode) {
     Filter filter;
     filter.setThreshold(4.0);

@@ -80,10 +80,6 @@ TEST(NqTrapezoidalProfileTool, AgreesWithMovesPutTogetherFromTheirParts) {
         const double uncounted = kind == 4 ? std::abs(move.start) / move.acceleration : 0.0;
         const double shortest = minimumTime(tool, move.distance);
         ASSERT_NEAR(shortest + uncounted, move.timeAt(fastest), 1e-7 * (1.0 + shortest));
-        for (double share = 0.04; share <= 1.0; share += 0.04) { // no cruise makes a faster move
-            const double time = move.timeAt(share * fastest);
-            ASSERT_TRUE(time < 0.0 || time >= shortest + uncounted - 1e-7) << share;
-        }
         double velocity = 77.0;
         const double tooShort = shortest * range(0.2, 0.999) - 2e-6;
         ASSERT_FALSE(tool.computeProfileVelocity(move.distance, tooShort, velocity));

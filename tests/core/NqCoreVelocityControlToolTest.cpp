@@ -448,8 +448,7 @@ TEST(CoreVelocityControlTool, ZerosOfLimbsChangeNothing) {
     NqRandom random(30);
     const double infinity = std::numeric_limits<double>::infinity();
     NqCoreVelocityControlTool plainTool, sparseTool;
-    unsigned taken = 0;
-    const auto check = [&](const Problem& problem, const std::string& what) {
+    const auto passesOver = [&](const Problem& problem, const std::string& what) {
         SCOPED_TRACE(what + ", " + std::to_string(problem.n) + " joints");
         NqJacobianState state;
         state.setUseSparseNullSpace(true);
@@ -464,30 +463,26 @@ TEST(CoreVelocityControlTool, ZerosOfLimbsChangeNothing) {
         for (const auto array : {&Tool::primaryMatrix, &Tool::nullSpace, &Tool::weightedNullSpace}) {
             const NqReArray& rows = (sparseTool.*array)();
             const NqReArray& expected = (plainTool.*array)();
-            ASSERT_EQ(rows.rows(), expected.rows());
-            for (unsigned i = 0; i < rows.rows(); ++i) {
+            EXPECT_EQ(rows.rows(), expected.rows());
+            for (unsigned i = 0; i < std::min(rows.rows(), expected.rows()); ++i) {
                 EXPECT_TRUE(sameValues(rows[i], expected[i])) << i;
             }
         }
         EXPECT_EQ(sparseTool.indices(), plainTool.indices());
         EXPECT_EQ(sparsePrints.text(), plainPrints.text());
-        taken += nqNegativeZeros(plainTool.nullSpace()) > nqNegativeZeros(sparseTool.nullSpace()) ? 1u : 0u;
+        return nqNegativeZeros(plainTool.nullSpace()) > nqNegativeZeros(sparseTool.nullSpace());
     };
     for (unsigned round = 0; round < 8; ++round) {
         const Problem good = limbs(random, 3 + round % 4, 5 + round % 3, 3 + round % 3, round);
-        check(good, "plain");
-        EXPECT_EQ(taken, round + 1) << "zeros were not passed over";
-        sparseTool.setWeightFlag(false), plainTool.setWeightFlag(false);
-        check(good, "without weights");
-        sparseTool.setWeightFlag(true), plainTool.setWeightFlag(true);
-        taken = round + 1;
-
+        for (const bool isWeighted : {false, true}) {
+            sparseTool.setWeightFlag(isWeighted);
+            plainTool.setWeightFlag(isWeighted);
+            EXPECT_TRUE(passesOver(good, isWeighted ? "weighted" : "without weights"));
+        }
         const auto changed = [&](const char* what, const auto& change) {
             Problem problem = good;
             change(problem);
-            const unsigned before = taken;
-            check(problem, what);
-            taken = before;
+            passesOver(problem, what);
         };
         const unsigned last = good.m - 1;
         changed("full metric", [&](Problem& p) { p.metric = Problem(random, p.n, 1).metric; });

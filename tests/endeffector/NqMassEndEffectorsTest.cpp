@@ -103,9 +103,6 @@ TEST_F(NqSlidingMass, ProjectionRunsAlongTheVector) {
     expectNear(projected(), {0.8 * 4.0 / 6.0, 0.2, 0.0}); // moved along the vector
 
     moveBase({});
-    const double sine = 4e-2; // so small a tilt is its own sine
-    plane.setSystemVector({sine, 0.0, std::sqrt(1.0 - sine * sine)});
-    expectNear(projected(), {std::cos(sine) * 4.0 / 6.0, 0.2, 0.0});
     plane.setSystemVector({0.0, 0.0, -2.0});
     expectNear(projected(), {4.0 / 6.0, 0.2, 0.0}); // the normal is merely reversed
     plane.setSystemVector({3.0, 0.0, 0.0});

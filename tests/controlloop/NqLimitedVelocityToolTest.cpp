@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <numeric>
+
 namespace {
 
 using Outcome = NqLimitedVelocityTool::Outcome;
@@ -24,11 +26,10 @@ double leftToGain(const NqLimitedProblem& problem, const NqLimitedVelocityTool& 
     }
     double left = 0.0;
     for (unsigned c = 0; c < tool.nullSpace().columns(); ++c) {
-        double along = 0.0;
-        for (std::size_t j = 0; j < n; ++j) {
-            along += tool.nullSpace()[j][c] * slope[j];
-        }
-        left = std::max(left, std::abs(along));
+        std::vector<double> direction;
+        tool.nullSpace().getColumn(c, direction);
+        left = std::max(left,
+                        std::abs(std::inner_product(direction.begin(), direction.end(), slope.begin(), 0.0)));
     }
     return left;
 }

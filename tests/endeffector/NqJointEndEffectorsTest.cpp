@@ -25,6 +25,17 @@ struct NqCoordinatedJoints : NqEndEffectorTest {
     NqCoordinatedJointEndEffector joints;
 };
 
+TEST_F(NqCoordinatedJoints, ByDefaultTheModelLimitsAllJoints) {
+    joints = NqCoordinatedJointEndEffector::defaultJointControlEndEffector(manipulator, 0.5);
+    ASSERT_EQ(rows(joints).rows(), 7U);
+    const Reals rates = limited(joints, Reals(7, 99.0), {}, 0.1);
+    for (unsigned j = 0; j < 7; ++j) {
+        const double limit = 0.5 * manipulator.linkByIndex(j)->joint().rateLimit();
+        EXPECT_NEAR(rates[j], 0.1 * 2.0 * limit, 1e-12) << "half a second to full speed";
+        EXPECT_NEAR(limited(joints, Reals(7, 99.0), {}, 10.0)[j], limit, 1e-12);
+    }
+}
+
 TEST_F(NqCoordinatedJoints, TargetsAreOfTheListedJointsOrOfAll) {
     const Reals all = {0.1, 0.2, 0.3, 0.4, 0.5, 0.6, 0.7};
     joints.setLinkLabels(
@@ -98,6 +109,12 @@ TEST_F(NqTwoCoordinatedJoints, SpeedsAreFoundOncePerTarget) {
     setJoints({0.0, 1.0});
     towards(at({2.0, 1.0}), {});
     EXPECT_EQ(towards(at({2.0, 1.0}), {0.0, 0.5}, {0.0, 0.5})[1], 0.0) << "nothing to go, no speed";
+
+    // Already on the way T = 2 + 1 / 8, and c^2 - (4 T + 0.25) c + 4 + 0.25^2 / 2 = 0.
+    const double moving = 0.5 * (8.75 - std::sqrt(8.75 * 8.75 - 4.0 * (4.0 + 0.03125)));
+    setJoints({0.0, 0.0});
+    towards(at({-2.0, -1.0}), {-1.0, -0.25});
+    EXPECT_NEAR(towards(at({-2.0, -1.0}), {-1.0, -moving})[1], -moving, 1e-14);
 
     // Of equal times the first is the slowest: it keeps its limit, the other one gets what it just reaches.
     joints.setMaxVelocities({9.0, 9.0});

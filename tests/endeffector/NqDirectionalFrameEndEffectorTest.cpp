@@ -92,6 +92,8 @@ TEST_F(NqDirectionalFrame, DefaultsComeIntoForceWithTheNextMap) {
     frame.setDirectionalThresholdMap(Frame::LinearVelocity, map);
     EXPECT_EQ(limitsTowards(below)[0], 0.25);
     EXPECT_EQ(limitsTowards(below)[2], 1.0) << "of another type";
+    EXPECT_NEAR(filtered(frame, below, {}, {0.0, 0.0, -0.1})[2], -0.1 - 0.01 * 1.0, 1e-12);
+    EXPECT_NEAR(filtered(frame, below, {0.0, 0.0, 0.4}, {0.0, 0.0, -0.05})[2], 0.4 - std::sqrt(0.2), 1e-12);
     EXPECT_EQ(limitsTowards(here)[0], 3.0) << "without a way, along x";
 }
 

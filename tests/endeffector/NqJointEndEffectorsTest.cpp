@@ -99,6 +99,8 @@ TEST_F(NqTwoCoordinatedJoints, SpeedsAreFoundOncePerTarget) {
     EXPECT_EQ(limits(1.0)[0], 1.0) << "the slowest keeps its limit";
     EXPECT_NEAR(limits(1.0)[1], near, 1e-14);
     EXPECT_EQ(joints.minimumTime(at({0.0, 0.0}), at({2.0, 1.0})), 2.25);
+    setJoints({1.98, 0.0});
+    EXPECT_NEAR(towards(at({2.0, 1.0}), {0.4, 0.0})[0], 0.4, 1e-14) << "the square root of 2 x 4 x 0.02";
     setJoints({1.0, 0.25});
     EXPECT_NEAR(limits(1.0 + 5e-10)[1], near, 1e-14) << "the same target";
     EXPECT_GT(limits(1.0 + 1e-8)[1], near + 0.001) << "another one, of which the near joint has more left";

@@ -84,8 +84,8 @@ TEST_F(NqPlanarHand, VelocityCutsAndAccelerationKeepsTheTail) {
 }
 
 TEST_F(NqPlanarHand, MissingEntriesOfAVelocityAreZero) {
-    EXPECT_EQ(limited(frame, {0.1, 0.2}, {0.1, 0.2, 0.0, 0.0, 0.0, 0.3, 9.0}, 1.0),
-              Reals({0.1, 0.2, 0.0, 0.0, 0.0, 0.0}));
+    EXPECT_EQ(limited(frame, {0.1, 0.2, 0.0, 0.5}, {0.1, 0.2, 0.0, 0.0, 0.0, 0.3, 9.0}, 1.0),
+              Reals({0.1, 0.2, 0.0, 0.5, 0.0, 0.0}));
     EXPECT_EQ(limited(orientation, {0.1}, {}, 1.0), Reals({0.1, 0.0, 0.0}));
     EXPECT_EQ(limited(point, {0.1}, {}, 1.0), Reals({0.1, 0.0, 0.0}));
 }
@@ -141,7 +141,7 @@ TEST_F(NqPlanarHand, EditableFlagsAndNumbersAreReadLeniently) {
     EXPECT_EQ(fresh.point(), NqVector(0.5, 0.0, 0.0));
 }
 
-TEST_F(NqPlanarHand, ErrorWeightsAreThoseOfTheirRows) {
+TEST_F(NqPlanarHand, SettersReachTheirValues) {
     frame.setLinearErrorWeight(0.75);
     frame.setAngularErrorWeight(0.25);
     point.setErrorWeight(0.5);
@@ -149,6 +149,12 @@ TEST_F(NqPlanarHand, ErrorWeightsAreThoseOfTheirRows) {
     frame.insertErrorWeightComponent(0, weights);
     point.insertErrorWeightComponent(6, weights);
     EXPECT_TRUE(weights[2][0] == 0.75 && weights[3][0] == 0.25 && weights[6][0] == 0.5);
+    point.setIsHardConstraint(false);
+    point.setIsEditable(false);
+    point.setExternalOffsetIndex(3);
+    point.setCanBecomeSoft(true);
+    EXPECT_TRUE(!point.isHardConstraint() && !point.isEditable() && point.canBecomeSoft());
+    EXPECT_EQ(point.externalOffsetIndex(), 3u);
 }
 
 } // namespace

@@ -135,8 +135,6 @@ protected:
     static constexpr double kStep = 0.01;
     static constexpr double kFactors[] = {0.5, 1.0, 2.0};
 
-    EveryMotionFilter() : m_Kind(std::get<0>(GetParam())), m_Mode(std::get<1>(GetParam())) {}
-
     double range(double low, double high) {
         return std::uniform_real_distribution<double>(low, high)(m_Random);
     }
@@ -247,8 +245,8 @@ protected:
         return testing::AssertionSuccess();
     }
 
-    Kind m_Kind;
-    unsigned m_Mode;
+    const Kind m_Kind = std::get<0>(GetParam());
+    const unsigned m_Mode = std::get<1>(GetParam());
     double m_Factor = 1.0;
     Filters m_Filters;
     Filters m_Unlimited;     ///< the same, with an acceleration threshold of 1e300

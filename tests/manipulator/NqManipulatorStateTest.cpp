@@ -154,6 +154,12 @@ TEST_F(ManipulatorState, MomentaNeedNoOtherQueryBefore) {
 }
 
 TEST_F(ManipulatorState, XmlKeepsStates) {
+    const std::pair<const NqXmlObject*, const char*> states[] = {{&m_Position, "positionState"},
+                                                                 {&m_Velocity, "velocityState"},
+                                                                 {&m_Acceleration, "accelerationState"}};
+    for (const auto& [state, name] : states) {
+        EXPECT_NE(nqWritten(*state).find("<" + std::string(name)), std::string::npos);
+    }
     NqVelocityState velocity = nqThroughXml(m_Velocity);
     EXPECT_EQ(velocity, m_Velocity);
     velocity.setBaseMotion(NqGeneralMotion());

@@ -28,8 +28,6 @@ private:
     static auto components() {
 #if defined(NQ_FIELD_OF_BASE)
         return nqComponentList(nqComponent(NqXml::NqValueToken, &NqAbove::m_Value));
-#elif defined(NQ_TEXT_FOR_TOKEN)
-        return nqComponentList(nqComponent("key", &NqAbove::m_Key));
 #else
         return nqComponentList(nqComponent(NqXml::NqKeyToken, &NqAbove::m_Key));
 #endif

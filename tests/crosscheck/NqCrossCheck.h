@@ -8,8 +8,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <random>
 #include <span>
 #include <string>
 #include <vector>
@@ -47,7 +49,8 @@ inline std::string nqCrossCheckName(const testing::TestParamInfo<std::string>& i
 // The distance of what we have from the reference, relative to the size of that (at least 1).
 
 inline double nqDeviation(const NqVector& reference, const NqVector& actual) {
-    return (actual - reference).mag() / std::max(1.0, reference.mag());
+    const double deviation = (actual - reference).mag() / std::max(1.0, reference.mag());
+    return std::isnan(deviation) ? HUGE_VAL : deviation;
 }
 
 /// Of the entry that is furthest off, relative to the largest one; infinite where there are more or fewer.
@@ -65,13 +68,16 @@ inline double nqDeviation(std::span<const double> reference, std::span<const dou
     return difference / largest;
 }
 
-inline double nqDeviation(std::span<const NqVector> reference, std::span<const NqVector> actual) {
-    const auto entries = [](std::span<const NqVector> vectors) {
-        std::vector<double> result;
-        for (const NqVector& v : vectors) {
-            result.insert(result.end(), {v.x(), v.y(), v.z()});
-        }
-        return result;
-    };
-    return nqDeviation(entries(reference), entries(actual));
+/// Lets `deviationOf` take state after state from a random generator, and expects the deviations that it
+/// gives to be within a tolerance.
+template <typename DeviationOf>
+void nqExpectAgreement(const std::string& what, double tolerance, DeviationOf deviationOf) {
+    std::mt19937_64 random(kCrossCheckSeed);
+    double largest = 0.0;
+    for (int pose = 0; pose < kCrossCheckPoses; ++pose) {
+        const double deviation = deviationOf(random);
+        EXPECT_LE(deviation, tolerance) << what << ", pose " << pose << ", seed " << kCrossCheckSeed;
+        largest = std::max(largest, deviation);
+    }
+    std::printf("%s within %.1e\n", what.c_str(), largest);
 }

@@ -87,12 +87,12 @@ TEST(NqExpressionLeaf, KeepsAValueOfTheRightShape) {
     expectValue(column = other, "1;1;1;");
 
     NqExpressionDiagonalMatrix diagonal;
-    diagonal.assign(1, 2, 3.0);
-    expectValue(diagonal, "3 0;");
+    diagonal.assign(2, 3, 3.0);
+    expectValue(diagonal, "3 0 0;0 3 0;");
     diagonal.setDiagonal({4.0, 5.0});
-    expectValue(diagonal, "3 0;");
-    diagonal.setRowSize(2);
-    expectValue(diagonal, "4 0;0 5;");
+    expectValue(diagonal, "3 0 0;0 3 0;");
+    diagonal.setRowSize(1);
+    expectValue(diagonal, "4 0 0;");
 
     NqExpressionSingleElementMatrix matrix;
     expectValue(matrix, "0;");
@@ -112,7 +112,7 @@ TEST(NqExpressionLeaf, KeepsAValueOfTheRightShape) {
     NqPrintCapture print;
     column.assign(4294967295U, 2.0);
     diagonal.assign(4294967295U, 4294967295U, 2.0);
-    EXPECT_TRUE(column == other && diagonal.rowSize() == 2 && print.lines().size() == 2) << "too much";
+    EXPECT_TRUE(column == other && diagonal.rowSize() == 1 && print.lines().size() == 2) << "too much";
 }
 
 /// Knows an element of expressions that their container doesn't.

@@ -3,12 +3,10 @@
 #include <nqControlCore/expression/NqBaseSoftConstraintHandler.h>
 #include <nqControlCore/expression/NqExpressionDiagonalMatrix.h>
 #include <nqControlCore/expression/NqExpressionGeneralColumn.h>
-#include <nqControlCore/expression/NqExpressionIdentityMatrix.h>
 #include <nqControlCore/expression/NqExpressionMinus.h>
 #include <nqControlCore/expression/NqExpressionNegative.h>
 #include <nqControlCore/expression/NqExpressionSingleElementColumn.h>
 #include <nqControlCore/expression/NqExpressionSingleElementMatrix.h>
-#include <nqControlCore/xml/NqXmlVariableVectorType.h>
 
 namespace {
 
@@ -113,26 +111,6 @@ TEST(NqExpressionLeaf, KeepsAValueOfTheRightShape) {
     column.assign(4294967295U, 2.0);
     diagonal.assign(4294967295U, 4294967295U, 2.0);
     EXPECT_TRUE(column == other && diagonal.rowSize() == 1 && print.lines().size() == 2) << "too much";
-}
-
-/// Knows an element of expressions that their container doesn't.
-class Outer : public NqXmlConcrete<Outer, NqXmlVariableVectorType<NqXmlObject>> {
-public:
-    static const NqToken& classToken() { return NqControlCore::NqEndEffectorVectorToken; }
-    void registerComponentCreators() override {
-        registerComponentCreator(NqExpressionContainer::classToken(), NqExpressionContainer::creator);
-        registerComponentCreator("unit", NqExpressionIdentityMatrix::creator);
-    }
-};
-
-TEST(NqExpressionReading, AsksTheObjectAroundItToo) {
-    Outer outer;
-    const std::string unit = document(element("unit", element("size", "2")));
-    ASSERT_TRUE(
-        NqXmlDocument::readString("<endEffectorVector count='1'>" + unit + "</endEffectorVector>", outer));
-    const auto& expression = dynamic_cast<const NqExpressionContainer&>(*outer[0]);
-    EXPECT_EQ(textOf(expression.value()), "1 0;0 1;");
-    EXPECT_EQ(expression.topElement()->container(), &expression);
 }
 
 TEST(NqExpressionReading, NeedsAContainer) {

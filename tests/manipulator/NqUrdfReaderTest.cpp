@@ -62,18 +62,13 @@ TEST(UrdfReader, JointsInertialDataAndOrder) {
     EXPECT_EQ(m.linkByIndex(0)->linkLabel() + m.linkByIndex(1)->linkLabel() + m.linkByIndex(2)->linkLabel(),
               "zcb");
     const NqJointDescription& revolute = m.linkByIndex(0)->joint();
-    EXPECT_EQ(revolute.name(), "a-z");
-    EXPECT_EQ(revolute.lowerPositionLimit(), -1.5);
-    EXPECT_EQ(revolute.upperPositionLimit(), 2.5);
-    EXPECT_FALSE(revolute.isContinuous());
+    EXPECT_TRUE(revolute.name() == "a-z" && !revolute.isContinuous());
+    EXPECT_TRUE(revolute.lowerPositionLimit() == -1.5 && revolute.upperPositionLimit() == 2.5);
     const NqJointDescription& continuous = m.linkByIndex(1)->joint();
-    EXPECT_TRUE(continuous.isContinuous());
-    EXPECT_EQ(continuous.rateLimit(), 5.0);
-    EXPECT_EQ(continuous.effortLimit(), 6.0);
-    EXPECT_EQ(m.linkByIndex(1)->joint().jointMotion(0.0, 2.0),
-              NqGeneralMotion(NqVector(), NqVector(0, 0, 2)));
-    EXPECT_EQ(m.linkByIndex(2)->joint().jointMotion(0.0, 1.0),
-              NqGeneralMotion(NqVector(0, 0, 1), NqVector()));
+    EXPECT_TRUE(continuous.isContinuous() && continuous.rateLimit() == 5.0 &&
+                continuous.effortLimit() == 6.0);
+    EXPECT_EQ(continuous.jointMotion(0.0, 2.0), NqGeneralMotion({}, {0, 0, 2}));
+    EXPECT_EQ(m.linkByIndex(2)->joint().jointMotion(0.0, 1.0), NqGeneralMotion({0, 0, 1}, {}));
     EXPECT_EQ(m.linkByIndex(0)->primaryFrameOffset(), NqCoordinateSystemTransformation());
 
     // Turned by a right angle, the larger moment lies along x; 2 kg stand at 1 m from the origin.
@@ -116,28 +111,23 @@ std::string inertial(const std::string& mass) {
     return robot("<link name='a'><inertial>" + mass +
                  "<inertia ixx='1' ixy='0' ixz='0' iyy='1' iyz='0' izz='1'/></inertial></link>");
 }
+/// The texts of the numbers below a count, one after the other.
+template <typename TextOf>
+std::string repeated(int count, TextOf textOf) {
+    std::string text;
+    for (int i = 0; i < count; ++i) {
+        text += textOf(std::to_string(i));
+    }
+    return text;
+}
 std::string chain(int links) {
-    std::string text = "<link name='0'/>";
-    for (int i = 1; i < links; ++i) {
-        const std::string child = std::to_string(i);
-        text += "<link name='" + child + "'/>" + joint("continuous", std::to_string(i - 1), child);
-    }
-    return text;
+    return "<link name='0'/>" + repeated(links - 1, [](const std::string& parent) {
+               const std::string child = std::to_string(std::stoi(parent) + 1);
+               return "<link name='" + child + "'/>" + joint("continuous", parent, child);
+           });
 }
-
-std::string attributes(int count) {
-    std::string text;
-    while (count-- > 0) {
-        text += " a" + std::to_string(count) + "=''";
-    }
-    return text;
-}
-std::string nested(int depth) {
-    std::string text;
-    while (depth-- > 0) {
-        text += "<link>";
-    }
-    return text;
+std::string attribute(const std::string& number) {
+    return " a" + number + "=''";
 }
 
 const std::vector<BadDescription> kBadDescriptions = {
@@ -177,8 +167,8 @@ const std::vector<BadDescription> kBadDescriptions = {
     {"NanMass", inertial("<mass value='nan'/>"), "value of <mass>"},
     {"MassMissing", inertial(""), "mass"},
     {"EntityBomb", "<!DOCTYPE robot [<!ENTITY a 'aa'>]>" + robot("<link name='&a;'/>"), "document type"},
-    {"ManyAttributes", "\n<robot name='r' " + attributes(300) + "/>", "line 2: too many attributes"},
-    {"DeepNesting", robot(nested(100000)), "line 1"},
+    {"ManyAttributes", "\n<robot name='r' " + repeated(300, attribute) + "/>", "line 2: too many attributes"},
+    {"DeepNesting", robot(repeated(100000, [](auto) { return "<link>"; })), "line 1"},
     {"TooManyLinks", robot(chain(5000)), "more than 4096 links"},
     {"LongChainWithALoop", robot(chain(4000) + "<link name='p'/>" + joint("fixed", "p", "p")), "loop"},
 };
@@ -187,10 +177,8 @@ INSTANTIATE_TEST_SUITE_P(Texts, UrdfReaderRefuses, testing::ValuesIn(kBadDescrip
                          [](const auto& test) { return test.param.name; });
 
 TEST(UrdfReader, ManyChildrenInOneJointCostNoMoreThanInMany) {
-    std::string children;
-    for (int i = 0; i < 20000; ++i) {
-        children += "<child link='" + std::to_string(i) + "'/>";
-    }
+    const std::string children =
+        repeated(20000, [](const std::string& number) { return "<child link='" + number + "'/>"; });
     NqPrintCapture prints;
     NqIndividualManipulator manipulator;
     const std::clock_t start = std::clock();

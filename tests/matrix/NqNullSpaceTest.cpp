@@ -174,28 +174,12 @@ TEST(CombinedIndices, HaveTheEffectOfBothLists) {
     EXPECT_EQ(untouched, Indices{7});
 }
 
-TEST(JacobianState, IsTheSameForKnownZerosAndEmptyForATallJacobian) {
+TEST(JacobianState, IsEmptyForATallJacobian) {
     NqRandom random(2);
-    NqReArray jacobian = nqRandomArray(random, 3, 12);
-    for (unsigned i = 0; i < 3; ++i) {
-        std::fill(jacobian[i].begin() + 4, jacobian[i].end() - 2, i == 2 ? -0.0 : 0.0);
-    }
-    NqJacobianState state, sparse;
-    sparse.setUseSparseNullSpace(true);
-    Bits bits(3, std::vector<bool>(12, true));
-    for (auto& row : bits) {
-        std::fill(row.begin() + 4, row.end() - 2, false);
-    }
-    EXPECT_TRUE(sparse.setSparsity(bits));
-    EXPECT_TRUE(sparse.sparsityIndicesFirst() == Indices(3, 4) &&
-                sparse.sparsityIndicesSecond() == Indices(3, 10));
-    EXPECT_TRUE(state.setJacobian(jacobian) && sparse.setJacobian(jacobian));
-    EXPECT_TRUE(sparse.factoredJacobianArray() == state.factoredJacobianArray() &&
-                sparse.nullSpaceArray() == state.nullSpaceArray());
-    EXPECT_EQ(nqNegativeZeros(sparse.factoredJacobianArray()), 6u) << "passed over";
-    EXPECT_LT(nqNegativeZeros(state.factoredJacobianArray()), 6u);
+    NqJacobianState state;
+    EXPECT_TRUE(state.setJacobian(nqRandomArray(random, 3, 12)));
     NqPrintCapture capture;
-    EXPECT_FALSE(state.setJacobian(jacobian.transpose()));
+    EXPECT_FALSE(state.setJacobian(nqRandomArray(random, 12, 3)));
     EXPECT_EQ(capture.lines().size(), 1u);
     EXPECT_TRUE(state.jacobianArray().rows() == 12 && state.factoredJacobianArray().size() == 0);
 }

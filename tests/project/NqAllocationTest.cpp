@@ -13,8 +13,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
 
 namespace {
 
@@ -31,9 +32,9 @@ std::size_t allocationsOf(Action action) {
 class ControlLoop {
 public:
     ControlLoop(const NqTestModel& model, const NqEndEffectorKind& kind, RelativeData::RelativeMode mode)
-        : m_Manipulator(*model.manipulator), m_FixedBase(!model.movesBase), m_State(m_Manipulator),
-          m_Position(m_Manipulator.numberOfJoints()), m_Velocity(m_Manipulator.numberOfJoints()),
-          m_Acceleration(m_Manipulator.numberOfJoints()) {
+        : m_Manipulator(*model.manipulator), m_FixedBase(!model.movesBase), m_State(m_Manipulator) {
+        std::mt19937_64 random(7);
+        std::generate_n(std::back_inserter(m_Poses), 10, [&] { return nqRandomState(model, random); });
         NqTestModel second = model;
         second.link = model.secondLink;
         RelativeData relative;
@@ -60,7 +61,10 @@ public:
     void step() {
         m_Time += 0.01;
         m_Target.dataVector()[0] = m_Time; // another target in every step
-        setState();
+        const NqManipulatorActiveState& pose = m_Poses[m_Step++ % m_Poses.size()];
+        m_State.setPositionState(pose.positionState());
+        m_State.setVelocityState(pose.velocityState());
+        m_State.setAccelerationState(pose.accelerationState());
         unsigned rows = 0;
         for (const auto& endEffector : m_EndEffectors) {
             ask(*endEffector, rows);
@@ -75,23 +79,6 @@ public:
     bool isSolved() const { return m_IsSolved; }
 
 private:
-    void setState() {
-        for (unsigned j = 0; j < m_Manipulator.numberOfJoints(); ++j) {
-            m_Position.setJointPosition(j, std::sin(m_Time + j));
-            m_Velocity.setJointVelocity(j, std::cos(m_Time + j));
-            m_Acceleration.setJointAcceleration(j, -std::sin(m_Time + j));
-        }
-        if (!m_FixedBase) {
-            const NqVector v(m_Time, -m_Time, 0.5);
-            m_Position.setBaseFrame({v, NqOrientation()});
-            m_Velocity.setBaseMotion({v, v});
-            m_Acceleration.setBaseMotion({v, v});
-        }
-        m_State.setPositionState(m_Position);
-        m_State.setVelocityState(m_Velocity);
-        m_State.setAccelerationState(m_Acceleration);
-    }
-
     void ask(const NqEndEffector& e, unsigned row) {
         e.insertJacobianComponent(m_Manipulator, row, e.relativeLinkData(), m_FixedBase, m_State, m_Jacobian);
         e.insertSparsityComponent(m_Manipulator, row, e.relativeLinkData(), m_FixedBase, m_Sparsity);
@@ -146,9 +133,8 @@ private:
 
     double m_Time = 0.0;
     NqManipulatorActiveState m_State;
-    NqPositionState m_Position;
-    NqVelocityState m_Velocity;
-    NqAccelerationState m_Acceleration;
+    std::vector<NqManipulatorActiveState> m_Poses;
+    std::size_t m_Step = 0;
     NqReArray m_Jacobian, m_Weights;
     NqEndEffector::SparsityDescription m_Sparsity;
     NqEndEffectorPlacement m_Placement, m_RelativePlacement;

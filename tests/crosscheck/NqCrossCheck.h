@@ -12,7 +12,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <random>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -46,26 +45,11 @@ inline std::string nqCrossCheckName(const testing::TestParamInfo<std::string>& i
     return stem.substr(0, stem.find('.'));
 }
 
-// The distance of what we have from the reference, relative to the size of that (at least 1).
-
+/// The distance of what we have from the reference, relative to the size of that (at least 1); infinite for
+/// NaN.
 inline double nqDeviation(const NqVector& reference, const NqVector& actual) {
     const double deviation = (actual - reference).mag() / std::max(1.0, reference.mag());
     return std::isnan(deviation) ? HUGE_VAL : deviation;
-}
-
-/// Of the entry that is furthest off, relative to the largest one; infinite where there are more or fewer.
-inline double nqDeviation(std::span<const double> reference, std::span<const double> actual) {
-    if (reference.size() != actual.size()) {
-        return HUGE_VAL;
-    }
-    double largest = 1.0, difference = 0.0;
-    for (std::size_t i = 0; i < reference.size(); ++i) {
-        largest = std::max(largest, std::fabs(reference[i]));
-        // Written so that NaN counts.
-        difference = std::fabs(actual[i] - reference[i]) <= difference ? difference
-                                                                       : std::fabs(actual[i] - reference[i]);
-    }
-    return difference / largest;
 }
 
 /// Lets `deviationOf` take state after state from a random generator, and expects the deviations that it

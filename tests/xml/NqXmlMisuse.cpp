@@ -34,13 +34,7 @@ private:
     }
 };
 
-/// Neither lists anything of its own.
-class NqOnTop : public NqXmlPersistent<NqOnTop, NqAbove> {
-public:
-    static const NqToken& classToken() { return NqXml::NqGroupToken; }
-};
-
-bool nqSame(const NqOnTop& a, const NqOnTop& b);
-bool nqSame(const NqOnTop& a, const NqOnTop& b) {
+bool nqSame(const NqAbove& a, const NqAbove& b);
+bool nqSame(const NqAbove& a, const NqAbove& b) {
     return a == b;
 }

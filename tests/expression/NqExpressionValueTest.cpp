@@ -18,14 +18,6 @@ const std::string kZeros = column("0 0 0 0 0 1");
 const std::string kMost = "4294967295";
 const std::string kTooLarge = "a matrix of 4294967295 by ";
 
-std::string repeated(const std::string& text, std::size_t count) {
-    std::string all;
-    for (std::size_t i = 0; i < count; ++i) {
-        all += text;
-    }
-    return all;
-}
-
 std::string pair(const char* name, const std::string& left, const std::string& right) {
     return element(name, left + right);
 }
@@ -85,6 +77,18 @@ const TreeCase kValues[] = {
     {"Corner", pair("lessThan", kTwoByThree, kThreeByTwo), "0 0;0 1;"},
     {"OtherCorner", pair("or", kThreeByTwo, column("0 0 0 0")), "0;1;1;"},
     {"WithNothing", pair("greaterThan", number("1"), kNothing), ""},
+    {"HalfPlus", element("plus", number("4")), "4;"},
+    {"HalfMinus", element("minus", number("4")), "4;"},
+    {"HalfTimes", element("times", number("4")), ""},
+    {"HalfPow", element("elementPow", number("4")), "4;"},
+    {"HalfRoot", element("elementRoot", number("4")), "2;"},
+    {"HalfLogN", element("elementLogN", number("4")), "1.3862943611198906;"},
+    {"HalfAnd", element("and", number("4")), ""},
+    {"HalfOr", element("or", number("4")), ""},
+    {"HalfLess", element("lessThan", number("4")), ""},
+    {"HalfGreater", element("greaterThan", number("4")), ""},
+    {"HalfLessOrEqual", element("lessThanOrEqualTo", number("4")), ""},
+    {"HalfGreaterOrEqual", element("greaterThanOrEqualTo", number("4")), ""},
     {"Inverse", element("elementInverse", column("4 0 -0.5")), "0.25;INF;-2;"},
     {"Negative", element("negative", column("4 0 -INF")), "-4;-0;INF;"},
     {"Sine", element("sine", column("0 -0.5")), "0;-0.479425538604203;"},
@@ -129,11 +133,11 @@ TEST_P(NqExpressionValue, IsThatOfTheTree) {
 }
 
 std::string constants(std::size_t count) {
-    return repeated(number("1"), count);
+    return nqRepeated(number("1"), count);
 }
 
 std::string chain(std::size_t depth) {
-    return repeated("<negative>", depth) + number("1") + repeated("</negative>", depth);
+    return nqRepeated("<negative>", depth) + number("1") + nqRepeated("</negative>", depth);
 }
 
 TEST(NqExpressionReading, TakesWhatItKnowsAndTellsOfTheRest) {
@@ -172,7 +176,7 @@ TEST(NqExpressionReading, LeavesNoHalfOfAnExpression) {
 }
 
 TEST(NqExpressionReading, BoundsHostileTrees) {
-    const std::string wide = repeated(element("plus", constants(255)), 255);
+    const std::string wide = nqRepeated(element("plus", constants(255)), 255);
     const std::string large = element("identityMatrix", element("size", "3000"));
     std::string sum = number("0");
     for (int i = 0; i < 9; ++i) { // each counts with its column, so that only the first ones find room
@@ -212,35 +216,19 @@ TEST(NqExpressionReading, TheDeepestTreeNeedsLittleStack) {
     pthread_attr_destroy(&attributes);
 }
 
-TEST(NqExpressionBinary, HasAValueOfItsOwnForEachMissingChild) {
-    struct HalfCase {
-        const char* element;
-        std::string ofLeft = {}; ///< with 4.0 as the only child
-        std::string ofRight = {};
-    };
-    const HalfCase cases[] = {{"plus", "4;", "4;"},
-                              {"minus", "4;", "-4;"},
-                              {"elementPow", "4;"},
-                              {"elementRoot", "2;"},
-                              {"elementLogN", "1.3862943611198906;"},
-                              {"times"},
-                              {"and"},
-                              {"or"},
-                              {"lessThan"},
-                              {"greaterThan"},
-                              {"lessThanOrEqualTo"},
-                              {"greaterThanOrEqualTo"}};
-    const auto four = NqExpressionScalarConstant::objectWithValue(4.0);
-    for (const HalfCase& which : cases) {
-        for (const bool isLeft : {true, false}) {
-            const std::unique_ptr<NqXmlObject> made(
-                NqExpressionContainer().newObjectFromToken(which.element));
-            auto& node = dynamic_cast<NqExpressionBaseBinary&>(*made);
-            EXPECT_EQ(textOf(node.value()), "") << which.element;
-            isLeft ? node.setLeft(four) : node.setRight(four);
-            EXPECT_EQ(textOf(node.value()), isLeft ? which.ofLeft : which.ofRight) << which.element;
+TEST(NqExpressionBinary, HasAValueOfItsOwnForAMissingLeftChild) {
+    unsigned operations = 0;
+    NqExpressionContainer container;
+    for (const auto& [token, create] : container.creatorMap()) {
+        const std::unique_ptr<NqXmlObject> made(create());
+        if (auto* node = dynamic_cast<NqExpressionBaseBinary*>(made.get())) {
+            ++operations;
+            EXPECT_EQ(textOf(node->value()), "");
+            node->setRight(NqExpressionScalarConstant::objectWithValue(4.0));
+            EXPECT_EQ(textOf(node->value()), token.names("plus") ? "4;" : token.names("minus") ? "-4;" : "");
         }
     }
+    EXPECT_EQ(operations, 12U);
 }
 
 } // namespace

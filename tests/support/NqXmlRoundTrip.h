@@ -37,3 +37,11 @@ inline unsigned nqVisited(const NqXmlObject& object) {
     object.accept(&visitor);
     return visitor.m_Count;
 }
+
+inline std::string nqRepeated(const std::string& text, std::size_t count) {
+    std::string all;
+    for (std::size_t i = 0; i < count; ++i) {
+        all += text;
+    }
+    return all;
+}

@@ -32,6 +32,7 @@ protected:
         return result;
     }
 
+    NqPrintCapture m_Print;
     Vector m_Vector;
 };
 
@@ -39,22 +40,18 @@ using Kinds = testing::Types<NqTestReals, NqTestShapeVector>;
 TYPED_TEST_SUITE(NqXmlBothVectors, Kinds);
 
 TYPED_TEST(NqXmlBothVectors, RefuseWhatIsOutside) {
-    TypeParam& vector = this->m_Vector;
-    const std::string name =
-        this->isPlain ? "NqXmlVectorType<ElementType>" : "NqXmlVariableVectorType<ElementType>";
+    constexpr bool plain = TestFixture::isPlain;
+    const std::string name = plain ? "NqXmlVectorType<ElementType>" : "NqXmlVariableVectorType<ElementType>";
     const std::string range = name + "::erase: bad first/last indices: ";
-    const auto expectRefused = [](bool result, const std::string& message, const NqPrintCapture& print) {
-        EXPECT_TRUE(!result && print.contains(message)) << print.text();
-        EXPECT_TRUE(print.contains("::erase(unsigned int") && print.lines()[0].first == 4) << print.text();
+    const auto expectRefused = [&](bool result, const std::string& message) {
+        EXPECT_TRUE(!result && this->m_Print.contains(message)) << this->m_Print.text();
+        EXPECT_TRUE(this->m_Print.contains("::erase(unsigned int") && this->m_Print.lines()[0].first == 4);
     };
-    NqPrintCapture print;
-    expectRefused(vector.erase(5), name + "::erase(): index (5) exceeds vector size (5).\n", print);
-    expectRefused(vector.erase(0, 6),
-                  this->isPlain ? "index (6) exceeds vector size ( 5).\n" : range + "0/6\n", print);
-    expectRefused(vector.erase(3, 2),
-                  this->isPlain ? "first (3) is bigger than last (2).\n" : range + "3/2\n", print);
-    EXPECT_EQ(vector.erase(2, 2), this->isPlain);
-    EXPECT_FALSE(vector.leftRotate(5));
+    TypeParam& vector = this->m_Vector;
+    expectRefused(vector.erase(5), name + "::erase(): index (5) exceeds vector size (5).\n");
+    expectRefused(vector.erase(0, 6), plain ? "index (6) exceeds vector size ( 5).\n" : range + "0/6\n");
+    expectRefused(vector.erase(3, 2), plain ? "first (3) is bigger than last (2).\n" : range + "3/2\n");
+    EXPECT_TRUE(vector.erase(2, 2) == plain && !vector.leftRotate(5));
     EXPECT_EQ(this->numbers(), (Numbers{0.0, 1.0, 2.0, 3.0, 4.0}));
 }
 

@@ -121,18 +121,6 @@ TEST_P(NqXmlEveryObject, HasItsFormAndReadsBack) {
     EXPECT_EQ(copy->equalsDefault(), std::string(name) == "EmptyTexts" || std::string(name) == "Holder");
 }
 
-TEST_P(NqXmlEveryObject, ReadsAsFarAsADocumentGoes) {
-    NqPrintCapture print;
-    const std::string document = nqWritten(*GetParam().object);
-    const std::size_t end = document.find_last_of('>') + 1;
-    for (std::size_t length = 0; length < end; ++length) {
-        print.clear();
-        const std::unique_ptr<NqXmlObject> read(GetParam().object->newObject());
-        EXPECT_FALSE(NqXmlDocument::readString(document.substr(0, length), *read, "cut.xml")) << length;
-        EXPECT_TRUE(print.contains("-- file: cut.xml, line: ")) << length;
-    }
-}
-
 TEST_P(NqXmlEveryObject, MatchesItsSchema) {
     const NqSchemaValidator schema(*GetParam().object, GetParam().name);
     ASSERT_TRUE(schema.isGood());

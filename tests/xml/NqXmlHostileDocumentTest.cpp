@@ -6,20 +6,12 @@ namespace {
 
 using namespace std::string_literals;
 
-std::string repeated(const std::string& text, std::size_t count) {
-    std::string all;
-    for (std::size_t i = 0; i < count; ++i) {
-        all += text;
-    }
-    return all;
-}
-
 std::string inVector(const std::string& value) {
     return "<vectorType count='1'>\n<group>\n<value>" + value + "</value></group></vectorType>";
 }
 
 std::string nested(std::size_t depth) {
-    return "<vectorType count='0'>" + repeated("<a>", depth) + repeated("</a>", depth) + "</vectorType>";
+    return "<vectorType count='0'>" + nqRepeated("<a>", depth) + nqRepeated("</a>", depth) + "</vectorType>";
 }
 
 /// Entities each of which names the one before ten times over.
@@ -27,7 +19,7 @@ std::string bomb() {
     std::string declarations = "<!ENTITY e0 'lol'>";
     for (int i = 1; i < 12; ++i) {
         declarations += "\n<!ENTITY e" + std::to_string(i) + " '" +
-                        repeated("&e" + std::to_string(i - 1) + ";", 10) + "'>";
+                        nqRepeated("&e" + std::to_string(i - 1) + ";", 10) + "'>";
     }
     return "<?xml version='1.0'?>\n<!DOCTYPE vectorType [" + declarations + "]>" + inVector("&e11;");
 }
@@ -69,9 +61,10 @@ INSTANTIATE_TEST_SUITE_P(
         HostileCase{"Bomb", bomb, 2, kRefused},
         HostileCase{"External", [] { return "<!DOCTYPE a SYSTEM 'http://nq.example/a.dtd'><a/>"s; }, 1,
                     kRefused},
-        HostileCase{"BehindMuch",
-                    [] { return "\n<!--" + repeated("' -> <!DOCTYPE ", 997) + "-->\n<?p <?>\n<!DOCTYPE a>"; },
-                    4, kRefused},
+        HostileCase{
+            "BehindMuch",
+            [] { return "\n<!--" + nqRepeated("' -> <!DOCTYPE ", 997) + "-->\n<?p <?>\n<!DOCTYPE a>"; }, 4,
+            kRefused},
         HostileCase{"InOtherEncoding", [] { return "\xFF\xFE" + inTwoBytes("<!DOCTYPE a>"); }, 1, kNotUtf8},
         HostileCase{"InTwoBytes", [] { return inTwoBytes("<!DOCTYPE a>"); }, 1, kNotUtf8},
         HostileCase{"InSevenBits",
@@ -82,13 +75,13 @@ INSTANTIATE_TEST_SUITE_P(
                     true},
         HostileCase{"Deep255", [] { return nested(255); }, 1, "element \"a\" is not known here", true},
         HostileCase{"Deep256", [] { return nested(256); }, 1, kTooDeep},
-        HostileCase{"Deep100000", [] { return repeated("<vectorType>", 100'000); }, 1, kTooDeep},
+        HostileCase{"Deep100000", [] { return nqRepeated("<vectorType>", 100'000); }, 1, kTooDeep},
         HostileCase{"HugeText", [] { return inVector(std::string(11'000'000, 'x')); }, 3, "huge text node"},
         HostileCase{"HugeAttribute", [] { return "<a b='" + std::string(11'000'000, '1') + "'/>"; }, 1,
                     "Huge input lookup"},
         HostileCase{"Attributes", manyAttributes, 1, "too many attributes in one tag"},
         HostileCase{"Strangers",
-                    [] { return "<vectorType>" + repeated("<other/>\n", 20'000) + "</vectorType>"; }, 200,
+                    [] { return "<vectorType>" + nqRepeated("<other/>\n", 20'000) + "</vectorType>"; }, 200,
                     "element \"other\" is not known here and is skipped", true},
         HostileCase{"Empty", [] { return ""s; }, 1, kBreaksOff},
         HostileCase{"Nul", [] { return inVector("a\0b"s); }, 3, kNotUtf8},
@@ -97,7 +90,7 @@ INSTANTIATE_TEST_SUITE_P(
         HostileCase{"WrongRoot", [] { return "<?xml version='1.0'?>\n<setType/>"s; }, 2,
                     "the root element is \"setType\" and not \"vectorType\""},
         HostileCase{"WrongEnd", [] { return "<vectorType>\n</vector>"s; }, 2, "tag mismatch"},
-        HostileCase{"Late", [] { return inVector("a") + repeated("\n", 5000) + "&"; }, 5003, kBreaksOff}),
+        HostileCase{"Late", [] { return inVector("a") + nqRepeated("\n", 5000) + "&"; }, 5003, kBreaksOff}),
     [](const auto& which) { return which.param.name; });
 
 TEST_P(NqXmlHostileDocument, IsRefusedOrReadWithinBounds) {

@@ -63,28 +63,32 @@ TEST_F(NqDriveKinds, FrameAndCoupledJointsReachTheirTargetsWithinTheirLimits) {
 TEST_F(NqDriveKinds, ProfilesApproachInTheirOwnWays) {
     const std::pair<const char*, double> powers[] = {
         {"proportional", 1.0}, {"trapezoidal", 0.5}, {"threehalves", 2.0 / 3.0}};
-    // The part is the one that takes longer, which another of the same frame doesn't slow.
-    const std::tuple<const char*, const char*, std::size_t> cases[] = {
-        {"arm7.endeffectors.xml", "0,0.2,0", 0},
-        {"arm7.orientation.endeffectors.xml", "@0,0,60", 0},
-        {"arm7.frame.endeffectors.xml", "0,0.2,0@0,0,60/hold", 1},
-        {"arm7.frame.endeffectors.xml", "hold/0.3", 2}};
+    struct Case {
+        const char* effectors;
+        const char* target;
+        std::size_t part; ///< the one that takes longer, which another of the same frame doesn't slow
+    };
+    const Case cases[] = {{"arm7.endeffectors.xml", "0,0.2,0", 0},
+                          {"arm7.orientation.endeffectors.xml", "@0,0,60", 0},
+                          {"arm7.frame.endeffectors.xml", "0,0.2,0@0,0,60/hold", 1},
+                          {"arm7.frame.endeffectors.xml", "hold/0.3", 2}};
     for (const auto& [profile, power] : powers) {
-        for (const auto& [effectors, target, part] : cases) {
-            load("arm7.urdf", effectors, {"--start", kBent, "--relative", target, "--profile", profile});
+        for (const Case& each : cases) {
+            load("arm7.urdf", each.effectors,
+                 {"--start", kBent, "--relative", each.target, "--profile", profile});
             const NqDriveRun run = reachAll();
             // The speed of a row belongs to what was left in the row before.
             std::size_t row = 1;
             const auto logarithmsAt = [&](double left) {
-                while (run.recorder().error(row - 1, part) > left) {
+                while (run.recorder().error(row - 1, each.part) > left) {
                     ++row;
                 }
-                return std::pair(std::log(run.recorder().speed(row, part)),
-                                 std::log(run.recorder().error(row - 1, part)));
+                return std::pair(std::log(run.recorder().speed(row, each.part)),
+                                 std::log(run.recorder().error(row - 1, each.part)));
             };
             const auto far = logarithmsAt(0.01), near = logarithmsAt(0.001);
             EXPECT_NEAR((far.first - near.first) / (far.second - near.second), power, 0.01)
-                << profile << " " << run.record().parts[part].name;
+                << profile << " " << run.record().parts[each.part].name;
         }
     }
 }
@@ -92,8 +96,10 @@ TEST_F(NqDriveKinds, ProfilesApproachInTheirOwnWays) {
 /// A soft elbow that cannot reach its target stops short of it. The hand does not notice.
 TEST_F(NqDriveKinds, SoftEndEffectorComesAsNearAsTheHardOnesAllow) {
     load("arm7.urdf", "arm7.elbow.endeffectors.xml",
-         {"--start", kBent, "--relative", "0.05,0.2,-0.1@0,0,45/0,-0.3,-0.1", "--posture", "none"});
+         {"--start", kBent, "--relative", "0.05,0.2,-0.1@0,0,45/0,-0.3,-0.1", "--posture", "none",
+          "--soft-gain", "2000"});
     const NqDriveRun run = reachAll();
+    EXPECT_EQ(run.loop().settings().softGain(), 2000.0);
     EXPECT_NE(run.record().verdict.find("'link4' (soft) within 0."), std::string::npos);
     EXPECT_LE(std::max(run.loop().errors()[0], run.loop().errors()[1]), 1.0e-4);
     EXPECT_EQ(run.loop().rows(), 6u);

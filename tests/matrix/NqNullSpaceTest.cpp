@@ -174,12 +174,23 @@ TEST(CombinedIndices, HaveTheEffectOfBothLists) {
     EXPECT_EQ(untouched, Indices{7});
 }
 
-TEST(JacobianState, IsEmptyForATallJacobian) {
+TEST(JacobianState, IsTheSameForKnownZerosAndEmptyForATallJacobian) {
     NqRandom random(2);
-    NqJacobianState state;
-    EXPECT_TRUE(state.setJacobian(nqRandomArray(random, 3, 12)));
+    NqReArray jacobian = nqRandomArray(random, 3, 12);
+    Bits bits(3, std::vector<bool>(12, true));
+    for (unsigned i = 0; i < 3; ++i) {
+        std::fill(jacobian[i].begin() + 4, jacobian[i].end() - 2, i == 2 ? -0.0 : 0.0);
+        std::fill(bits[i].begin() + 4, bits[i].end() - 2, false);
+    }
+    NqJacobianState state, sparse;
+    sparse.setUseSparseNullSpace(true);
+    EXPECT_TRUE(sparse.setSparsity(bits) && state.setJacobian(jacobian) && sparse.setJacobian(jacobian));
+    EXPECT_TRUE(sparse.factoredJacobianArray() == state.factoredJacobianArray() &&
+                sparse.nullSpaceArray() == state.nullSpaceArray());
+    EXPECT_EQ(nqNegativeZeros(sparse.factoredJacobianArray()), 6u) << "passed over";
+    EXPECT_LT(nqNegativeZeros(state.factoredJacobianArray()), 6u);
     NqPrintCapture capture;
-    EXPECT_FALSE(state.setJacobian(nqRandomArray(random, 12, 3)));
+    EXPECT_FALSE(state.setJacobian(jacobian.transpose()));
     EXPECT_EQ(capture.lines().size(), 1u);
     EXPECT_TRUE(state.jacobianArray().rows() == 12 && state.factoredJacobianArray().size() == 0);
 }

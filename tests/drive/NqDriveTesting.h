@@ -10,8 +10,6 @@
 #include <fstream>
 #include <stdexcept>
 
-using Outcome = NqDriveRecord::Outcome;
-
 inline std::string writeTemporary(const std::string& name, const std::string& text) {
     const std::string file = testing::TempDir() + name;
     std::ofstream(file) << text;
@@ -48,25 +46,13 @@ public:
 
 class NqDriveFixture : public testing::Test {
 protected:
-    /// Loads robot and end-effectors; `points` are elements of the vector.
-    void load(const std::string& robot, const std::string& points, std::vector<const char*> arguments) {
-        loadFiles(
-            robot,
-            writeTemporary("effectors.xml", "<endEffectorVector xmlns=\"http://nq.example/namespace/ct#\">" +
-                                                points + "</endEffectorVector>"),
-            std::move(arguments));
-    }
-
-    /// The same with end-effectors of the models folder.
-    void loadModel(const std::string& robot, const std::string& effectors,
-                   std::vector<const char*> arguments) {
-        loadFiles(robot, nqModelFile("/" + effectors), std::move(arguments));
-    }
-
-    void loadFiles(const std::string& robot, const std::string& effectors,
-                   std::vector<const char*> arguments) {
-        const std::string model = nqModelFile("/" + robot);
-        arguments.insert(arguments.begin(), {"nqDrive", model.c_str(), effectors.c_str()});
+    /// Loads files, those without a folder from that of the models.
+    void load(const std::string& robot, const std::string& effectors, std::vector<const char*> arguments) {
+        const auto place = [](const std::string& file) {
+            return file.starts_with('/') ? file : nqModelFile("/" + file);
+        };
+        const std::string model = place(robot), endEffectors = place(effectors);
+        arguments.insert(arguments.begin(), {"nqDrive", model.c_str(), endEffectors.c_str()});
         NqDriveOptions options;
         std::string complaint;
         ASSERT_EQ(
@@ -77,17 +63,30 @@ protected:
         isLoaded = task.load(options);
     }
 
-    /// Of what was loaded. Throws, and so ends the test, where that was refused.
-    NqDriveRun loadedRun() {
-        return isLoaded ? NqDriveRun(task) : throw std::runtime_error(task.complaint());
+    /// The same with end-effectors that are elements of the vector.
+    void loadPoints(const std::string& robot, const std::string& points, std::vector<const char*> arguments) {
+        load(robot,
+             writeTemporary("effectors.xml", "<endEffectorVector xmlns=\"http://nq.example/namespace/ct#\">" +
+                                                 points + "</endEffectorVector>"),
+             std::move(arguments));
     }
 
-    /// Throws, and so ends the test, unless all way points are reached.
-    void reachAll(NqDriveRun& run) {
+    void expectRefused(const std::string& words) {
+        EXPECT_FALSE(isLoaded);
+        EXPECT_NE(task.complaint().find(words), std::string::npos) << task.complaint();
+    }
+
+    /// Of what was loaded, driven until all way points are reached. Throws, and so ends the test, otherwise.
+    NqDriveRun reachAll() {
+        if (!isLoaded) {
+            throw std::runtime_error(task.complaint());
+        }
+        NqDriveRun run(task);
         run.execute(watcher);
-        if (run.record().outcome != NqDriveRecord::Outcome::Reached) {
+        if (!run.record().isReached()) {
             throw std::runtime_error(run.record().verdict);
         }
+        return run;
     }
 
     /// How many rows were recorded on the way to the first way point.

@@ -1,24 +1,13 @@
 #include "NqExpressionTesting.h"
-#include "support/NqPrintCapture.h"
 #include "support/NqSchemaValidator.h"
 
 #include <nqControlCore/expression/NqExpressionBaseBinary.h>
-#include <nqControlCore/expression/NqExpressionScalarConstant.h>
 
-#include <gtest/gtest.h>
+#include <pthread.h>
 
 namespace {
 
 using namespace nqExpression;
-
-struct ValueCase {
-    const char* name;
-    std::string tree;
-    std::string value;
-    std::string message = {}; ///< in the one line that evaluation prints; none if empty
-};
-
-class NqExpressionValue : public testing::TestWithParam<ValueCase> {};
 
 const std::string kMisfit = "bad dimensions on input...\n";
 const std::string kNothing = element("negative"); // a child whose value has no entries
@@ -57,136 +46,189 @@ std::string identity(const std::string& size) {
     return element("identityMatrix", element("size", size));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Binary, NqExpressionValue,
-    testing::Values(
-        ValueCase{"Plus", pair("plus", kTwoByThree, outer("1 1", "1 2 0.5")), "1 5 1.5;1 -4 -1.5;"},
-        ValueCase{"PlusMisfit", pair("plus", kTwoByThree, kThreeByTwo), "", kMisfit},
-        ValueCase{"PlusNothing", pair("plus", number("3"), kNothing), "3;"},
-        ValueCase{"NothingPlus", pair("plus", kNothing, number("3")), "", kMisfit},
-        ValueCase{"Minus", pair("minus", kTwoByThree, outer("1 1", "1 2 0.5")), "-1 1 0.5;-1 -8 -2.5;"},
-        ValueCase{"MinusMisfit", pair("minus", column("1"), column("1 2")), "", kMisfit},
-        ValueCase{"Times", pair("times", kTwoByThree, kThreeByTwo), "-95 19;190 -38;"},
-        ValueCase{"TimesMisfit", pair("times", kTwoByThree, kTwoByThree), "", kMisfit},
-        ValueCase{"TimesTooLarge",
-                  pair("times", singleColumn("4000", "0"), element("transpose", singleColumn("4000", "0"))),
-                  "", "a matrix of 4000 by 4000 elements is too large, in \"times\""},
-        ValueCase{"Pow", pair("elementPow", column("2 -3 0"), column("3 9")), "8;-27;0;"},
-        ValueCase{"PowNothing", pair("elementPow", number("7"), single("1", "0", "0", "0")), "7;",
-                  "position out of bounds"},
-        ValueCase{"Root", pair("elementRoot", column("16 81"), number("4")), "2;3;"},
-        ValueCase{"RootOfZero", pair("elementRoot", kSigns, number("-0")), "-1;0;1;NaN;0;NaN;"},
-        ValueCase{"RootNothing", pair("elementRoot", number("9"), kNothing), "3;"},
-        ValueCase{"LogN", pair("elementLogN", column("8 0.5 0"), number("2")), "3;-1;-INF;"},
-        ValueCase{"LogNNothing", pair("elementLogN", column("1 0 -1"), kNothing), "0;-INF;NaN;"}),
-    [](const auto& which) { return which.param.name; });
+const TreeCase kValues[] = {
+    {"Plus", pair("plus", kTwoByThree, outer("1 1", "1 2 0.5")), "1 5 1.5;1 -4 -1.5;"},
+    {"PlusMisfit", pair("plus", kTwoByThree, kThreeByTwo), "", kMisfit},
+    {"PlusNothing", pair("plus", number("3"), kNothing), "3;"},
+    {"NothingPlus", pair("plus", kNothing, number("3")), "", kMisfit},
+    {"Minus", pair("minus", kTwoByThree, outer("1 1", "1 2 0.5")), "-1 1 0.5;-1 -8 -2.5;"},
+    {"MinusMisfit", pair("minus", column("1"), column("1 2")), "", kMisfit},
+    {"Times", pair("times", kTwoByThree, kThreeByTwo), "-95 19;190 -38;"},
+    {"TimesMisfit", pair("times", kTwoByThree, kTwoByThree), "", kMisfit},
+    {"TimesTooLarge",
+     pair("times", singleColumn("4000", "0"), element("transpose", singleColumn("4000", "0"))), "",
+     "a matrix of 4000 by 4000 elements is too large, in \"times\""},
+    {"Pow", pair("elementPow", column("2 -3 0"), column("3 9")), "8;-27;0;"},
+    {"PowNothing", pair("elementPow", number("7"), single("1", "0", "0", "0")), "7;",
+     "position out of bounds"},
+    {"Root", pair("elementRoot", column("16 81"), number("4")), "2;3;"},
+    {"RootOfZero", pair("elementRoot", kSigns, number("-0")), "-1;0;1;NaN;0;NaN;"},
+    {"RootNothing", pair("elementRoot", number("9"), kNothing), "3;"},
+    {"LogN", pair("elementLogN", column("8 0.5 0"), number("2")), "3;-1;-INF;"},
+    {"LogNNothing", pair("elementLogN", column("1 0 -1"), kNothing), "0;-INF;NaN;"},
+    {"And", pair("and", kSigns, kZeros), "0;0;0;0;0;1;"},
+    {"AndBoth", pair("and", kSigns, kSigns), "1;0;1;1;0;1;"},
+    {"Or", pair("or", kSigns, kZeros), "1;0;1;1;0;1;"},
+    {"OrBoth", pair("or", kZeros, kZeros), "0;0;0;0;0;1;"},
+    {"Less", pair("lessThan", kSigns, kZeros), "1;0;0;0;0;0;"},
+    {"Greater", pair("greaterThan", kSigns, kZeros), "0;0;1;0;0;0;"},
+    {"LessOrEqual", pair("lessThanOrEqualTo", kSigns, kZeros), "1;1;0;0;1;0;"},
+    {"GreaterOrEqual", pair("greaterThanOrEqualTo", kSigns, kZeros), "0;1;1;0;1;0;"},
+    {"Corner", pair("lessThan", kTwoByThree, kThreeByTwo), "0 0;0 1;"},
+    {"OtherCorner", pair("or", kThreeByTwo, column("0 0 0 0")), "0;1;1;"},
+    {"WithNothing", pair("greaterThan", number("1"), kNothing), ""},
+    {"HalfPlus", element("plus", number("4")), "4;"},
+    {"HalfMinus", element("minus", number("4")), "4;"},
+    {"HalfTimes", element("times", number("4")), ""},
+    {"HalfPow", element("elementPow", number("4")), "4;"},
+    {"HalfRoot", element("elementRoot", number("4")), "2;"},
+    {"HalfLogN", element("elementLogN", number("4")), "1.3862943611198906;"},
+    {"HalfAnd", element("and", number("4")), ""},
+    {"HalfOr", element("or", number("4")), ""},
+    {"HalfLess", element("lessThan", number("4")), ""},
+    {"HalfGreater", element("greaterThan", number("4")), ""},
+    {"HalfLessOrEqual", element("lessThanOrEqualTo", number("4")), ""},
+    {"HalfGreaterOrEqual", element("greaterThanOrEqualTo", number("4")), ""},
+    {"Inverse", element("elementInverse", column("4 0 -0.5")), "0.25;INF;-2;"},
+    {"Negative", element("negative", column("4 0 -INF")), "-4;-0;INF;"},
+    {"Sine", element("sine", column("0 -0.5")), "0;-0.479425538604203;"},
+    {"Cosine", element("cosine", column("0 -0.5")), "1;0.8775825618903728;"},
+    {"Log", element("elementLog", column("1 0 2")), "0;-INF;0.6931471805599453;"},
+    {"Transpose", element("transpose", kTwoByThree), "0 0;3 -6;1 -2;"},
+    {"Childless", element("sine", element("transpose")), ""},
+    {"Empty", "", ""},
+    {"Scalar", number("-0.1"), "-0.1;"},
+    {"SingleColumn", singleColumn("3", "1"), "0;-1.5;0;"},
+    {"SingleColumnOutside", singleColumn("2", "2"), "0;0;"},
+    {"SingleColumnDefault", element("singleElementColumn"), "0;"},
+    {"SingleColumnHuge", singleColumn(kMost, "1"), "", kTooLarge + "1 elements"},
+    {"SingleMatrix", single("2", "3", "1", "2"), "0 0 0;0 0 2.5;"},
+    {"SingleMatrixBelow", single("2", "3", "2", "0"), "0 0 0;0 0 0;",
+     "NqExpressionSingleElementMatrix::value(): position out of bounds\n"},
+    {"SingleMatrixBeside", single("1", "1", "0", "1"), "0;", "position out of bounds\n"},
+    {"SingleMatrixHuge", single(kMost, kMost, "0", "0"), "", kTooLarge + kMost},
+    {"RowsWithoutEntries", single(kMost, "0", "0", "0"), "", kTooLarge + "0 elements"},
+    {"OneTooMany", single("10000001", "1", "0", "0"), "", "10000001 by 1 elements"},
+    {"Identity", identity("3"), "1 0 0;0 1 0;0 0 1;"},
+    {"NoIdentity", identity("0"), ""},
+    {"IdentityHuge", identity(kMost), "", kTooLarge + kMost},
+    {"Diagonal", diagonal("2", "3", "4 5 6"), "4 0 0;0 5 0;"},
+    {"DiagonalTall", diagonal("3", "2", "4 5 6"), "4 0;0 5;0 0;"},
+    {"DiagonalShort", diagonal("2", "2", "4"), "4 0;0 0;"},
+    {"DiagonalDefault", element("diagonalMatrix"), "1;"},
+    {"DiagonalHuge", diagonal(kMost, "1", "4"), "", kTooLarge + "1 elements"},
+    {"Column", column(" 1 -INF\n1e-300"), "1;-INF;1e-300;"},
+    {"NoColumn", column(""), ""},
+    {"ColumnDefault", element("generalColumn"), "1;"}};
 
-INSTANTIATE_TEST_SUITE_P(
-    Comparisons, NqExpressionValue,
-    testing::Values(ValueCase{"And", pair("and", kSigns, kZeros), "0;0;0;0;0;1;"},
-                    ValueCase{"AndBoth", pair("and", kSigns, kSigns), "1;0;1;1;0;1;"},
-                    ValueCase{"Or", pair("or", kSigns, kZeros), "1;0;1;1;0;1;"},
-                    ValueCase{"OrBoth", pair("or", kZeros, kZeros), "0;0;0;0;0;1;"},
-                    ValueCase{"Less", pair("lessThan", kSigns, kZeros), "1;0;0;0;0;0;"},
-                    ValueCase{"Greater", pair("greaterThan", kSigns, kZeros), "0;0;1;0;0;0;"},
-                    ValueCase{"LessOrEqual", pair("lessThanOrEqualTo", kSigns, kZeros), "1;1;0;0;1;0;"},
-                    ValueCase{"GreaterOrEqual", pair("greaterThanOrEqualTo", kSigns, kZeros), "0;1;1;0;1;0;"},
-                    ValueCase{"Corner", pair("lessThan", kTwoByThree, kThreeByTwo), "0 0;0 1;"},
-                    ValueCase{"OtherCorner", pair("or", kThreeByTwo, column("0 0 0 0")), "0;1;1;"},
-                    ValueCase{"WithNothing", pair("greaterThan", number("1"), kNothing), ""}),
-    [](const auto& which) { return which.param.name; });
+class NqExpressionValue : public testing::TestWithParam<TreeCase> {};
 
-INSTANTIATE_TEST_SUITE_P(
-    Unary, NqExpressionValue,
-    testing::Values(ValueCase{"Inverse", element("elementInverse", column("4 0 -0.5")), "0.25;INF;-2;"},
-                    ValueCase{"Negative", element("negative", column("4 0 -INF")), "-4;-0;INF;"},
-                    ValueCase{"Sine", element("sine", column("0 -0.5")), "0;-0.479425538604203;"},
-                    ValueCase{"Cosine", element("cosine", column("0 -0.5")), "1;0.8775825618903728;"},
-                    ValueCase{"Log", element("elementLog", column("1 0 2")), "0;-INF;0.6931471805599453;"},
-                    ValueCase{"Transpose", element("transpose", kTwoByThree), "0 0;3 -6;1 -2;"},
-                    ValueCase{"Childless", element("sine", element("transpose")), ""}),
-    [](const auto& which) { return which.param.name; });
-
-INSTANTIATE_TEST_SUITE_P(
-    Leaves, NqExpressionValue,
-    testing::Values(
-        ValueCase{"Empty", "", ""}, ValueCase{"Scalar", number("-0.1"), "-0.1;"},
-        ValueCase{"SingleColumn", singleColumn("3", "1"), "0;-1.5;0;"},
-        ValueCase{"SingleColumnOutside", singleColumn("2", "2"), "0;0;"},
-        ValueCase{"SingleColumnDefault", element("singleElementColumn"), "0;"},
-        ValueCase{"SingleColumnHuge", singleColumn(kMost, "1"), "", kTooLarge + "1 elements"},
-        ValueCase{"SingleMatrix", single("2", "3", "1", "2"), "0 0 0;0 0 2.5;"},
-        ValueCase{"SingleMatrixBelow", single("2", "3", "2", "0"), "0 0 0;0 0 0;",
-                  "NqExpressionSingleElementMatrix::value(): position out of bounds\n"},
-        ValueCase{"SingleMatrixBeside", single("1", "1", "0", "1"), "0;", "position out of bounds\n"},
-        ValueCase{"SingleMatrixHuge", single(kMost, kMost, "0", "0"), "", kTooLarge + kMost},
-        ValueCase{"RowsWithoutEntries", single(kMost, "0", "0", "0"), "", kTooLarge + "0 elements"},
-        ValueCase{"OneTooMany", single("10000001", "1", "0", "0"), "", "10000001 by 1 elements"},
-        ValueCase{"Identity", identity("3"), "1 0 0;0 1 0;0 0 1;"},
-        ValueCase{"NoIdentity", identity("0"), ""},
-        ValueCase{"IdentityHuge", identity(kMost), "", kTooLarge + kMost},
-        ValueCase{"Diagonal", diagonal("2", "3", "4 5 6"), "4 0 0;0 5 0;"},
-        ValueCase{"DiagonalTall", diagonal("3", "2", "4 5 6"), "4 0;0 5;0 0;"},
-        ValueCase{"DiagonalShort", diagonal("2", "2", "4"), "4 0;0 0;"},
-        ValueCase{"DiagonalDefault", element("diagonalMatrix"), "1;"},
-        ValueCase{"DiagonalHuge", diagonal(kMost, "1", "4"), "", kTooLarge + "1 elements"},
-        ValueCase{"Column", column(" 1 -INF\n1e-300"), "1;-INF;1e-300;"},
-        ValueCase{"NoColumn", column(""), ""}, ValueCase{"ColumnDefault", element("generalColumn"), "1;"}),
-    [](const auto& which) { return which.param.name; });
+INSTANTIATE_TEST_SUITE_P(Trees, NqExpressionValue, testing::ValuesIn(kValues),
+                         [](const auto& which) { return which.param.name; });
 
 TEST_P(NqExpressionValue, IsThatOfTheTree) {
-    const ValueCase& which = GetParam();
-    NqPrintCapture print;
-    NqExpressionContainer expression;
-    ASSERT_TRUE(NqXmlDocument::readString(document(which.tree), expression)) << print.text();
-    EXPECT_EQ(textOf(expression.value()), which.value);
-    EXPECT_EQ(print.lines().size(), which.message.empty() ? 0U : 1U) << print.text();
-    EXPECT_TRUE(print.contains(which.message)) << print.text();
-    EXPECT_TRUE(print.lines().empty() || print.lines().front().first == Nq::PrintFailure);
-    EXPECT_EQ(textOf(expression.value()), which.value);
-
+    const NqExpressionContainer expression = goThrough(GetParam());
     static const NqSchemaValidator theSchema(expression, "expression");
-    const NqExpressionContainer read = nqThroughXml(expression);
-    if (which.tree.find("NaN") == std::string::npos) { // which equals nothing
-        EXPECT_TRUE(read.equality(&expression));
-    }
-    const std::string written = nqWritten(expression);
-    EXPECT_EQ(nqWritten(read), written);
-    EXPECT_TRUE(theSchema.accepts(written)) << written;
-    EXPECT_EQ(read.equality(std::make_unique<NqExpressionContainer>().get()), which.tree.empty());
-    EXPECT_EQ(textOf(NqExpressionContainer(read).value()), which.value);
+    EXPECT_TRUE(theSchema.accepts(nqWritten(expression)));
 }
 
-struct HalfCase {
-    const char* element;
-    std::string ofLeft; ///< with 4.0 as the only child
-    std::string ofRight;
-};
+std::string constants(std::size_t count) {
+    return nqRepeated(number("1"), count);
+}
 
-TEST(NqExpressionBinary, HasAValueOfItsOwnForEachMissingChild) {
-    for (const HalfCase& which : std::initializer_list<HalfCase>{{"plus", "4;", "4;"},
-                                                                 {"minus", "4;", "-4;"},
-                                                                 {"times", "", ""},
-                                                                 {"elementPow", "4;", ""},
-                                                                 {"elementRoot", "2;", ""},
-                                                                 {"elementLogN", "1.3862943611198906;", ""},
-                                                                 {"and", "", ""},
-                                                                 {"or", "", ""},
-                                                                 {"lessThan", "", ""},
-                                                                 {"greaterThan", "", ""},
-                                                                 {"lessThanOrEqualTo", "", ""},
-                                                                 {"greaterThanOrEqualTo", "", ""}}) {
-        const auto four = NqExpressionScalarConstant::objectWithValue(4.0);
-        for (const bool isLeft : {true, false}) {
-            const std::unique_ptr<NqXmlObject> made(
-                NqExpressionContainer().newObjectFromToken(which.element));
-            auto* node = dynamic_cast<NqExpressionBaseBinary*>(made.get());
-            ASSERT_TRUE(node) << which.element;
-            EXPECT_EQ(textOf(node->value()), "") << which.element;
-            isLeft ? node->setLeft(four) : node->setRight(four);
-            EXPECT_EQ(textOf(node->value()), isLeft ? which.ofLeft : which.ofRight) << which.element;
+std::string chain(std::size_t depth) {
+    return nqRepeated("<negative>", depth) + number("1") + nqRepeated("</negative>", depth);
+}
+
+TEST(NqExpressionReading, TakesWhatItKnowsAndTellsOfTheRest) {
+    const std::string unknown = " is not known here";
+    const TreeCase cases[] = {
+        {"three", element("minus", number("5") + number("9") + number("1")), "4;"},
+        {"two", element("negative", number("5") + number("9")), "-9;"},
+        {"two trees", number("5") + number("9"), "9;"},
+        {"library", element("addLibraries", element("library", "x")) + number("5"), "5;",
+         "library \"x\" is not loaded"},
+        {"after", number("5") + element("stranger"), "5;", "\"stranger\"" + unknown, false},
+        {"within", element("minus", number("5") + element("stranger", number("3")) + number("1")), "4;",
+         "\"stranger\"" + unknown + " and is skipped -- file: (text), line: 1\n", false},
+        {"container", element("plus", element("expressionContainer") + number("2")), "2;",
+         "\"expressionContainer\"" + unknown, false},
+        {"bad number", element("plus", number("5") + number("x")), "5;",
+         "\"x\" is no value of element \"scalarConstant\"", false},
+        {"bad size", element("identityMatrix", element("size", "4294967296")), "1;",
+         "\"4294967296\" is no value", false},
+        {"child of a leaf", element("identityMatrix", number("3")), "1;", "\"scalarConstant\"" + unknown},
+        {"of another class", element("unit"), "", "\"unit\"" + unknown, false}};
+    for (const TreeCase& which : cases) {
+        goThrough(which);
+    }
+}
+
+TEST(NqExpressionReading, LeavesNoHalfOfAnExpression) {
+    NqPrintCapture print;
+    const std::string whole = document(element("minus", number("7") + number("4")));
+    for (std::size_t length = whole.find("minus"); length < whole.size(); ++length) {
+        NqExpressionContainer expression;
+        expression.setTopElement(NqExpressionScalarConstant::objectWithValue(17.0));
+        EXPECT_FALSE(NqXmlDocument::readString(whole.substr(0, length), expression)) << length;
+        EXPECT_TRUE(textOf(expression.value()) == "3;" || !expression.topElement()) << length;
+    }
+}
+
+TEST(NqExpressionReading, BoundsHostileTrees) {
+    const std::string wide = nqRepeated(element("plus", constants(255)), 255);
+    const std::string large = element("identityMatrix", element("size", "3000"));
+    std::string sum = number("0");
+    for (int i = 0; i < 9; ++i) { // each counts with its column, so that only the first ones find room
+        sum = element("plus", element("lessThan", large + number("1")) + sum);
+    }
+    const std::string tooMany = "the expression has more than 65536 elements";
+    const TreeCase cases[] = {
+        {"256", element("plus", constants(256)), "2;"},
+        {"many in one", element("plus", constants(100'000)), "2;",
+         "more than 256 elements stand in one of an expression -- file: (text), line: 1\n", false},
+        {"65536", constants(65536), "1;"},
+        {"65537", constants(65537), "1;", tooMany + " -- file: (text), line: 1\n", false},
+        {"wide", element("plus", wide) + number("3"), "3;"},
+        {"too wide", element("plus", wide) + wide + number("3"), "2;", tooMany, false},
+        {"large", sum, "", "take more than 500000000 bytes together"},
+        {"deep", chain(255), "", "nested deeper than 256 elements", false}};
+    for (const TreeCase& which : cases) {
+        goThrough(which);
+    }
+    NqExpressionContainer expression;
+    for (int i = 0; i < 2; ++i) { // of which each counts anew
+        EXPECT_TRUE(NqXmlDocument::readString(document(constants(40'000)), expression));
+    }
+}
+
+TEST(NqExpressionReading, TheDeepestTreeNeedsLittleStack) {
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, 1U << 20), 0);
+    pthread_t thread{};
+    const auto run = [](void*) -> void* {
+        goThrough({"deepest", chain(254), "1;"});
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, nullptr), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+
+TEST(NqExpressionBinary, HasAValueOfItsOwnForAMissingLeftChild) {
+    unsigned operations = 0;
+    NqExpressionContainer container;
+    for (const auto& [token, create] : container.creatorMap()) {
+        const std::unique_ptr<NqXmlObject> made(create());
+        if (auto* node = dynamic_cast<NqExpressionBaseBinary*>(made.get())) {
+            ++operations;
+            EXPECT_EQ(textOf(node->value()), "");
+            node->setRight(NqExpressionScalarConstant::objectWithValue(4.0));
+            EXPECT_EQ(textOf(node->value()), token.names("plus") ? "4;" : token.names("minus") ? "-4;" : "");
         }
     }
+    EXPECT_EQ(operations, 12U);
 }
 
 } // namespace

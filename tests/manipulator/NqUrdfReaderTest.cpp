@@ -62,18 +62,13 @@ TEST(UrdfReader, JointsInertialDataAndOrder) {
     EXPECT_EQ(m.linkByIndex(0)->linkLabel() + m.linkByIndex(1)->linkLabel() + m.linkByIndex(2)->linkLabel(),
               "zcb");
     const NqJointDescription& revolute = m.linkByIndex(0)->joint();
-    EXPECT_EQ(revolute.name(), "a-z");
-    EXPECT_EQ(revolute.lowerPositionLimit(), -1.5);
-    EXPECT_EQ(revolute.upperPositionLimit(), 2.5);
-    EXPECT_FALSE(revolute.isContinuous());
+    EXPECT_TRUE(revolute.name() == "a-z" && !revolute.isContinuous());
+    EXPECT_TRUE(revolute.lowerPositionLimit() == -1.5 && revolute.upperPositionLimit() == 2.5);
     const NqJointDescription& continuous = m.linkByIndex(1)->joint();
-    EXPECT_TRUE(continuous.isContinuous());
-    EXPECT_EQ(continuous.rateLimit(), 5.0);
-    EXPECT_EQ(continuous.effortLimit(), 6.0);
-    EXPECT_EQ(m.linkByIndex(1)->joint().jointMotion(0.0, 2.0),
-              NqGeneralMotion(NqVector(), NqVector(0, 0, 2)));
-    EXPECT_EQ(m.linkByIndex(2)->joint().jointMotion(0.0, 1.0),
-              NqGeneralMotion(NqVector(0, 0, 1), NqVector()));
+    EXPECT_TRUE(continuous.isContinuous() && continuous.rateLimit() == 5.0 &&
+                continuous.effortLimit() == 6.0);
+    EXPECT_EQ(continuous.jointMotion(0.0, 2.0), NqGeneralMotion({}, {0, 0, 2}));
+    EXPECT_EQ(m.linkByIndex(2)->joint().jointMotion(0.0, 1.0), NqGeneralMotion({0, 0, 1}, {}));
     EXPECT_EQ(m.linkByIndex(0)->primaryFrameOffset(), NqCoordinateSystemTransformation());
 
     // Turned by a right angle, the larger moment lies along x; 2 kg stand at 1 m from the origin.
@@ -93,118 +88,100 @@ TEST(UrdfReader, FixedJointsMimicNothingAndHaveNoLimits) {
     EXPECT_EQ(prints.text(), "");
 }
 
-struct BadDescription {
-    const char* name;
-    std::string text;
-    std::string complaint;
-};
-
-class UrdfReaderRefuses : public testing::TestWithParam<BadDescription> {};
-
-TEST_P(UrdfReaderRefuses, AndLeavesTheManipulator) {
-    NqPrintCapture prints;
-    NqIndividualManipulator manipulator("before", "base");
-    EXPECT_FALSE(NqUrdfReader::readString(GetParam().text, manipulator));
-    EXPECT_EQ(manipulator.manipulatorLabel(), "before");
-    ASSERT_FALSE(prints.lines().empty());
-    EXPECT_EQ(prints.lines().back().first, 4u);
-    EXPECT_TRUE(prints.contains("NqUrdfReader: text: ")) << prints.text();
-    EXPECT_TRUE(prints.contains(GetParam().complaint)) << prints.text();
-}
-
 std::string inertial(const std::string& mass) {
     return robot("<link name='a'><inertial>" + mass +
                  "<inertia ixx='1' ixy='0' ixz='0' iyy='1' iyz='0' izz='1'/></inertial></link>");
 }
+/// The texts of the numbers below a count, one after the other.
+template <typename TextOf>
+std::string repeated(int count, TextOf textOf) {
+    std::string text;
+    for (int i = 0; i < count; ++i) {
+        text += textOf(std::to_string(i));
+    }
+    return text;
+}
 std::string chain(int links) {
-    std::string text = "<link name='0'/>";
-    for (int i = 1; i < links; ++i) {
-        const std::string child = std::to_string(i);
-        text += "<link name='" + child + "'/>" + joint("continuous", std::to_string(i - 1), child);
-    }
-    return text;
+    return "<link name='0'/>" + repeated(links - 1, [](const std::string& parent) {
+               const std::string child = std::to_string(std::stoi(parent) + 1);
+               return "<link name='" + child + "'/>" + joint("continuous", parent, child);
+           });
+}
+std::string attribute(const std::string& number) {
+    return " a" + number + "=''";
 }
 
-std::string attributes(int count) {
-    std::string text;
-    while (count-- > 0) {
-        text += " a" + std::to_string(count) + "=''";
+TEST(UrdfReader, RefusesBadDescriptionsAndLeavesTheManipulator) {
+    struct BadDescription {
+        const char* name;
+        std::string text;
+        std::string complaint;
+    };
+    const BadDescription cases[] = {
+        {"Empty", "", "line"},
+        {"Binary", std::string("\x7f\0\xff\xfe", 4), "line 1"},
+        {"CutOff", "<robot name='r'>\n<link name='a'>", "line 2"},
+        {"OtherRoot", "<sdf/>", "no robot"},
+        {"NoName", "<robot><link name='a'/></robot>", "name"},
+        {"NoLinks", robot(""), "link"},
+        {"UnnamedLink", robot("<link/>"), "link"},
+        {"EmptyLabel", robot("<link name='a'/><link name=''/>" + joint("fixed", "a", "")), "a-"},
+        {"DuplicateLink", robot("<link name='a'/><link name='a'/>"), "not unique"},
+        {"DuplicateJoint", ab("fixed", "</joint><joint name='a-b' type='fixed'>"), "not unique"},
+        {"UnknownChild", abc(joint("fixed", "a", "x")), "x"},
+        {"UnknownParent", abc(joint("fixed", "x", "a")), "x"},
+        {"TwoRoots", abc(joint("fixed", "a", "b")), "root"},
+        {"NoRoot", robot("<link name='a'/>" + joint("fixed", "a", "a")), "loop"},
+        {"Loop", abc(joint("fixed", "b", "c") + joint("fixed", "c", "b")), "loop"},
+        {"TwoParents", abc(joint("fixed", "a", "b") + joint("fixed", "a", "c") + joint("fixed", "b", "c")),
+         "\"c\" is the child of two joints"},
+        {"Floating", ab("floating"), "joint \"a-b\" is floating"},
+        {"UnknownType", ab("screw"), "a-b"},
+        {"NoLimits", ab("revolute"), "a-b"},
+        {"ZeroAxis", ab("continuous", "<axis xyz='0 0 0'/>"), "joint \"a-b\""},
+        {"NegativeRate", ab("continuous", "<limit velocity='-1' effort='1'/>"),
+         "\"a-b\" has a negative limit"},
+        {"NegativeEffort", ab("revolute", "<limit upper='1' velocity='1' effort='-1'/>"),
+         "\"a-b\" has a negative limit"},
+        {"ReversedLimits", ab("prismatic", "<limit lower='2' upper='1' velocity='1' effort='1'/>"),
+         "\"a-b\" has its lower limit above the upper one"},
+        {"NanLimit", ab("revolute", "<limit lower='nan' upper='1' velocity='1' effort='1'/>"),
+         "lower of <limit> isn't finite numbers in joint \"a-b\""},
+        {"NanAxis", ab("continuous", "<axis xyz='0 nan 1'/>"), "xyz of <axis>"},
+        {"InfiniteOrigin", ab("fixed", "<origin xyz='0 1e999 0'/>"), "xyz of <origin>"},
+        {"TextForNumber", ab("fixed", "<origin rpy='0 %s%n 0'/>"), "line 3: rpy of <origin>"},
+        {"TwoNumbers", ab("fixed", "<origin xyz='0 0'/>"), "2 elements"},
+        {"NegativeMass", inertial("<mass value='-1'/>"), "link \"a\" has a negative mass"},
+        {"NanMass", inertial("<mass value='nan'/>"), "value of <mass>"},
+        {"MassMissing", inertial(""), "mass"},
+        {"EntityBomb", "<!DOCTYPE robot [<!ENTITY a 'aa'>]>" + robot("<link name='&a;'/>"), "document type"},
+        {"ManyAttributes", "\n<robot name='r' " + repeated(300, attribute) + "/>",
+         "line 2: too many attributes"},
+        {"DeepNesting", robot(repeated(100000, [](auto) { return "<link>"; })), "line 1"},
+        {"TooManyLinks", robot(chain(5000)), "more than 4096 links"},
+        {"LongChainWithALoop", robot(chain(4000) + "<link name='p'/>" + joint("fixed", "p", "p")), "loop"},
+        {"TooLarge", robot(std::string(std::size_t(17) << 20, ' ')), "larger than"}};
+    for (const auto& [name, text, complaint] : cases) {
+        SCOPED_TRACE(name);
+        NqPrintCapture prints;
+        NqIndividualManipulator manipulator("before", "base");
+        EXPECT_FALSE(NqUrdfReader::readString(text, manipulator));
+        EXPECT_EQ(manipulator.manipulatorLabel(), "before");
+        ASSERT_FALSE(prints.lines().empty());
+        EXPECT_EQ(prints.lines().back().first, 4u);
+        EXPECT_TRUE(prints.contains("NqUrdfReader: text: ") && prints.contains(complaint)) << prints.text();
     }
-    return text;
 }
-std::string nested(int depth) {
-    std::string text;
-    while (depth-- > 0) {
-        text += "<link>";
-    }
-    return text;
-}
-
-const std::vector<BadDescription> kBadDescriptions = {
-    {"Empty", "", "line"},
-    {"Binary", std::string("\x7f\0\xff\xfe", 4), "line 1"},
-    {"CutOff", "<robot name='r'>\n<link name='a'>", "line 2"},
-    {"OtherRoot", "<sdf/>", "no robot"},
-    {"NoName", "<robot><link name='a'/></robot>", "name"},
-    {"NoLinks", robot(""), "link"},
-    {"UnnamedLink", robot("<link/>"), "link"},
-    {"EmptyLabel", robot("<link name='a'/><link name=''/>" + joint("fixed", "a", "")), "a-"},
-    {"DuplicateLink", robot("<link name='a'/><link name='a'/>"), "not unique"},
-    {"DuplicateJoint", ab("fixed", "</joint><joint name='a-b' type='fixed'>"), "not unique"},
-    {"UnknownChild", abc(joint("fixed", "a", "x")), "x"},
-    {"UnknownParent", abc(joint("fixed", "x", "a")), "x"},
-    {"TwoRoots", abc(joint("fixed", "a", "b")), "root"},
-    {"NoRoot", robot("<link name='a'/>" + joint("fixed", "a", "a")), "loop"},
-    {"Loop", abc(joint("fixed", "b", "c") + joint("fixed", "c", "b")), "loop"},
-    {"TwoParents", abc(joint("fixed", "a", "b") + joint("fixed", "a", "c") + joint("fixed", "b", "c")),
-     "\"c\" is the child of two joints"},
-    {"Floating", ab("floating"), "joint \"a-b\" is floating"},
-    {"UnknownType", ab("screw"), "a-b"},
-    {"NoLimits", ab("revolute"), "a-b"},
-    {"ZeroAxis", ab("continuous", "<axis xyz='0 0 0'/>"), "joint \"a-b\""},
-    {"NegativeRate", ab("continuous", "<limit velocity='-1' effort='1'/>"), "\"a-b\" has a negative limit"},
-    {"NegativeEffort", ab("revolute", "<limit upper='1' velocity='1' effort='-1'/>"),
-     "\"a-b\" has a negative limit"},
-    {"ReversedLimits", ab("prismatic", "<limit lower='2' upper='1' velocity='1' effort='1'/>"),
-     "\"a-b\" has its lower limit above the upper one"},
-    {"NanLimit", ab("revolute", "<limit lower='nan' upper='1' velocity='1' effort='1'/>"),
-     "lower of <limit> isn't finite numbers in joint \"a-b\""},
-    {"NanAxis", ab("continuous", "<axis xyz='0 nan 1'/>"), "xyz of <axis>"},
-    {"InfiniteOrigin", ab("fixed", "<origin xyz='0 1e999 0'/>"), "xyz of <origin>"},
-    {"TextForNumber", ab("fixed", "<origin rpy='0 %s%n 0'/>"), "line 3: rpy of <origin>"},
-    {"TwoNumbers", ab("fixed", "<origin xyz='0 0'/>"), "2 elements"},
-    {"NegativeMass", inertial("<mass value='-1'/>"), "link \"a\" has a negative mass"},
-    {"NanMass", inertial("<mass value='nan'/>"), "value of <mass>"},
-    {"MassMissing", inertial(""), "mass"},
-    {"EntityBomb", "<!DOCTYPE robot [<!ENTITY a 'aa'>]>" + robot("<link name='&a;'/>"), "document type"},
-    {"ManyAttributes", "\n<robot name='r' " + attributes(300) + "/>", "line 2: too many attributes"},
-    {"DeepNesting", robot(nested(100000)), "line 1"},
-    {"TooManyLinks", robot(chain(5000)), "more than 4096 links"},
-    {"LongChainWithALoop", robot(chain(4000) + "<link name='p'/>" + joint("fixed", "p", "p")), "loop"},
-};
-
-INSTANTIATE_TEST_SUITE_P(Texts, UrdfReaderRefuses, testing::ValuesIn(kBadDescriptions),
-                         [](const auto& test) { return test.param.name; });
 
 TEST(UrdfReader, ManyChildrenInOneJointCostNoMoreThanInMany) {
-    std::string children;
-    for (int i = 0; i < 20000; ++i) {
-        children += "<child link='" + std::to_string(i) + "'/>";
-    }
+    const std::string children =
+        repeated(20000, [](const std::string& number) { return "<child link='" + number + "'/>"; });
     NqPrintCapture prints;
     NqIndividualManipulator manipulator;
     const std::clock_t start = std::clock();
     EXPECT_FALSE(NqUrdfReader::readString(
         abc("<joint name='j' type='fixed'>" + children + "<parent link='a'/></joint>"), manipulator));
     EXPECT_LT(std::clock() - start, 2 * CLOCKS_PER_SEC);
-}
-
-// Not among the others, which every run of any test makes.
-TEST(UrdfReader, TextsThatAreTooLargeAreRefused) {
-    NqPrintCapture prints;
-    NqIndividualManipulator manipulator;
-    EXPECT_FALSE(NqUrdfReader::readString(robot(std::string(std::size_t(17) << 20, ' ')), manipulator));
-    EXPECT_TRUE(prints.contains("larger than")) << prints.text();
 }
 
 TEST(UrdfReader, FilesThatCantBeReadAreNamed) {

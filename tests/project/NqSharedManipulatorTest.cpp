@@ -1,12 +1,7 @@
 #include "support/NqNamedRobot.h"
 #include "support/NqPrintCapture.h"
-#include "support/NqTestFiles.h"
 
-#include <nqControlCore/core/NqCoreVelocityControlTool.h>
-#include <nqControlCore/endeffector/NqEndEffectorVector.h>
 #include <nqControlCore/endeffector/NqPointEndEffector.h>
-#include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
-#include <nqControlCore/foundation/xml/NqXmlDocument.h>
 #include <nqControlLoop/NqControlLoop.h>
 
 #include <gtest/gtest.h>
@@ -28,55 +23,6 @@ void onThreads(Action action) {
     for (std::thread& thread : threads) {
         thread.join();
     }
-}
-
-/// Drives the hand to a target that depends on `run`, with a state, end-effectors and a tool of its own.
-/// Gives the joint positions at the end.
-std::vector<double> driven(const NqIndividualManipulator& arm, unsigned run) {
-    NqEndEffectorVector endEffectors;
-    if (!NqXmlDocument::readFile(nqModelFile("/arm7.endeffectors.xml"), endEffectors) ||
-        endEffectors.empty()) {
-        return {};
-    }
-    const NqEndEffector& hand = *endEffectors.begin();
-    const unsigned n = arm.numberOfJoints();
-    const NqEndEffectorPlacement target(NqVector(0.4, 0.1 * run, 0.5));
-    NqPositionState position(NqXmlRealVector{0.0, -0.5, 0.0, -2.2, 0.0, 1.8, 0.8});
-    NqManipulatorActiveState state(arm);
-    NqCoreVelocityControlTool tool;
-    NqReArray jacobian;
-    NqReArray metric;
-    metric = std::vector<double>(n, 1.0);
-    const NqXmlRealVector still(3);
-    NqXmlRealVector previous(3);
-    NqXmlRealVector command;
-    std::vector<double> rates;
-    std::vector<double> nullSpaceRates;
-    double determinant = 0.0;
-    for (unsigned step = 0; step < 200; ++step) {
-        state.setPositionState(position);
-        hand.insertJacobianComponent(arm, 0, hand.relativeLinkData(), true, state, jacobian);
-        hand.filterEndEffectorVelocity(arm, target, still, previous, 0.005, state, command);
-        tool.calcJointRates(nullptr, jacobian, metric, position.jointPositions(), 0.1, command.values(), n,
-                            rates, nullSpaceRates, determinant);
-        for (unsigned j = 0; j < n; ++j) {
-            position.jointPositions()[j] += 0.005 * rates[j];
-        }
-        previous = command;
-    }
-    return position.jointPositions();
-}
-
-TEST(NqSharedManipulatorTest, ThreadsThatShareOneDriveAsIfAlone) {
-    NqIndividualManipulator arm;
-    ASSERT_TRUE(NqUrdfReader::readFile(nqModelFile("/arm7.urdf"), arm));
-    std::vector<std::vector<double>> together(kThreads);
-    onThreads([&](unsigned i) { together[i] = driven(arm, i); });
-    for (unsigned i = 0; i < kThreads; ++i) {
-        EXPECT_EQ(together[i].size(), 7u);
-        EXPECT_EQ(together[i], driven(arm, i));
-    }
-    EXPECT_NE(together[0], together[1]);
 }
 
 /// Drives a loop for each type of end-effector, relative to another link or not, to a target that depends on

@@ -28,21 +28,13 @@ private:
     static auto components() {
 #if defined(NQ_FIELD_OF_BASE)
         return nqComponentList(nqComponent(NqXml::NqValueToken, &NqAbove::m_Value));
-#elif defined(NQ_TEXT_FOR_TOKEN)
-        return nqComponentList(nqComponent("key", &NqAbove::m_Key));
 #else
         return nqComponentList(nqComponent(NqXml::NqKeyToken, &NqAbove::m_Key));
 #endif
     }
 };
 
-/// Neither lists anything of its own.
-class NqOnTop : public NqXmlPersistent<NqOnTop, NqAbove> {
-public:
-    static const NqToken& classToken() { return NqXml::NqGroupToken; }
-};
-
-bool nqSame(const NqOnTop& a, const NqOnTop& b);
-bool nqSame(const NqOnTop& a, const NqOnTop& b) {
+bool nqSame(const NqAbove& a, const NqAbove& b);
+bool nqSame(const NqAbove& a, const NqAbove& b) {
     return a == b;
 }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "support/NqPrintCapture.h"
+#include "support/NqXmlRoundTrip.h"
+
 #include <nqControlCore/foundation/xml/NqXmlEnumType.h>
 #include <nqControlCore/foundation/xml/NqXmlPersistent.h>
 #include <nqControlCore/xml/NqControlCoreTokens.h>
@@ -39,10 +42,8 @@ class NqTestSquare : public NqXmlPersistent<NqTestSquare, NqTestShape> {
 public:
     NqTestSquare() = default;
     explicit NqTestSquare(double side) : m_Side(side) {}
-    static const NqToken& classToken() {
-        static const NqToken theToken = NqControlCore::ns + "square";
-        return theToken;
-    }
+    static inline const NqToken theToken = NqControlCore::ns + "square";
+    static const NqToken& classToken() { return theToken; }
     double area() const override { return m_Side * m_Side; }
 
     bool xmlInit() override {
@@ -71,10 +72,8 @@ private:
 
 class NqTestCircle : public NqXmlPersistent<NqTestCircle, NqTestShape> {
 public:
-    static const NqToken& classToken() {
-        static const NqToken theToken = NqControlCore::ns + "circle";
-        return theToken;
-    }
+    static inline const NqToken theToken = NqControlCore::ns + "circle";
+    static const NqToken& classToken() { return theToken; }
     double area() const override { return 3.0; }
 };
 
@@ -97,17 +96,19 @@ public:
     }
 };
 
-/// Holds collections as a class of the library does.
+/// An owner whose squares are others than a square is by itself.
 class NqTestHolder : public NqXmlPersistent<NqTestHolder, NqXmlCompoundType> {
 public:
     static const NqToken& classToken() { return NqControlCore::NqMotionFilterSetToken; }
-    NqXmlVectorType<NqTestSquare> m_Squares{1};
+    NqTestSquare m_Square{3.0};
+    NqXmlVectorType<NqTestSquare> m_Squares{NqTestSquare(3.0)};
     NqTestShapeVector m_Shapes;
 
 private:
     friend struct NqXmlComponentAccess;
     static auto components() {
-        return nqComponentList(nqComponent(NqControlCore::NqMotionFilterSetsToken, &NqTestHolder::m_Squares),
+        return nqComponentList(nqComponent(NqControlCore::NqFrameToken, &NqTestHolder::m_Square),
+                               nqComponent(NqControlCore::NqMotionFilterSetsToken, &NqTestHolder::m_Squares),
                                nqComponent(NqControlCore::NqEndEffectorVectorToken, &NqTestHolder::m_Shapes));
     }
 };

@@ -1,4 +1,3 @@
-#include <nqControlCore/core/NqCoreVelocityControlTool.h>
 #include <nqControlCore/endeffector/NqPointEndEffector.h>
 #include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
 #include <nqControlCore/foundation/xml/NqXmlDocument.h>
@@ -7,8 +6,8 @@
 
 #include <cstdio>
 
-/// Uses each of the libraries: reads a robot, solves for joint rates, writes a constraint and makes a step of
-/// the loop.
+/// Uses each of the libraries: reads a robot, writes a constraint, and makes steps of the loop towards a
+/// place.
 int main(int argc, char** argv) {
     NqIndividualManipulator arm;
     if (argc != 2 || !NqUrdfReader::readFile(argv[1], arm)) {
@@ -16,35 +15,19 @@ int main(int argc, char** argv) {
     }
     NqPointEndEffector point;
     point.setLinkIdentifier(arm.link(arm.numberOfLinks() - 1)->linkLabel());
-
-    const unsigned n = arm.numberOfJoints();
-    NqManipulatorActiveState state(arm);
-    state.setPositionState(NqPositionState(NqXmlRealVector(n, 0.5)));
-    NqReArray jacobian;
-    point.insertJacobianComponent(arm, 0, point.relativeLinkData(), true, state, jacobian);
-
-    NqCoreVelocityControlTool tool;
-    NqReArray metric;
-    metric.setToIdentity(n, n);
-    const std::vector<double> velocity{0.1, 0.2, 0.3};
-    std::vector<double> rates;
-    std::vector<double> nullSpaceRates;
-    std::vector<double> reached;
-    double determinant = 0.0;
     std::string document;
-    if (!tool.calcJointRates(nullptr, jacobian, metric, std::vector<double>(n), 1.0, velocity, n, rates,
-                             nullSpaceRates, determinant) ||
-        !jacobian.transform(rates, reached) || !NqXmlDocument::writeString(document, point)) {
+    if (!NqXmlDocument::writeString(document, point)) {
         return 1;
     }
     NqControlLoop loop(arm);
     loop.addEndEffector("tip", point);
-    loop.setPositions(std::vector<double>(n, 0.5));
-    if (!loop.step() || loop.steps() != 1) {
-        return 1;
+    loop.setPositions(std::vector<double>(arm.numberOfJoints(), 0.5));
+    const NqVector target = loop.placements()[0].translation() + NqVector(0.0, 0.1, -0.1);
+    loop.setTarget("tip", NqControlTarget::place(target));
+    for (unsigned i = 0; i < 5000 && loop.step(); ++i) {
     }
-    std::printf("nqControlCore %s: %u joints, z velocity %.6f m/s\n", Nq::controlCoreInfo::version().c_str(),
-                n, reached[2]);
-    const bool isExact = reached[2] > 0.3 - 1e-12 && reached[2] < 0.3 + 1e-12;
-    return isExact && document.find("pointEndEffector") != std::string::npos ? 0 : 1;
+    const double left = (loop.placements()[0].translation() - target).mag();
+    std::printf("nqControlCore %s: %u joints, %.6f m left\n", Nq::controlCoreInfo::version().c_str(),
+                arm.numberOfJoints(), left);
+    return left < 1e-3 && document.find("pointEndEffector") != std::string::npos ? 0 : 1;
 }

@@ -106,6 +106,19 @@ TEST(NqControlLoopStatus, NamesTheCause) {
     ASSERT_FALSE(held.joints.empty());
     EXPECT_EQ(held.joints[0].cause, NqJointBounds::Cause::Rate);
 
+    // Singular with joint5 at the end of its range, without which 0.14 mm would be a small turn.
+    const NqIndividualManipulator wrist = nqTestManipulator("arm7");
+    NqControlLoop bent(wrist);
+    bent.addEndEffector("hand", nqOn<NqFrameEndEffector>("hand"));
+    bent.setPositions({0.673584, 0.411712, 2.241638, -0.298160, 2.8973, 2.927421, -0.490425});
+    NqCoordinateSystemTransformation near = bent.placements()[0];
+    near.setTranslation(near.translation() + NqVector(0.0000246, 0.0000313, 0.000134));
+    bent.setTarget("hand", NqControlTarget::frame(near));
+    ASSERT_TRUE(nqMakesSteps(bent, 3000));
+    EXPECT_EQ(bent.status().kind, Status::Held);
+    ASSERT_FALSE(bent.status().joints.empty());
+    EXPECT_EQ(bent.status().joints[0].joint, 4u);
+
     // Stretched out, with the target straight inwards: what moves the point is of second order.
     const NqIndividualManipulator planar = nqTestManipulator("planar3");
     NqControlLoop line(planar);

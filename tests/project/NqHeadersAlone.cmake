@@ -1,12 +1,17 @@
-# Checks that each installed header of a library compiles alone. For one that is the first include of its own source,
+# Checks that each installed header of a folder compiles alone. For one that is the first include of its own source,
 # the build has shown it; the others are compiled here, with nothing but the installed headers to include from.
-# ROOT is the folder of installed headers, LIBRARY the folder below it, SOURCES is the library's folder in the source
-# tree, COMPILER compiles.
+# PREFIX is the installation's, LIBRARY the folder below its include, FOLDER is below that, SOURCES is the library's
+# folder in the source tree, COMPILER compiles.
 cmake_minimum_required(VERSION 3.25)
 
-file(GLOB_RECURSE headers RELATIVE ${ROOT}/${LIBRARY} ${ROOT}/${LIBRARY}/*.h)
+set(root ${PREFIX}/include/${LIBRARY})
+if(FOLDER STREQUAL ".")
+    file(GLOB_RECURSE headers RELATIVE ${root} ${root}/*.h)
+else()
+    file(GLOB_RECURSE headers RELATIVE ${root} ${root}/${FOLDER}/*.h)
+endif()
 if(NOT headers)
-    message(FATAL_ERROR "no headers in ${ROOT}/${LIBRARY}")
+    message(FATAL_ERROR "no headers in ${root}/${FOLDER}")
 endif()
 foreach(header IN LISTS headers)
     string(REGEX REPLACE "[.]h$" ".cpp" source ${SOURCES}/${header})
@@ -18,8 +23,8 @@ foreach(header IN LISTS headers)
         continue()
     endif()
     execute_process(
-        COMMAND ${COMPILER} -std=c++20 -fsyntax-only -Wall -Wextra -Werror -I ${ROOT}
-                -include ${ROOT}/${LIBRARY}/${header} -x c++ /dev/null
+        COMMAND ${COMPILER} -std=c++20 -fsyntax-only -Wall -Wextra -Werror -I ${PREFIX}/include
+                -include ${root}/${header} -x c++ /dev/null
         RESULT_VARIABLE result ERROR_VARIABLE messages)
     if(NOT result EQUAL 0)
         message(SEND_ERROR "${header} does not compile alone:\n${messages}")

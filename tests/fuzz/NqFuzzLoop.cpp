@@ -35,24 +35,14 @@ void step(NqControlLoop& loop, unsigned steps) {
 }
 
 NqControlTarget targetOf(NqFuzzInput& input, bool isSane, std::size_t entries) {
-    const auto vector = [&] {
-        const std::vector<double> taken = input.numbers(3, isSane);
-        return NqVector(taken[0], taken[1], taken[2]);
-    };
-    const auto turn = [&] {
-        const double angle = input.number(isSane);
-        return NqOrientation(angle, vector());
-    };
     const auto make = [&] {
         switch (input.below(5)) {
         case 0:
-            return NqControlTarget::place(vector());
+            return NqControlTarget::place(input.vector(isSane));
         case 1:
-            return NqControlTarget::orientation(turn());
-        case 2: {
-            const NqVector place = vector();
-            return NqControlTarget::frame({place, turn()});
-        }
+            return NqControlTarget::orientation(input.turn(isSane));
+        case 2:
+            return NqControlTarget::frame(input.frame(isSane));
         case 3:
             return NqControlTarget::number(input.number(isSane));
         default:

@@ -27,10 +27,7 @@ void nqFuzzBounded(NqFuzzInput& input) {
         const bool isSane = input.flag();
         const unsigned n = 1 + input.below(9);
         const unsigned m = input.below(n + 1);
-        NqReArray jacobian(m, n);
-        for (unsigned i = 0; i < m; ++i) {
-            jacobian[i] = input.numbers(n, isSane);
-        }
+        const NqReArray jacobian = input.matrix(m, n, isSane);
         std::vector<double> weights(n);
         std::vector<double> lower(n);
         std::vector<double> upper(n);

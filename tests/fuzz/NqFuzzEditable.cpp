@@ -64,7 +64,6 @@ void nqFuzzEditable(NqFuzzInput& input) {
     const std::unique_ptr<NqEndEffector> endEffector(
         dynamic_cast<NqEndEffector*>(all[input.below(all.size())]->clone()));
     const bool isBaseFixed = input.flag();
-    const std::string before = textOf(*endEffector);
     const std::size_t count = endEffector->editingLabels().size();
     nqHolds(endEffector->editableValues().size() == count && endEffector->tooltipLabels().size() == count,
             "each value has its label and its tooltip");
@@ -75,6 +74,7 @@ void nqFuzzEditable(NqFuzzInput& input) {
     if (input.flag()) { // as many as there are to be
         values.resize(static_cast<unsigned>(count));
     }
+    const std::string before = values.size() < count ? textOf(*endEffector) : "";
     endEffector->setEditableValues(values);
     nqHolds(values.size() >= count || textOf(*endEffector) == before, "a list that is too short is ignored");
     const NqLabelVector shown = endEffector->editableValues();

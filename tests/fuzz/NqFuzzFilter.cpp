@@ -8,19 +8,10 @@
 #include <nqControlCore/filter/NqTrapezoidalProfileTool.h>
 
 #include <algorithm>
+#include <initializer_list>
+#include <type_traits>
 
 namespace {
-
-NqVector vectorOf(NqFuzzInput& input, bool isSane) {
-    const std::vector<double> taken = input.numbers(3, isSane);
-    return {taken[0], taken[1], taken[2]};
-}
-
-NqCoordinateSystemTransformation frameOf(NqFuzzInput& input, bool isSane) {
-    const NqVector translation = vectorOf(input, isSane);
-    const double angle = input.number(isSane);
-    return {translation, NqOrientation(angle, vectorOf(input, isSane))};
-}
 
 bool isFinite(const NqVector& v) {
     return std::isfinite(v.magSquared());
@@ -35,11 +26,11 @@ struct Call {
     double limits[4]; ///< of speed, acceleration and deceleration; then the gain
 
     explicit Call(NqFuzzInput& input) : isSane(input.flag()) {
-        from = frameOf(input, isSane);
-        to = frameOf(input, isSane);
+        from = input.frame(isSane);
+        to = input.frame(isSane);
         const auto motion = [&] {
-            const NqVector linear = vectorOf(input, isSane);
-            return NqGeneralMotion(linear, vectorOf(input, isSane));
+            const NqVector linear = input.vector(isSane);
+            return NqGeneralMotion(linear, input.vector(isSane));
         };
         desired = motion();
         previous = motion();
@@ -49,8 +40,18 @@ struct Call {
         }
     }
 
-    template <typename Filter, typename Result, typename Calculate, typename Limit>
-    void make(Filter& filter, NqFuzzInput& input, Calculate calculate, Limit isLimited) const {
+    /// Calls the filter's setters with the limits, in their order.
+    template <typename Filter>
+    void limit(Filter& filter,
+               std::type_identity_t<std::initializer_list<void (Filter::*)(double)>> setters) const {
+        const double* value = limits;
+        for (const auto setter : setters) {
+            (filter.*setter)(*value++);
+        }
+    }
+
+    template <typename Result>
+    void make(auto& filter, NqFuzzInput& input, auto calculate, auto isLimited) const {
         filter.setFilteringMode(input.below(isSane ? 3 : 5));
         filter.setExponent(isSane ? input.positive() : input.any());
         filter.setSpeedFactor(isSane ? input.positive() : input.any());
@@ -65,22 +66,21 @@ struct Call {
     }
 };
 
-/// Whether a speed is within the limit, or no more above it than the previous one, which may not change at
-/// once.
-bool isWithin(double speed, double limit, double previous) {
-    return speed <= std::max(limit, previous) * (1.0 + 1.0e-9);
+/// Whether a velocity is finite and within the limit, or no more above it than the previous one, which may
+/// not change at once.
+bool isWithin(const NqVector& v, double limit, const NqVector& previous) {
+    return isFinite(v) && v.mag() <= std::max(limit, previous.mag()) * (1.0 + 1.0e-9);
 }
 
 void point(const Call& call, NqFuzzInput& input) {
-    NqPointMotionFilter filter;
-    filter.setThreshold(call.limits[0]);
-    filter.setAccelerationThreshold(call.limits[1]);
-    filter.setDecelerationThreshold(call.limits[2]);
-    filter.setLinearGain(call.limits[3]);
+    using F = NqPointMotionFilter;
+    F filter;
+    call.limit(filter, {&F::setThreshold, &F::setAccelerationThreshold, &F::setDecelerationThreshold,
+                        &F::setLinearGain});
     const auto isLimited = [&](const NqVector& v, double factor) {
-        return isFinite(v) && isWithin(v.mag(), factor * call.limits[0], call.previous.linear().mag());
+        return isWithin(v, factor * call.limits[0], call.previous.linear());
     };
-    call.make<NqPointMotionFilter, NqVector>(
+    call.make<NqVector>(
         filter, input,
         [&](NqVector& result) {
             return filter.calculate3DVelocity(call.from.translation(), call.to.translation(),
@@ -88,7 +88,7 @@ void point(const Call& call, NqFuzzInput& input) {
                                               result);
         },
         isLimited);
-    call.make<NqPointMotionFilter, NqVector>(
+    call.make<NqVector>(
         filter, input,
         [&](NqVector& result) {
             return filter.filter3DVelocity(call.desired.linear(), call.previous.linear(), call.timeStep,
@@ -98,31 +98,28 @@ void point(const Call& call, NqFuzzInput& input) {
 }
 
 void scalar(const Call& call, NqFuzzInput& input) {
-    NqScalarMotionFilter filter;
-    filter.setThreshold(call.limits[0]);
-    filter.setAccelerationThreshold(call.limits[1]);
-    filter.setDecelerationThreshold(call.limits[2]);
-    filter.setGain(call.limits[3]);
-    call.make<NqScalarMotionFilter, double>(
+    using F = NqScalarMotionFilter;
+    F filter;
+    call.limit(filter,
+               {&F::setThreshold, &F::setAccelerationThreshold, &F::setDecelerationThreshold, &F::setGain});
+    call.make<double>(
         filter, input,
         [&](double& result) {
             return filter.calculateVelocity(call.from.translation().x(), call.to.translation().x(),
                                             call.desired[0], call.previous[0], call.timeStep, result);
         },
         [&](double v, double factor) {
-            return std::isfinite(v) &&
-                   isWithin(std::fabs(v), factor * call.limits[0], std::fabs(call.previous[0]));
+            return isWithin({v, 0.0, 0.0}, factor * call.limits[0], {call.previous[0], 0.0, 0.0});
         });
 }
 
 void rotation(const Call& call, NqFuzzInput& input) {
-    NqRotationMotionFilter filter;
-    filter.setAngularVelocityThreshold(call.limits[0]);
-    filter.setAngularAccelerationThreshold(call.limits[1]);
-    filter.setAngularDecelerationThreshold(call.limits[2]);
-    filter.setAngularGain(call.limits[3]);
+    using F = NqRotationMotionFilter;
+    F filter;
+    call.limit(filter, {&F::setAngularVelocityThreshold, &F::setAngularAccelerationThreshold,
+                        &F::setAngularDecelerationThreshold, &F::setAngularGain});
     const bool isAxisOnly = input.flag();
-    call.make<NqRotationMotionFilter, NqVector>(
+    call.make<NqVector>(
         filter, input,
         [&](NqVector& result) {
             return filter.calculateRotationMotion(call.from.orientation(), call.to.orientation(),
@@ -130,42 +127,37 @@ void rotation(const Call& call, NqFuzzInput& input) {
                                                   call.timeStep, result, isAxisOnly, true);
         },
         [&](const NqVector& v, double factor) {
-            return isFinite(v) && isWithin(v.mag(), factor * call.limits[0], call.previous.angular().mag());
+            return isWithin(v, factor * call.limits[0], call.previous.angular());
         });
 }
 
 void general(const Call& call, NqFuzzInput& input) {
-    NqGeneralMotionFilter filter;
-    filter.setLinearVelocityThreshold(call.limits[0]);
-    filter.setAngularVelocityThreshold(call.limits[0]);
-    filter.setLinearAccelerationThreshold(call.limits[1]);
-    filter.setAngularAccelerationThreshold(call.limits[1]);
-    filter.setLinearDecelerationThreshold(call.limits[2]);
-    filter.setAngularDecelerationThreshold(call.limits[2]);
-    filter.setLinearGain(call.limits[3]);
-    filter.setAngularGain(call.limits[3]);
-    filter.setOffset(vectorOf(input, call.isSane));
+    using F = NqGeneralMotionFilter;
+    F filter;
+    call.limit(filter, {&F::setLinearVelocityThreshold, &F::setLinearAccelerationThreshold,
+                        &F::setLinearDecelerationThreshold, &F::setLinearGain});
+    call.limit(filter, {&F::setAngularVelocityThreshold, &F::setAngularAccelerationThreshold,
+                        &F::setAngularDecelerationThreshold, &F::setAngularGain});
+    filter.setOffset(input.vector(call.isSane));
     const bool matchesTimes = input.flag();
     const bool isAxisOnly = input.flag();
-    call.make<NqGeneralMotionFilter, NqGeneralMotion>(
+    call.make<NqGeneralMotion>(
         filter, input,
         [&](NqGeneralMotion& result) {
             return filter.calculateGeneralMotion(call.from, call.to, call.desired, call.previous,
                                                  call.timeStep, result, matchesTimes, isAxisOnly, true);
         },
         [&](const NqGeneralMotion& v, double factor) {
-            return isFinite(v.linear()) && isFinite(v.angular()) &&
-                   isWithin(v.angular().mag(), factor * call.limits[0], call.previous.angular().mag());
+            return isFinite(v.linear()) &&
+                   isWithin(v.angular(), factor * call.limits[0], call.previous.angular());
         });
 }
 
 void acceleration(const Call& call, NqFuzzInput& input) {
-    NqGeneralMotionAccFilter filter;
-    filter.setThreshold(call.limits[0]);
-    filter.setAngularWeight(call.limits[1]);
-    filter.setLinearGain(call.limits[2]);
-    filter.setAngularGain(call.limits[3]);
-    filter.setOffset(vectorOf(input, call.isSane));
+    using F = NqGeneralMotionAccFilter;
+    F filter;
+    call.limit(filter, {&F::setThreshold, &F::setAngularWeight, &F::setLinearGain, &F::setAngularGain});
+    filter.setOffset(input.vector(call.isSane));
     NqGeneralMotion result;
     filter.calculateGeneralAccMotion(call.from, call.to, call.desired, call.timeStep, result);
     nqHolds(!call.isSane || (isFinite(result.linear()) && isFinite(result.angular())),

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <nqControlCore/foundation/math/NqCoordinateSystemTransformation.h>
+#include <nqControlCore/foundation/matrix/NqReArray.h>
+
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -45,6 +48,26 @@ public:
             value = number(isSane);
         }
         return taken;
+    }
+
+    NqReArray matrix(unsigned rows, unsigned columns, bool isSane) {
+        NqReArray taken(rows, columns);
+        for (unsigned i = 0; i < rows; ++i) {
+            taken[i] = numbers(columns, isSane);
+        }
+        return taken;
+    }
+    NqVector vector(bool isSane) {
+        const std::vector<double> taken = numbers(3, isSane);
+        return {taken[0], taken[1], taken[2]};
+    }
+    NqOrientation turn(bool isSane) {
+        const double angle = number(isSane);
+        return {angle, vector(isSane)};
+    }
+    NqCoordinateSystemTransformation frame(bool isSane) {
+        const NqVector translation = vector(isSane);
+        return {translation, turn(isSane)};
     }
 
     /// Up to the next line end.

@@ -50,12 +50,18 @@ const std::vector<std::unique_ptr<NqXmlObject>>& prototypes() {
 
 } // namespace
 
-/// A document, read as each class whose element it names.
+/// A document, read as each class that has the name of its first element. Elements that no class is named for
+/// don't count.
 void nqFuzzPersistent(NqFuzzInput& input) {
-    for (const auto& prototype : prototypes()) {
-        if (input.rest().find("<" + std::string(prototype->token().localName())) != std::string_view::npos) {
-            const std::unique_ptr<NqXmlObject> object(prototype->newObject());
-            nqReadAndCheck(input.rest(), *object);
+    const std::string_view text = input.rest();
+    bool isKnown = false;
+    for (std::size_t at = text.find('<'); at != std::string_view::npos && !isKnown;
+         at = text.find('<', at + 1)) {
+        for (const auto& prototype : prototypes()) {
+            if (text.substr(at + 1).starts_with(prototype->token().localName())) {
+                isKnown = true;
+                nqReadAndCheck(text, *std::unique_ptr<NqXmlObject>(prototype->newObject()));
+            }
         }
     }
 }

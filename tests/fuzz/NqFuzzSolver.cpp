@@ -7,14 +7,6 @@
 
 namespace {
 
-NqReArray matrixOf(NqFuzzInput& input, unsigned rows, unsigned columns, bool isSane) {
-    NqReArray matrix(rows, columns);
-    for (unsigned i = 0; i < rows; ++i) {
-        matrix[i] = input.numbers(columns, isSane);
-    }
-    return matrix;
-}
-
 /// A size, mostly as asked for.
 unsigned about(NqFuzzInput& input, unsigned size) {
     const unsigned which = input.below(16);
@@ -59,9 +51,10 @@ void solve(NqCoreVelocityControlTool& tool, NqJacobianState& state, NqFuzzInput&
     const bool isSane = input.flag();
     const unsigned n = input.below(10);
     const unsigned m = input.below(n + 2);
-    const NqReArray jacobian = matrixOf(input, about(input, m), about(input, n), isSane);
+    const unsigned rows = about(input, m);
+    const NqReArray jacobian = input.matrix(rows, about(input, n), isSane);
     const unsigned metricColumns = input.flag() ? 1 : about(input, n);
-    const NqReArray metric = matrixOf(input, about(input, n), metricColumns, isSane);
+    const NqReArray metric = input.matrix(about(input, n), metricColumns, isSane);
     const std::vector<double> gradient = input.numbers(about(input, n), isSane);
     const std::vector<double> velocity = input.numbers(about(input, m), isSane);
     const double alpha = input.number(isSane);

@@ -43,7 +43,7 @@ std::string nqWrittenAndReadBack(const NqXmlObject& object);
 
 /// Reads a document into a new object, and checks it as above. A document that is valid by the schema must
 /// be read without complaint (but for counts), unless the schema leaves part of it open.
-bool nqReadAndCheck(std::string_view document, NqXmlObject& object, bool isSchemaWhole = true);
+std::string nqReadAndCheck(std::string_view document, NqXmlObject& object, bool isSchemaWhole = true);
 
 /// Whether all are finite.
 bool nqAreFinite(const std::vector<double>& values);

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <version>
 
 namespace {
 
@@ -15,6 +16,8 @@ bool isWord(std::string_view text, std::string_view word) {
         return (a >= 'A' && a <= 'Z' ? static_cast<char>(a - 'A' + 'a') : a) == b;
     });
 }
+
+#ifdef __cpp_lib_to_chars
 
 /// Whether a decimal number that left the range of double was too small, not too large.
 bool isTiny(std::string_view number) {
@@ -34,6 +37,32 @@ bool isTiny(std::string_view number) {
     }
     return point - leading + exponent < 0;
 }
+
+/// Of a decimal number without a sign the nearest double, which is 0 or infinite where it leaves the range.
+bool readDecimal(std::string_view number, double& value) {
+    const auto result = std::from_chars(number.data(), number.data() + number.size(), value);
+    if (result.ec == std::errc::result_out_of_range) {
+        value = isTiny(number) ? 0.0 : std::numeric_limits<double>::infinity();
+    } else if (result.ec != std::errc()) {
+        return false;
+    }
+    return result.ptr == number.data() + number.size();
+}
+
+#else // libc++ 16 reads no real numbers: the C library does, in the locale whose point is known
+
+bool readDecimal(std::string_view number, double& value) {
+    static const locale_t theLocale = newlocale(LC_ALL_MASK, "C", nullptr);
+    if (number.find_first_not_of("0123456789.eE+-") != std::string_view::npos) {
+        return false; // no hexadecimal number
+    }
+    const std::string terminated(number);
+    char* end = nullptr;
+    value = strtod_l(terminated.c_str(), &end, theLocale);
+    return end != terminated.c_str() && end == terminated.c_str() + terminated.size();
+}
+
+#endif
 
 } // namespace
 
@@ -80,13 +109,7 @@ bool nqParseReal(std::string_view text, double& value) {
         return false;
     }
     double parsed = 0.0;
-    const auto result = std::from_chars(number.data(), number.data() + number.size(), parsed);
-    if (result.ptr != number.data() + number.size()) {
-        return false;
-    }
-    if (result.ec == std::errc::result_out_of_range) {
-        parsed = isTiny(number) ? 0.0 : std::numeric_limits<double>::infinity();
-    } else if (result.ec != std::errc()) {
+    if (!readDecimal(number, parsed)) {
         return false;
     }
     value = sign * parsed;

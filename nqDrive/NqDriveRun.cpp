@@ -421,6 +421,12 @@ std::string NqDriveRun::cause() const {
     if (!still.empty()) {
         also(jointNames(still) + (still.size() == 1 ? " is at its rate limit" : " are at their rate limits"));
     }
+    if (text.empty()) {
+        atEnd = jointsAtEndThatSlowed();
+        if (!atEnd.empty()) {
+            also(jointNames(atEnd) + (atEnd.size() == 1 ? " is at its limit" : " are at their limits"));
+        }
+    }
     const bool isSoft = hardError() <= m_Task.options().tolerance && m_Record.hasSoftEndEffectors();
     if (isSoft) {
         also("the hard end-effectors leave the soft ones no way nearer");
@@ -429,6 +435,21 @@ std::string NqDriveRun::cause() const {
         text = "no progress for " + significant(kPatience, 3) + " s";
     }
     return text + (m_Record.hasSearched ? ", no other posture was found that reaches the target" : "");
+}
+
+/// The joints at an end of their range by which they have held the arm up, if not in the last step.
+std::vector<std::size_t> NqDriveRun::jointsAtEndThatSlowed() const {
+    std::vector<std::size_t> joints;
+    for (std::size_t j = 0; j < m_Record.joints.size(); ++j) {
+        const NqDriveRecord::Joint& joint = m_Record.joints[j];
+        const double position = m_Loop.positions()[j];
+        const double left = std::min(position - joint.description.lowerPositionLimit(),
+                                     joint.description.upperPositionLimit() - position);
+        if (joint.slowedByRange > 0.0 && left < m_Task.options().tolerance) {
+            joints.push_back(j);
+        }
+    }
+    return joints;
 }
 
 /// The joints that slowed the arm for a good part of the time, in words.

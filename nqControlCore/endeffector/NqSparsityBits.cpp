@@ -2,6 +2,8 @@
 
 #include <nqControlCore/foundation/manipulator/NqManipulatorLink.h>
 
+#include <algorithm>
+
 void NqSparsityBits::widen(unsigned row, unsigned count, unsigned width, Bits& bits) {
     for (unsigned i = row; i < row + count; ++i) {
         if (bits[i].size() < width) {
@@ -14,17 +16,20 @@ void NqSparsityBits::setChain(const NqManipulatorLink* link, unsigned row, unsig
     if (!link) {
         return;
     }
+    // Joints of a chain mostly follow each other, outwards.
+    unsigned first = 0, end = 0;
     link->forEachCarryingJoint([&](unsigned column) {
-        for (unsigned i = row; i < row + count; ++i) {
-            bits[i][column] = true;
+        if (column + 1 != first) {
+            setColumns(first, end, row, count, bits);
+            end = column + 1;
         }
+        first = column;
     });
+    setColumns(first, end, row, count, bits);
 }
 
 void NqSparsityBits::setColumns(unsigned first, unsigned end, unsigned row, unsigned count, Bits& bits) {
-    for (unsigned i = row; i < row + count; ++i) {
-        for (unsigned column = first; column < end; ++column) {
-            bits[i][column] = true;
-        }
+    for (unsigned i = row; i < row + count && first < end; ++i) {
+        std::fill(bits[i].begin() + first, bits[i].begin() + end, true);
     }
 }

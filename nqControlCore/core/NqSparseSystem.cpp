@@ -17,6 +17,7 @@ using NqRowMask::Mask;
 using NqRowOperations::Group;
 using NqRowOperations::load;
 using NqRowOperations::Pair;
+using NqRowOperations::PanelWidth;
 using NqRowOperations::setToZeros;
 using NqRowOperations::store;
 
@@ -29,13 +30,17 @@ constexpr unsigned kWeights = 4;
 /// What takes the place of a weight where there is no metric.
 constexpr double kWeightless = 1.0;
 
-/// to[j] += factor from[j] where `filled` says so, by groups of columns of which any is filled.
-inline void addMultiple(double* to, double factor, const double* from, Mask filled, unsigned n) {
-    constexpr Mask kGroupStarts = 0x1111111111111111;
-    const unsigned whole = n / 4 * 4;
+/// Where the groups of columns begin of which any is filled; what is left at the end of a row is none.
+inline Mask groupsOf(Mask filled, unsigned n) {
+    constexpr Mask kStarts = 0x1111111111111111;
+    const unsigned whole = n / PanelWidth * PanelWidth;
     Mask groups = whole == 0 ? 0 : filled & ~Mask{0} >> (NqRowMask::Places - whole);
     groups |= groups >> 1;
-    groups = (groups | groups >> 2) & kGroupStarts;
+    return (groups | groups >> 2) & kStarts;
+}
+
+/// to[j] += factor from[j], by groups.
+inline void addMultiple(double* to, double factor, const double* from, Mask groups, unsigned n) {
     NqRowMask::forEach(groups, [&](unsigned j) {
         Group x, y;
         std::memcpy(&x, from + j, sizeof x);
@@ -43,7 +48,7 @@ inline void addMultiple(double* to, double factor, const double* from, Mask fill
         y += factor * x;
         std::memcpy(to + j, &y, sizeof y);
     });
-    for (unsigned j = whole; j < n; ++j) {
+    for (unsigned j = n / PanelWidth * PanelWidth; j < n; ++j) {
         to[j] += factor * from[j];
     }
 }
@@ -168,7 +173,7 @@ inline bool NqSparseSystem::eliminate(unsigned row) {
         done |= bit(k);
         steps = (steps & (steps - 1)) | stepsOf(m_Filled[k] & ~filled);
         filled |= m_Filled[k];
-        addMultiple(values, -multiplier, m_Rows[k], m_Filled[k], m_N);
+        addMultiple(values, -multiplier, m_Rows[k], m_Groups[k], m_N);
     }
     NqRowMask::forEach(filled & m_Settled, [&](unsigned column) { values[column] = 0.0; });
     m_Eliminated[row] = done;
@@ -202,6 +207,7 @@ inline bool NqSparseSystem::settle(unsigned row) {
     m_Settled |= bit(column);
     m_Pivot[row] = std::exchange(values[column], 0.0);
     m_Filled[row] &= ~bit(column);
+    m_Groups[row] = groupsOf(m_Filled[row], m_N);
     m_Reciprocal[row] = 1.0 / m_Pivot[row];
     return std::isfinite(m_Reciprocal[row]);
 }
@@ -215,6 +221,7 @@ NQ_WIDE_ROWS bool NqSparseSystem::findBasis(NqReArray& nullSpace) {
         setToZeros(basis, dimension);
         basis[place - m_M] = 1.0;
         m_BasisFilled[m_Order[place]] = bit(place - m_M);
+        m_BasisGroups[m_Order[place]] = groupsOf(bit(place - m_M), dimension);
     }
     for (unsigned k = m_M; k-- > 0;) {
         const double* const u = m_Rows[k];
@@ -227,7 +234,7 @@ NQ_WIDE_ROWS bool NqSparseSystem::findBasis(NqReArray& nullSpace) {
         });
         NqRowMask::forEach(stepsOf(m_Filled[k]), [&](unsigned step) {
             const unsigned known = m_Order[step];
-            addMultiple(basis, -u[known], nullSpace[known].data(), m_BasisFilled[known], dimension);
+            addMultiple(basis, -u[known], nullSpace[known].data(), m_BasisGroups[known], dimension);
             filled |= m_BasisFilled[known];
         });
         bool isFinite = true;
@@ -236,6 +243,7 @@ NQ_WIDE_ROWS bool NqSparseSystem::findBasis(NqReArray& nullSpace) {
             isFinite = isFinite && std::isfinite(basis[i]);
         });
         m_BasisFilled[m_Order[k]] = filled;
+        m_BasisGroups[m_Order[k]] = groupsOf(filled, dimension);
         if (!isFinite) {
             return false;
         }
@@ -287,7 +295,7 @@ NQ_WIDE_ROWS void NqSparseSystem::weightBasis(const NqReArray& nullSpace, NqReAr
         } else {
             setToZeros(weighted, dimension);
             NqRowMask::forEach(m_WeightsFilled[j], [&](unsigned k) {
-                addMultiple(weighted, m_Weights[j][k], nullSpace[k].data(), m_BasisFilled[k], dimension);
+                addMultiple(weighted, m_Weights[j][k], nullSpace[k].data(), m_BasisGroups[k], dimension);
                 filled |= m_BasisFilled[k];
             });
         }

@@ -49,7 +49,9 @@ private:
     unsigned m_M = 0;
     ForEachRow<double*> m_Rows;        ///< of A; what is settled when a row is done has left it
     ForEachRow<Mask> m_Filled;         ///< columns of a row that aren't zero; in the end places
+    ForEachRow<Mask> m_Groups;         ///< where groups of such columns begin
     ForEachRow<Mask> m_BasisFilled;    ///< columns of N that aren't zero, for each joint
+    ForEachRow<Mask> m_BasisGroups;    ///< where groups of such columns begin
     ForEachRow<Mask> m_Eliminated;     ///< steps of which a row has a multiplier
     ForEachRow<double> m_Pivot;        ///< the diagonal of U
     ForEachRow<double> m_Reciprocal;   ///< 1.0 / pivot

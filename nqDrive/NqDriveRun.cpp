@@ -31,6 +31,8 @@ constexpr double kRestSpeed = 10.0;
 constexpr double kHardlySlowed = 0.98;
 /// A joint that slowed the arm for this share of the slowed time, or more, is named.
 constexpr double kBlameShare = 0.2;
+/// How near to an end of its range a joint creeps, rad or m.
+constexpr double kNearEnd = 0.01;
 /// A least singular value of the rows below which the posture is called singular.
 constexpr double kSingular = 0.02;
 /// A run goes through another posture so often at most, and counts as there at this distance of its joints.
@@ -422,9 +424,10 @@ std::string NqDriveRun::cause() const {
         also(jointNames(still) + (still.size() == 1 ? " is at its rate limit" : " are at their rate limits"));
     }
     if (text.empty()) {
-        atEnd = jointsAtEndThatSlowed();
+        atEnd = movingJointsNearEnd();
         if (!atEnd.empty()) {
-            also(jointNames(atEnd) + (atEnd.size() == 1 ? " is at its limit" : " are at their limits"));
+            also(jointNames(atEnd) +
+                 (atEnd.size() == 1 ? " is close to its limit" : " are close to their limits"));
         }
     }
     const bool isSoft = hardError() <= m_Task.options().tolerance && m_Record.hasSoftEndEffectors();
@@ -437,15 +440,20 @@ std::string NqDriveRun::cause() const {
     return text + (m_Record.hasSearched ? ", no other posture was found that reaches the target" : "");
 }
 
-/// The joints at an end of their range by which they have held the arm up, if not in the last step.
-std::vector<std::size_t> NqDriveRun::jointsAtEndThatSlowed() const {
+/// The joints so near to an end of their range that they creep, if they move a hard end-effector.
+std::vector<std::size_t> NqDriveRun::movingJointsNearEnd() const {
     std::vector<std::size_t> joints;
     for (std::size_t j = 0; j < m_Record.joints.size(); ++j) {
-        const NqDriveRecord::Joint& joint = m_Record.joints[j];
+        const NqJointDescription& joint = m_Record.joints[j].description;
         const double position = m_Loop.positions()[j];
-        const double left = std::min(position - joint.description.lowerPositionLimit(),
-                                     joint.description.upperPositionLimit() - position);
-        if (joint.slowedByRange > 0.0 && left < m_Task.options().tolerance) {
+        const double left =
+            std::min(position - joint.lowerPositionLimit(), joint.upperPositionLimit() - position);
+        const NqReArray& jacobian = m_Loop.jacobian();
+        bool isMoving = false;
+        for (unsigned i = 0; i < jacobian.rows(); ++i) {
+            isMoving = isMoving || std::abs(jacobian[i][j]) > kIdle;
+        }
+        if (isMoving && left < kNearEnd) {
             joints.push_back(j);
         }
     }

@@ -52,7 +52,7 @@ private:
     std::string outcomeText() const;
     std::string chatter() const;
     std::string cause() const;
-    std::vector<std::size_t> jointsAtEndThatSlowed() const;
+    std::vector<std::size_t> movingJointsNearEnd() const;
     std::string slowedBy() const;
     std::string jointNames(const std::vector<std::size_t>& joints) const;
     std::string distanceText(std::size_t part) const;

@@ -572,7 +572,8 @@ double NqControlLoop::shareMade() const {
         made += m_Hard.command[i] * std::inner_product(row.begin(), row.end(), m_Rates.begin(), 0.0);
         commanded += m_Hard.command[i] * m_Hard.command[i];
     }
-    return commanded > 0.0 ? std::clamp(made / commanded, 0.0, 1.0) : 1.0;
+    const double share = commanded > 0.0 ? made / commanded : 1.0; // NaN where squares overflow
+    return share > 0.0 ? std::min(share, 1.0) : 0.0;
 }
 
 /// Joint rates with J rates = scale * command that otherwise descend the gradient under the metric.

@@ -15,8 +15,9 @@ using NqRowOperations::Pair;
 using NqSmallSystem::Places;
 
 /// Half a row goes through an operation as a whole.
+using Half = NqRowOperations::Group;
 constexpr unsigned kHalf = Places / 2;
-typedef double Half __attribute__((vector_size(kHalf * sizeof(double))));
+static_assert(sizeof(Half) == kHalf * sizeof(double));
 
 /// Rows of one length, whatever n. What is behind n is 0 or never looked at.
 struct alignas(Half) Square {

@@ -21,7 +21,7 @@ Side upperSide(double room, double rateLimit, double acceleration, double approa
         std::min(NqJointBounds::greatestViable(room, acceleration, timeStep),
                  std::max(std::max(room, 0.0) * std::min(approach, 1.0 / timeStep), rate - change));
     if (range < side.bound) {
-        side = {range, Cause::Range};
+        side = {std::max(range, -rateLimit), Cause::Range}; // also on the way back into the range
     }
     if (rate + change < side.bound) {
         side = {rate + change, Cause::Acceleration};

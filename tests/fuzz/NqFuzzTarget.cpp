@@ -4,6 +4,7 @@
 #include <nqControlCore/foundation/xml/NqXmlDocument.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -111,7 +112,7 @@ unsigned nqLinesPrinted() {
     return theLines;
 }
 
-std::string nqWrittenAndReadBack(const NqXmlObject& object) {
+std::string nqWrittenAndReadBack(const NqXmlObject& object, bool isAllWritten) {
     std::string written;
     nqHolds(NqXmlDocument::writeString(written, object), "what was read can be written");
     const Class& known = classOf(object);
@@ -123,8 +124,10 @@ std::string nqWrittenAndReadBack(const NqXmlObject& object) {
     const unsigned before = theLines;
     nqHolds(NqXmlDocument::readString(written, *back) && theLines == before,
             "what was written reads back without a line");
-    nqHolds(back->equality(&object) || written.find("NaN") != std::string::npos, "it reads back equal");
+    const bool isNumbers = written.find("NaN") == std::string::npos;
+    nqHolds(back->equality(&object) || !isAllWritten || !isNumbers, "it reads back equal");
     const std::unique_ptr<NqXmlObject> copy(back->clone());
+    nqHolds(copy->equality(back.get()) || !isNumbers, "a copy is equal");
     std::string again;
     nqHolds(NqXmlDocument::writeString(again, *copy) && again == written,
             "a copy of what was read back is written alike");
@@ -138,7 +141,11 @@ std::string nqReadAndCheck(std::string_view document, NqXmlObject& object, bool 
     nqHolds(isRead || !isSilent, "a document that isn't read is reported");
     nqHolds((isRead && isSilent) || !isSchemaWhole || !isValid(object, document),
             "a valid document is read without complaint");
-    return nqWrittenAndReadBack(object);
+    // What old files say for these is kept, but never written.
+    const bool isAllWritten = std::ranges::none_of(
+        std::array{"<threshold", "<angularWeight", "<gain", "<isRelativeLink"},
+        [&](const char* element) { return document.find(element) != std::string_view::npos; });
+    return nqWrittenAndReadBack(object, isAllWritten);
 }
 
 bool nqAreFinite(const std::vector<double>& values) {

@@ -33,8 +33,7 @@ void NqOwnPeer::kinematics(unsigned step) {
 void NqOwnPeer::step(unsigned step) {
     kinematics(step);
     insertSparsity();
-    filter();
-    calculateError();
+    filterAndCalculateError();
     solve();
 }
 
@@ -78,15 +77,30 @@ void NqOwnPeer::calculateVelocity() {
     }
 }
 
+void NqOwnPeer::filterAndCalculateError() {
+    for (unsigned e = 0; e < m_Still.size(); ++e) {
+        const NqBenchmarkCase::Task& task = m_Case.tasks()[e];
+        m_Case.endEffectors()[e]->calculateFilteredVelocityAndError(
+            m_Case.manipulator(), task.target, m_Still[e], m_Previous[e], NqBenchmarkCase::timeStep(),
+            m_State, m_Filtered[e], m_Errors[e]);
+        command(e);
+    }
+    std::swap(m_Previous, m_Filtered);
+}
+
 void NqOwnPeer::filter() {
     for (unsigned e = 0; e < m_Still.size(); ++e) {
         const NqBenchmarkCase::Task& task = m_Case.tasks()[e];
         m_Case.endEffectors()[e]->filterEndEffectorVelocity(m_Case.manipulator(), task.target, m_Still[e],
                                                             m_Previous[e], NqBenchmarkCase::timeStep(),
                                                             m_State, m_Filtered[e]);
-        std::copy(m_Filtered[e].begin(), m_Filtered[e].end(), m_Command.begin() + task.row);
+        command(e);
     }
     std::swap(m_Previous, m_Filtered);
+}
+
+void NqOwnPeer::command(unsigned e) {
+    std::copy(m_Filtered[e].begin(), m_Filtered[e].end(), m_Command.begin() + m_Case.tasks()[e].row);
 }
 
 void NqOwnPeer::calculateError() {

@@ -35,6 +35,7 @@ public:
     void calculateVelocity();
     void filter();
     void calculateError();
+    void filterAndCalculateError();
     void solve();
 
     NqManipulatorActiveState& state() { return m_State; }
@@ -44,6 +45,8 @@ public:
     const NqEndEffector::SparsityDescription& sparsity() const { return m_Sparsity; }
 
 private:
+    void command(unsigned endEffector);
+
     const NqBenchmarkCase& m_Case;
     NullSpace m_NullSpace;
     std::string m_Name;

@@ -130,6 +130,7 @@ void NqStages::addControlStep(const NqBenchmarkCase& benchmarkCase, NqBenchmarkR
     addMember("velocity (link velocities are there)", &NqOwnPeer::calculateVelocity);
     addMember("commanded velocity (filter)", &NqOwnPeer::filter);
     addMember("error", &NqOwnPeer::calculateError);
+    addMember("both at once", &NqOwnPeer::filterAndCalculateError);
     addMember("solve", &NqOwnPeer::solve);
     if (benchmarkCase.tasks().size() > 1) {
         const auto sparse = std::make_shared<NqOwnPeer>(benchmarkCase, NqOwnPeer::NullSpace::Sparse);

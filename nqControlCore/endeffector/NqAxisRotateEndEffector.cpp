@@ -33,8 +33,8 @@ double NqAxisRotateEndEffector::numberRate(const Reference& reference, const NqV
 
 void NqAxisRotateEndEffector::insertRows(const NqRowRequest& request, NqManipulatorActiveState& state,
                                          NqReArray& jacobian) const {
-    const auto* link = NqLinkLookup::linkOrMessage(
-        request.manipulator, linkIdentifier(),
+    const auto* link = linkOrMessage(
+        request.manipulator,
         "NqAxisRotateEndEffector::insertJacobianComponent(): bad label on frame end effector: %s.\n");
     if (!link) {
         return;
@@ -49,8 +49,8 @@ void NqAxisRotateEndEffector::insertRows(const NqRowRequest& request, NqManipula
 }
 
 void NqAxisRotateEndEffector::insertBits(const NqRowRequest& request, SparsityDescription& sparsity) const {
-    const auto* link = NqLinkLookup::linkOrMessage(
-        request.manipulator, linkIdentifier(),
+    const auto* link = linkOrMessage(
+        request.manipulator,
         "NqAxisRotateEndEffector::insertSparsityComponent(): bad label on point end effector: %s.\n");
     NqSparsityBits::setChain(link, request.row, doc(), sparsity);
 }
@@ -58,7 +58,7 @@ void NqAxisRotateEndEffector::insertBits(const NqRowRequest& request, SparsityDe
 void NqAxisRotateEndEffector::calculatePlacement(const NqIndividualManipulator& manipulator,
                                                  NqManipulatorActiveState& state,
                                                  NqEndEffectorPlacement& placement) const {
-    const auto* link = NqLinkLookup::linkOrMessage(manipulator, linkIdentifier(), theBadPlacementLabel);
+    const auto* link = linkOrMessage(manipulator, theBadPlacementLabel);
     if (!link) {
         return;
     }
@@ -71,8 +71,7 @@ void NqAxisRotateEndEffector::calculatePlacement(const NqIndividualManipulator& 
 
 double NqAxisRotateEndEffector::rate(const NqIndividualManipulator& manipulator,
                                      NqManipulatorActiveState& state) const {
-    const NqManipulatorLink* link =
-        NqLinkLookup::linkOrMessage(manipulator, linkIdentifier(), theBadPlacementLabel);
+    const NqManipulatorLink* link = linkOrMessage(manipulator, theBadPlacementLabel);
     // The placement of a number is not turned, so z is that of the system.
     return link ? numberRate(reference(manipulator, relativeLinkData(), state), NqVector(0.0, 0.0, 1.0),
                              link->primaryFrameVelocity(state).angular())

@@ -1,5 +1,6 @@
 #include <nqControlCore/endeffector/NqEndEffector.h>
 
+#include <nqControlCore/endeffector/NqLinkLookup.h>
 #include <nqControlCore/endeffector/NqLinkMotion.h>
 #include <nqControlCore/endeffector/NqRowRequest.h>
 #include <nqControlCore/endeffector/NqSparsityBits.h>
@@ -44,7 +45,11 @@ void NqEndEffector::rightSizeSparsityDescriptionMatrix(unsigned row, unsigned co
         return;
     }
     for (std::size_t i = row; i < end; ++i) {
-        sparsity[i].assign(columns, false);
+        if (sparsity[i].size() == columns) {
+            std::fill(sparsity[i].begin(), sparsity[i].end(), false);
+        } else {
+            sparsity[i].assign(columns, false);
+        }
     }
 }
 
@@ -138,6 +143,31 @@ void NqEndEffector::getFrameMotion(const NqManipulatorLink& jointLink, const NqM
 NqVector NqEndEffector::pointPosition(const NqManipulatorLink& link, const NqVector& point,
                                       NqManipulatorActivePositionState& state) const {
     return NqLinkMotion::position(link, point, state);
+}
+
+void NqEndEffector::calculateFilteredVelocityAndError(
+    const NqIndividualManipulator& manipulator, const NqEndEffectorPlacement& desiredPlacement,
+    const NqXmlRealVector& desiredVelocity, const NqXmlRealVector& previousVelocity, double timeStep,
+    NqManipulatorActiveState& state, NqXmlRealVector& filtered, NqXmlRealVector& error) const {
+    filterEndEffectorVelocity(manipulator, desiredPlacement, desiredVelocity, previousVelocity, timeStep,
+                              state, filtered);
+    calculateEndEffectorError(manipulator, desiredPlacement, state, error);
+}
+
+const NqManipulatorLink* NqEndEffector::ownLink(const NqIndividualManipulator& manipulator) const {
+    const std::string& label = linkIdentifier();
+    const NqManipulatorLink* link = manipulator.link(*m_LinkNumber);
+    if (!link || label.empty() || link->linkLabel() != label) {
+        link = manipulator.linkByLabel(label);
+        *m_LinkNumber = link ? link->number() : 0;
+    }
+    return link;
+}
+
+const NqManipulatorLink* NqEndEffector::linkOrMessage(const NqIndividualManipulator& manipulator,
+                                                      const char* message) const {
+    const NqManipulatorLink* found = ownLink(manipulator);
+    return found ? found : NqLinkLookup::linkOrMessage(manipulator, linkIdentifier(), message);
 }
 
 void NqEndEffector::rightSizeSparsity(const NqRowRequest& request, SparsityDescription& sparsity) const {

@@ -219,10 +219,28 @@ protected:
     virtual NqVector pointPosition(const NqManipulatorLink& link, const NqVector& point,
                                    NqManipulatorActivePositionState& state) const;
 
+public:
+    /// For a caller that wants both: what filterEndEffectorVelocity() and calculateEndEffectorError() give. A
+    /// class may compute once what these have in common.
+    virtual void calculateFilteredVelocityAndError(const NqIndividualManipulator& manipulator,
+                                                   const NqEndEffectorPlacement& desiredPlacement,
+                                                   const NqXmlRealVector& desiredVelocity,
+                                                   const NqXmlRealVector& previousVelocity, double timeStep,
+                                                   NqManipulatorActiveState& state, NqXmlRealVector& filtered,
+                                                   NqXmlRealVector& error) const;
+
+protected:
     // What the layers between this class and the concrete ones are built from.
 
     /// Takes over what a class tells about itself; to be called by its constructors with one object for all.
     void describe(const NqEndEffectorDescription& description) { m_Description = &description; }
+
+    /// The link of that label, or null. One that was found before is only looked at again.
+    const NqManipulatorLink* ownLink(const NqIndividualManipulator& manipulator) const;
+
+    /// The same; where there is none, after printing the message with the label in it.
+    const NqManipulatorLink* linkOrMessage(const NqIndividualManipulator& manipulator,
+                                           const char* message) const;
 
     /// Where the printed editable values are kept.
     NqLabelVector& editableValueCache() const { return *m_EditableValues; }
@@ -280,4 +298,5 @@ private:
     // Workspace: never copied.
     mutable NqUncopied<NqLabelVector> m_EditableValues;
     mutable NqUncopied<NqEndEffectorPlacement> m_ScratchPlacement;
+    mutable NqUncopied<unsigned> m_LinkNumber; ///< of the link that was found last, among all links
 };

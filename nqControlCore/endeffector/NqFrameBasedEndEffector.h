@@ -64,6 +64,9 @@ protected:
         return externalOffset() ? frame() * *externalOffset() : frame();
     }
 
+    /// What convertToGeneralVelocity() gives.
+    NqGeneralMotion generalVelocity(const NqXmlRealVector& velocity) const;
+
 private:
     friend struct NqXmlComponentAccess;
     static auto components() {
@@ -73,8 +76,6 @@ private:
                                nqComponent(NqLinearErrorWeightToken, &E::m_LinearErrorWeight),
                                nqComponent(NqAngularErrorWeightToken, &E::m_AngularErrorWeight));
     }
-
-    NqGeneralMotion generalVelocity(const NqXmlRealVector& velocity) const;
 
     NqXmlCoordinateSystemTransformation m_Frame;
     NqXmlBasicType<double> m_LinearErrorWeight = 1.0;

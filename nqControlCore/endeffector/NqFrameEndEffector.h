@@ -31,4 +31,11 @@ public:
 
     /// The distance times the linear error weight plus the angle times the angular one.
     double difference(const NqEndEffectorPlacement& a, const NqEndEffectorPlacement& b) const override;
+
+    void calculateFilteredVelocityAndError(const NqIndividualManipulator& manipulator,
+                                           const NqEndEffectorPlacement& desiredPlacement,
+                                           const NqXmlRealVector& desiredVelocity,
+                                           const NqXmlRealVector& previousVelocity, double timeStep,
+                                           NqManipulatorActiveState& state, NqXmlRealVector& filtered,
+                                           NqXmlRealVector& error) const override;
 };

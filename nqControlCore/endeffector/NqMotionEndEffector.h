@@ -37,7 +37,7 @@ public:
 
     void insertRows(const NqRowRequest& request, NqManipulatorActiveState& state, NqReArray& jacobian) const {
         const auto& [manipulator, row, relativeLink, fixedBase] = request;
-        const auto* link = NqLinkLookup::linkOrMessage(manipulator, this->linkIdentifier(), plan().badLabel);
+        const auto* link = this->linkOrMessage(manipulator, plan().badLabel);
         if (!link) {
             return;
         }
@@ -64,8 +64,7 @@ public:
                 std::fill_n(sparsity[i].begin(), request.width(), false);
             }
         }
-        const auto& label = this->linkIdentifier();
-        const auto* link = NqLinkLookup::linkOrMessage(manipulator, label, plan().badSparsityLabel);
+        const auto* link = this->linkOrMessage(manipulator, plan().badSparsityLabel);
         const auto* reference =
             NqLinkLookup::internalLinkOrMessage(manipulator, relativeLink, plan().badSparsityRelativeLabel);
         NqSparsityBits::setChain(link, row, doc(), sparsity);
@@ -89,8 +88,7 @@ public:
 
     void calculatePlacement(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
                             NqEndEffectorPlacement& placement) const override {
-        const auto* link =
-            NqLinkLookup::linkOrMessage(manipulator, this->linkIdentifier(), plan().badPlacementLabel);
+        const auto* link = this->linkOrMessage(manipulator, plan().badPlacementLabel);
         if (!link) {
             return;
         }
@@ -106,7 +104,7 @@ public:
 
     void calculateVelocity(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
                            NqXmlRealVector& velocity, unsigned start) const override {
-        if (const auto* link = manipulator.linkByLabel(this->linkIdentifier())) {
+        if (const auto* link = this->ownLink(manipulator)) {
             const NqGeneralMotion motion =
                 NqLinkMotion::velocity(*link, self().motionFrame().translation(), state);
             putRows(manipulator, *link, state, motion, start, plan().velocityTail, velocity);
@@ -117,7 +115,7 @@ public:
 
     void calculateAcceleration(const NqIndividualManipulator& manipulator, NqManipulatorActiveState& state,
                                NqXmlRealVector& acceleration, unsigned start) const override {
-        if (const auto* link = manipulator.linkByLabel(this->linkIdentifier())) {
+        if (const auto* link = this->ownLink(manipulator)) {
             const NqGeneralMotion motion = NqLinkMotion::acceleration(*link, self().motionFrame(), state);
             putRows(manipulator, *link, state, motion, start, plan().accelerationTail, acceleration);
         } else {

@@ -10,9 +10,7 @@ void NqPointEndEffector::calculatePlacement(const NqIndividualManipulator& manip
 
 void NqPointEndEffector::calculatePointPlacement(const NqIndividualManipulator& manipulator,
                                                  NqManipulatorActiveState& state, NqVector& point) const {
-    const auto* link =
-        NqLinkLookup::linkOrMessage(manipulator, linkIdentifier(), theMotionPlan.badPlacementLabel);
-    if (link) {
+    if (const auto* link = linkOrMessage(manipulator, theMotionPlan.badPlacementLabel)) {
         point = pointPosition(*link, pointOffset(), state.activePositionState());
     }
 }

@@ -58,55 +58,103 @@ bool NqGeneralMotionFilter::calculateGeneralMotion(const NqCoordinateSystemTrans
                                                    const NqGeneralMotion& previousVelocity, double timeStep,
                                                    NqGeneralMotion& filteredVelocity, bool matchTimes,
                                                    bool zAxisOnly, bool applyProfile) const {
+    if (!isModeKnown()) {
+        return false;
+    }
+    const PlacementError error = errorBetween(actualPlacement, desiredPlacement, zAxisOnly);
+    NqGeneralMotion motion(error.linear, error.angular);
+    if (applyProfile || !filteringActive()) {
+        motion = approach(error, desiredVelocity, previousVelocity, timeStep, matchTimes);
+    }
+    filteredVelocity = ofOrigin(actualPlacement.orientation(), motion);
+    return true;
+}
+
+bool NqGeneralMotionFilter::calculateMotionAndError(const NqCoordinateSystemTransformation& actualPlacement,
+                                                    const NqCoordinateSystemTransformation& desiredPlacement,
+                                                    const NqGeneralMotion& desiredVelocity,
+                                                    const NqGeneralMotion& previousVelocity, double timeStep,
+                                                    NqGeneralMotion& filteredVelocity, NqGeneralMotion& error,
+                                                    bool matchTimes, bool zAxisOnly) const {
+    if (!isModeKnown()) {
+        return false;
+    }
+    const PlacementError bare = errorBetween(actualPlacement, desiredPlacement, zAxisOnly);
+    const NqOrientation& actual = actualPlacement.orientation();
+    filteredVelocity =
+        ofOrigin(actual, approach(bare, desiredVelocity, previousVelocity, timeStep, matchTimes));
+    error = ofOrigin(actual, NqGeneralMotion(bare.linear, bare.angular));
+    return true;
+}
+
+bool NqGeneralMotionFilter::isModeKnown() const {
     if (filteringMode() > ThreeHalves) {
         Nq::Print::instance().write(
             Nq::PrintFailure, "NqGeneralMotionFilter::calculateGeneralMotion()->bad filtering mode: %d.\n",
             filteringMode());
         return false;
     }
-    const double h = timeStep;
+    return true;
+}
+
+NqGeneralMotionFilter::PlacementError
+NqGeneralMotionFilter::errorBetween(const NqCoordinateSystemTransformation& actualPlacement,
+                                    const NqCoordinateSystemTransformation& desiredPlacement,
+                                    bool zAxisOnly) const {
     const NqVector& o = m_Offset.value();
     const NqCoordinateSystemTransformation toActual = actualPlacement.inverse();
     const NqCoordinateSystemTransformation relative = toActual * desiredPlacement;
-    const NqVector angularError = NqRotationError::between(relative.orientation(), zAxisOnly);
-    const NqVector linearError = relative * o - o;
+    return {toActual.orientation(), relative * o - o,
+            NqRotationError::between(relative.orientation(), zAxisOnly)};
+}
 
-    NqVector linear = linearError;
-    NqVector angular = angularError;
+/// The motion of the offset point, in the actual frame, that takes the error away: by the profile and under
+/// the limits, or all in one step where filtering is switched off.
+NqGeneralMotion NqGeneralMotionFilter::approach(const PlacementError& error,
+                                                const NqGeneralMotion& desiredVelocity,
+                                                const NqGeneralMotion& previousVelocity, double timeStep,
+                                                bool matchTimes) const {
+    const double h = timeStep;
     if (!filteringActive()) {
-        linear = linearError / NqMath::nonZeroPos(h);
-        angular = angularError / NqMath::nonZeroPos(h);
-    } else if (applyProfile) {
-        const double factor = speedFactor();
-        Part linearPart(linearError, factor * m_LinearVelocityThreshold, m_LinearGain);
-        Part angularPart(angularError, factor * m_AngularVelocityThreshold, m_AngularGain);
-        if (matchTimes) {
-            matchTimesOf(linearPart, angularPart);
-        }
-        const double linearDeceleration =
-            factor * std::min(m_LinearDecelerationThreshold, m_LinearAccelerationThreshold);
-        const double angularDeceleration =
-            factor * std::min(m_AngularDecelerationThreshold, m_AngularAccelerationThreshold);
-        const double linearSlowSquared =
-            applyFilter(linearError, linearPart.gain, linearPart.speedLimit, linearDeceleration, h, linear);
-        const double angularSlowSquared = applyFilter(angularError, angularPart.gain, angularPart.speedLimit,
-                                                      angularDeceleration, h, angular);
-
-        // Velocities of the offset point, in the actual frame.
-        NqGeneralMotion desired = desiredVelocity;
-        desired.transformBy(toActual.orientation()).transformBy(o);
-        NqGeneralMotion previous = previousVelocity;
-        previous.transformBy(toActual.orientation()).transformBy(o);
-
-        linear += desired.linear();
-        angular += desired.angular();
-        imposeVelocityThresholds(linearPart.speedLimit, angularPart.speedLimit, linear, angular);
-        imposeAccelerationThresholds(previous, factor * m_LinearAccelerationThreshold,
-                                     factor * m_AngularAccelerationThreshold, linearSlowSquared,
-                                     angularSlowSquared, h, linear, angular);
+        return {error.linear / NqMath::nonZeroPos(h), error.angular / NqMath::nonZeroPos(h)};
     }
-    filteredVelocity = actualPlacement.orientation() * NqGeneralMotion(linear - angular.cross(o), angular);
-    return true;
+    const double factor = speedFactor();
+    Part linearPart(error.linear, factor * m_LinearVelocityThreshold, m_LinearGain);
+    Part angularPart(error.angular, factor * m_AngularVelocityThreshold, m_AngularGain);
+    if (matchTimes) {
+        matchTimesOf(linearPart, angularPart);
+    }
+    const double linearDeceleration =
+        factor * std::min(m_LinearDecelerationThreshold, m_LinearAccelerationThreshold);
+    const double angularDeceleration =
+        factor * std::min(m_AngularDecelerationThreshold, m_AngularAccelerationThreshold);
+    NqVector linear = error.linear;
+    NqVector angular = error.angular;
+    const double linearSlowSquared =
+        applyFilter(error.linear, linearPart.gain, linearPart.speedLimit, linearDeceleration, h, linear);
+    const double angularSlowSquared =
+        applyFilter(error.angular, angularPart.gain, angularPart.speedLimit, angularDeceleration, h, angular);
+
+    NqGeneralMotion desired = desiredVelocity;
+    desired.transformBy(error.toActual).transformBy(m_Offset.value());
+    NqGeneralMotion previous = previousVelocity;
+    previous.transformBy(error.toActual).transformBy(m_Offset.value());
+
+    linear += desired.linear();
+    angular += desired.angular();
+    imposeVelocityThresholds(linearPart.speedLimit, angularPart.speedLimit, linear, angular);
+    imposeAccelerationThresholds(previous, factor * m_LinearAccelerationThreshold,
+                                 factor * m_AngularAccelerationThreshold, linearSlowSquared,
+                                 angularSlowSquared, h, linear, angular);
+    return {linear, angular};
+}
+
+/// The motion of the actual frame's origin, in the frame that the placements are in, for one of the offset
+/// point in the actual frame.
+NqGeneralMotion NqGeneralMotionFilter::ofOrigin(const NqOrientation& actual,
+                                                const NqGeneralMotion& ofOffset) const {
+    const NqVector& angular = ofOffset.angular();
+    return actual * NqGeneralMotion(ofOffset.linear() - angular.cross(m_Offset.value()), angular);
 }
 
 bool NqGeneralMotionFilter::filterVelocity(const NqGeneralMotion& velocity,

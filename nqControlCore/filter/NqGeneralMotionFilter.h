@@ -82,6 +82,15 @@ public:
     virtual bool filterVelocity(const NqGeneralMotion& velocity, const NqGeneralMotion& previousVelocity,
                                 double timeStep, NqGeneralMotion& filteredVelocity) const;
 
+    /// For a caller that wants both: the motion as calculateGeneralMotion() gives it with the profile, and
+    /// the bare error as it gives it without. What they have in common is computed once.
+    virtual bool calculateMotionAndError(const NqCoordinateSystemTransformation& actualPlacement,
+                                         const NqCoordinateSystemTransformation& desiredPlacement,
+                                         const NqGeneralMotion& desiredVelocity,
+                                         const NqGeneralMotion& previousVelocity, double timeStep,
+                                         NqGeneralMotion& filteredVelocity, NqGeneralMotion& error,
+                                         bool matchTimes, bool zAxisOnly) const;
+
 protected:
     /// The approach velocity for the error of one part, untouched in a mode above 2. Returns the squared
     /// speed below which its change is free.
@@ -114,6 +123,21 @@ private:
             nqComponent(NqAngularWeightToken, &Filter::m_AngularWeight, readOnly),
             nqComponent(NqThresholdToken, &Filter::m_Threshold, readOnly));
     }
+
+    /// The error of the offset point and of the orientation, in the actual frame.
+    struct PlacementError {
+        NqOrientation toActual; ///< from the frame that the placements are in
+        NqVector linear;
+        NqVector angular;
+    };
+
+    bool isModeKnown() const;
+    PlacementError errorBetween(const NqCoordinateSystemTransformation& actualPlacement,
+                                const NqCoordinateSystemTransformation& desiredPlacement,
+                                bool zAxisOnly) const;
+    NqGeneralMotion approach(const PlacementError& error, const NqGeneralMotion& desiredVelocity,
+                             const NqGeneralMotion& previousVelocity, double timeStep, bool matchTimes) const;
+    NqGeneralMotion ofOrigin(const NqOrientation& actual, const NqGeneralMotion& ofOffset) const;
 
     NqXmlVector m_Offset;
     NqXmlBasicType<double> m_LinearVelocityThreshold = 1.0;

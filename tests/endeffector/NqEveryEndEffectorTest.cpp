@@ -347,6 +347,23 @@ TEST_P(EveryEndEffector, WithoutFilteringTheWholeWayIsAskedFor) {
     }
 }
 
+TEST_P(EveryEndEffector, VelocityAndErrorAtOnceAreThoseOfEach) {
+    NqPrintCapture capture; // some targets are none for some types
+    for (const bool isFiltering : {true, false}) {
+        draw(!kind.traits.has(Traits::NoBaseMotion));
+        e.setFilteringActive(isFiltering);
+        Placement target = placement(e);
+        target.setCoordSysXForm(target.coordSysXForm() *
+                                NqCoordinateSystemTransformation(
+                                    NqVector(0.1, -0.2, 0.3), NqOrientation(0.7, NqVector(1.0, 2.0, 2.0))));
+        const Reals desired(Row(e.doc(), 0.1)), previous(Row(e.doc(), -0.2));
+        Reals both(9, 7.0), way(9, 7.0);
+        e.calculateFilteredVelocityAndError(manipulator, target, desired, previous, 0.01, state, both, way);
+        EXPECT_EQ(both, filtered(e, target, desired, previous, 0.01, Reals(9, 7.0)));
+        EXPECT_EQ(way, error(e, target));
+    }
+}
+
 TEST_P(EveryEndEffector, ModeWordsAreTakenInAllSpellings) {
     const Labels& labels = e.editingLabels();
     const auto label = std::find(labels.begin(), labels.end(), std::string("Velocity Profile Type"));

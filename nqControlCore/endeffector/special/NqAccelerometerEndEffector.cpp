@@ -37,8 +37,8 @@ void NqAccelerometerEndEffector::insertRows(const NqRowRequest& request, NqManip
         }
         return;
     }
-    const auto* link = NqLinkLookup::linkOrMessage(
-        manipulator, linkIdentifier(),
+    const auto* link = linkOrMessage(
+        manipulator,
         "NqAccelerometerEndEffector::insertJacobianComponent(): bad label on accelerometer end effector: "
         "%s.\n");
     if (!link) {
@@ -67,8 +67,8 @@ void NqAccelerometerEndEffector::insertBits(const NqRowRequest& request,
         }
         return;
     }
-    const auto* link = NqLinkLookup::linkOrMessage(
-        manipulator, linkIdentifier(),
+    const auto* link = linkOrMessage(
+        manipulator,
         "NqAccelerometerEndEffector::insertSparsityComponent(): bad label on accelerometer end effector: "
         "%s.\n");
     if (!link) {
@@ -87,8 +87,8 @@ void NqAccelerometerEndEffector::insertBits(const NqRowRequest& request,
 void NqAccelerometerEndEffector::calculatePlacement(const NqIndividualManipulator& manipulator,
                                                     NqManipulatorActiveState& state,
                                                     NqEndEffectorPlacement& placement) const {
-    const auto* link = NqLinkLookup::linkOrMessage(
-        manipulator, linkIdentifier(),
+    const auto* link = linkOrMessage(
+        manipulator,
         "NqAccelerometerEndEffector::calculatePlacement(): bad label on accelerometer end effector: %s.\n");
     if (link) {
         const NqOrientation& turn = link->primaryFrameInSystem(state.activePositionState()).orientation();
@@ -100,8 +100,8 @@ void NqAccelerometerEndEffector::calculatePlacement(const NqIndividualManipulato
 bool NqAccelerometerEndEffector::calculateGravityReadingPlacement(const NqIndividualManipulator& manipulator,
                                                                   NqManipulatorActiveState& state,
                                                                   NqEndEffectorPlacement& placement) const {
-    const auto* link = NqLinkLookup::linkOrMessage(
-        manipulator, linkIdentifier(),
+    const auto* link = linkOrMessage(
+        manipulator,
         "NqAccelerometerEndEffector::calculateGravityReadingPlacement(): bad label on accelerometer end "
         "effector: %s.\n");
     if (!link) {
@@ -124,7 +124,7 @@ auto NqAccelerometerEndEffector::rows(const NqIndividualManipulator& manipulator
         const auto joints = m_SagJoints->first(manipulator);
         std::transform(joints.begin(), joints.end(), rows.begin(),
                        [&](unsigned joint) { return numberAt(jointValues, joint); });
-    } else if (const NqManipulatorLink* link = manipulator.linkByLabel(linkIdentifier())) {
+    } else if (const NqManipulatorLink* link = ownLink(manipulator)) {
         const NqVector angular = angularOf(*link);
         rows = {angular.x(), angular.y(), springSum(manipulator, state, jointValues)};
     }

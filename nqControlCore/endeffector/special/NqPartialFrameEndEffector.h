@@ -56,7 +56,7 @@ public:
     virtual bool calculateFrameInSystem(const NqIndividualManipulator& manipulator,
                                         NqManipulatorActiveState& state,
                                         NqCoordinateSystemTransformation& frame) const {
-        const auto* link = manipulator.linkByLabel(this->linkIdentifier());
+        const auto* link = this->ownLink(manipulator);
         if (link) {
             frame = link->primaryFrameInSystem(state.activePositionState()) * this->frameOffset();
         }

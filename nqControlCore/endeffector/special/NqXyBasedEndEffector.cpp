@@ -57,7 +57,7 @@ NqPlanarVector NqXyBasedEndEffector::coordinatesOf(const NqVector& point,
 void NqXyBasedEndEffector::placeCoordinates(const NqIndividualManipulator& manipulator,
                                             NqManipulatorActiveState& state, const char* badLabel,
                                             NqPlanarVector& coordinates) const {
-    if (const auto* link = NqLinkLookup::linkOrMessage(manipulator, linkIdentifier(), badLabel)) {
+    if (const auto* link = linkOrMessage(manipulator, badLabel)) {
         const NqVector place = pointPosition(*link, pointOffset(), state.activePositionState());
         coordinates = coordinatesOf(place, manipulator, state);
     }

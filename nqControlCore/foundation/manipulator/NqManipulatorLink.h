@@ -25,6 +25,9 @@ public:
 
     virtual const std::string& linkLabel() const { return m_Label; }
 
+    /// Its number among all links of the manipulator, as NqIndividualManipulator::link() takes it.
+    unsigned number() const { return static_cast<unsigned>(m_Body); }
+
     /// The joint that moves this link relative to parentLink(); a fixed one for the base.
     virtual const NqJointDescription& joint() const { return m_Carrier->m_Joint; }
 

@@ -14,7 +14,7 @@ endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT NQ_SANITIZE)
     include(CheckCXXSourceCompiles)
     check_cxx_source_compiles("
-        __attribute__((target_clones(\"avx2\", \"default\"))) int twice(int x) { return x + x; }
+        __attribute__((target_clones(\"arch=x86-64-v3\", \"default\"))) int twice(int x) { return x + x; }
         int main() { return twice(0); }" NQ_HAVE_TARGET_CLONES)
     if(NQ_HAVE_TARGET_CLONES)
         target_compile_definitions(nqCompileOptions INTERFACE NQ_HAVE_TARGET_CLONES)

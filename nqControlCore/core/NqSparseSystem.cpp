@@ -187,16 +187,16 @@ inline bool NqSparseSystem::settle(unsigned row) {
     double* const values = m_Rows[row];
     double largest = 0.0;
     unsigned place = m_N;
-    bool isFinite = true;
+    double check = 0.0; // NaN, if one isn't finite
     NqRowMask::forEach(m_Filled[row], [&](unsigned column) {
         const double magnitude = std::abs(values[column]);
-        isFinite = isFinite && std::isfinite(magnitude);
+        check += magnitude * 0.0;
         if (magnitude > largest || (magnitude == largest && m_Place[column] < place)) {
             largest = magnitude;
             place = m_Place[column];
         }
     });
-    if (!isFinite || largest == 0.0) {
+    if (check != 0.0 || largest == 0.0) {
         return false;
     }
     const unsigned column = m_Order[place];
@@ -237,14 +237,14 @@ NQ_WIDE_ROWS bool NqSparseSystem::findBasis(NqReArray& nullSpace) {
             addMultiple(basis, -u[known], nullSpace[known].data(), m_BasisGroups[known], dimension);
             filled |= m_BasisFilled[known];
         });
-        bool isFinite = true;
+        double check = 0.0; // NaN, if one isn't finite
         NqRowMask::forEach(filled, [&](unsigned i) {
             basis[i] *= m_Reciprocal[k];
-            isFinite = isFinite && std::isfinite(basis[i]);
+            check += basis[i] * 0.0;
         });
         m_BasisFilled[m_Order[k]] = filled;
         m_BasisGroups[m_Order[k]] = groupsOf(filled, dimension);
-        if (!isFinite) {
+        if (check != 0.0) {
             return false;
         }
     }

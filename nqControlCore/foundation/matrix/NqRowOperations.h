@@ -11,7 +11,7 @@
 /// for these too, where compiler and C library can choose the one that fits when the program starts (the
 /// build finds that out). Its results are the same to the last bit, since products are never contracted.
 #if defined(NQ_HAVE_TARGET_CLONES) && defined(__OPTIMIZE__)
-#define NQ_WIDE_ROWS __attribute__((target_clones("avx2", "default")))
+#define NQ_WIDE_ROWS __attribute__((target_clones("arch=x86-64-v3", "default")))
 #else
 #define NQ_WIDE_ROWS
 #endif

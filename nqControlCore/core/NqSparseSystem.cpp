@@ -60,7 +60,7 @@ bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indice
     if (m_N != matrix.columns() || m_M != m) {
         m_N = matrix.columns();
         m_M = m;
-        m_Jacobian.reserve(m_M * m_N);
+        m_Jacobian.resize(m_M * m_N);
         m_Multipliers.resize(m_N * m_N / 2);
         m_Reached.fill(0);
         m_IsWorthIt = false;
@@ -89,32 +89,22 @@ bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indice
     return true;
 }
 
-/// Finds the zeros of J, and keeps the rest of it. False where there are too few of them; that is judged
+/// Finds the zeros of J, and keeps J. False where there are too few of them; that is judged
 /// anew when it may have changed.
 NQ_WIDE_ROWS bool NqSparseSystem::findZeros(const NqReArray& matrix) {
     Mask news = 0, changes = 0;
-    unsigned count = 0;
     for (unsigned r = 0; r < m_M; ++r) {
-        m_Filled[r] = NqRowMask::filled(matrix[r].data(), m_N);
+        const double* const row = matrix[r].data();
+        std::memcpy(&m_Jacobian[r * m_N], row, m_N * sizeof(double));
+        m_Filled[r] = NqRowMask::filled(row, m_N);
         news |= m_Filled[r] & ~m_Reached[r];
         changes |= m_Filled[r] ^ m_Reached[r];
-        count += static_cast<unsigned>(std::popcount(m_Filled[r]));
     }
     if (m_IsWorthIt ? news != 0 : changes != 0) {
         m_Reached = m_Filled;
         m_IsWorthIt = fillsFew();
     }
-    if (!m_IsWorthIt) {
-        return false;
-    }
-    m_JacobianFilled = m_Filled;
-    m_Jacobian.resize(count);
-    double* saved = m_Jacobian.data();
-    for (unsigned r = 0; r < m_M; ++r) {
-        const double* const row = matrix[r].data();
-        NqRowMask::forEach(m_Filled[r], [&](unsigned column) { *saved++ = row[column]; });
-    }
-    return true;
+    return m_IsWorthIt;
 }
 
 /// Whether the rows of J stay short when each takes in all columns of those before that it has one in common
@@ -134,10 +124,8 @@ bool NqSparseSystem::fillsFew() const {
 }
 
 void NqSparseSystem::restoreJacobian() {
-    const double* saved = m_Jacobian.data();
     for (unsigned r = 0; r < m_M; ++r) {
-        setToZeros(m_Rows[r], m_N);
-        NqRowMask::forEach(m_JacobianFilled[r], [&](unsigned column) { m_Rows[r][column] = *saved++; });
+        std::memcpy(m_Rows[r], &m_Jacobian[r * m_N], m_N * sizeof(double));
     }
 }
 

@@ -64,8 +64,7 @@ private:
     ForEachRow<const double*> m_Weights; ///< of each joint: one, or those of a row of the metric
     ForEachRow<Mask> m_WeightsFilled;    ///< of a full metric
     bool m_IsDiagonal = true;
-    std::vector<double> m_Jacobian;      ///< what isn't zero in J, row behind row,
-    ForEachRow<Mask> m_JacobianFilled{}; ///< and where it is
-    ForEachRow<Mask> m_Reached{};        ///< where it was when that was judged:
-    bool m_IsWorthIt = false;            ///< whether it has few enough
+    std::vector<double> m_Jacobian; ///< J, row behind row
+    ForEachRow<Mask> m_Reached{};   ///< where it wasn't zero when that was judged:
+    bool m_IsWorthIt = false;       ///< whether that are few enough elements
 };

@@ -198,8 +198,8 @@ std::string NqBenchmark::measureStepTimes() {
             json += ",\n    " + cold.json(title);
         }
     }
-    std::printf("\n%-46s %9s %14s %18s\n", "steps a second of independent loops", "one", "two threads",
-                "made by one thread");
+    std::printf("\n%-46s %9s %14s %18s %11s\n", "steps a second of independent loops", "one", "two threads",
+                "made by one thread", "bytes each");
     for (const auto& makeCase : {NqBenchmarkCases::arm, NqBenchmarkCases::humanoid}) {
         if (const auto benchmarkCase = makeCase(m_Options.models, 256)) {
             const NqThroughput throughput(*benchmarkCase, kTimedSteps, m_Options.isQuick ? 1 : kTimedRuns);

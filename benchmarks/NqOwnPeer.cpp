@@ -10,7 +10,7 @@ constexpr bool kFixedBase = true;
 } // namespace
 
 NqOwnPeer::NqOwnPeer(const NqBenchmarkCase& benchmarkCase, NullSpace nullSpace)
-    : m_Case(benchmarkCase), m_NullSpace(nullSpace),
+    : m_Case(benchmarkCase), m_EndEffectors(benchmarkCase.endEffectors()), m_NullSpace(nullSpace),
       m_Name(nullSpace == NullSpace::Sparse ? "ours, sparse null space" : "ours"),
       m_Position(benchmarkCase.joints()), m_JointVelocity(benchmarkCase.joints()),
       m_State(benchmarkCase.manipulator()), m_Command(benchmarkCase.rows()) {
@@ -53,7 +53,7 @@ void NqOwnPeer::setState(unsigned step) {
 
 void NqOwnPeer::insertJacobian() {
     unsigned row = 0;
-    for (const NqEndEffector& endEffector : m_Case.endEffectors()) {
+    for (const NqEndEffector& endEffector : m_EndEffectors) {
         endEffector.insertJacobianComponent(m_Case.manipulator(), row, endEffector.relativeLinkData(),
                                             kFixedBase, m_State, m_Jacobian);
         row += endEffector.doc();
@@ -62,7 +62,7 @@ void NqOwnPeer::insertJacobian() {
 
 void NqOwnPeer::insertSparsity() {
     unsigned row = 0;
-    for (const NqEndEffector& endEffector : m_Case.endEffectors()) {
+    for (const NqEndEffector& endEffector : m_EndEffectors) {
         endEffector.insertSparsityComponent(m_Case.manipulator(), row, endEffector.relativeLinkData(),
                                             kFixedBase, m_Sparsity);
         row += endEffector.doc();
@@ -71,7 +71,7 @@ void NqOwnPeer::insertSparsity() {
 
 void NqOwnPeer::calculateVelocity() {
     unsigned row = 0;
-    for (const NqEndEffector& endEffector : m_Case.endEffectors()) {
+    for (const NqEndEffector& endEffector : m_EndEffectors) {
         endEffector.calculateVelocity(m_Case.manipulator(), m_State, m_Velocity, row);
         row += endEffector.doc();
     }
@@ -80,9 +80,9 @@ void NqOwnPeer::calculateVelocity() {
 void NqOwnPeer::filterAndCalculateError() {
     for (unsigned e = 0; e < m_Still.size(); ++e) {
         const NqBenchmarkCase::Task& task = m_Case.tasks()[e];
-        m_Case.endEffectors()[e]->calculateFilteredVelocityAndError(
-            m_Case.manipulator(), task.target, m_Still[e], m_Previous[e], NqBenchmarkCase::timeStep(),
-            m_State, m_Filtered[e], m_Errors[e]);
+        m_EndEffectors[e]->calculateFilteredVelocityAndError(m_Case.manipulator(), task.target, m_Still[e],
+                                                             m_Previous[e], NqBenchmarkCase::timeStep(),
+                                                             m_State, m_Filtered[e], m_Errors[e]);
         command(e);
     }
     std::swap(m_Previous, m_Filtered);
@@ -91,9 +91,9 @@ void NqOwnPeer::filterAndCalculateError() {
 void NqOwnPeer::filter() {
     for (unsigned e = 0; e < m_Still.size(); ++e) {
         const NqBenchmarkCase::Task& task = m_Case.tasks()[e];
-        m_Case.endEffectors()[e]->filterEndEffectorVelocity(m_Case.manipulator(), task.target, m_Still[e],
-                                                            m_Previous[e], NqBenchmarkCase::timeStep(),
-                                                            m_State, m_Filtered[e]);
+        m_EndEffectors[e]->filterEndEffectorVelocity(m_Case.manipulator(), task.target, m_Still[e],
+                                                     m_Previous[e], NqBenchmarkCase::timeStep(), m_State,
+                                                     m_Filtered[e]);
         command(e);
     }
     std::swap(m_Previous, m_Filtered);
@@ -105,8 +105,8 @@ void NqOwnPeer::command(unsigned e) {
 
 void NqOwnPeer::calculateError() {
     for (unsigned e = 0; e < m_Still.size(); ++e) {
-        m_Case.endEffectors()[e]->calculateEndEffectorError(m_Case.manipulator(), m_Case.tasks()[e].target,
-                                                            m_State, m_Errors[e]);
+        m_EndEffectors[e]->calculateEndEffectorError(m_Case.manipulator(), m_Case.tasks()[e].target, m_State,
+                                                     m_Errors[e]);
     }
 }
 

@@ -48,6 +48,7 @@ private:
     void command(unsigned endEffector);
 
     const NqBenchmarkCase& m_Case;
+    NqEndEffectorVector m_EndEffectors; ///< of its own: they have working fields
     NullSpace m_NullSpace;
     std::string m_Name;
     double m_Alpha = NqBenchmarkCase::alpha();

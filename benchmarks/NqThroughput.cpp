@@ -10,6 +10,8 @@
 #include <memory>
 #include <thread>
 
+#include <malloc.h>
+
 namespace {
 
 constexpr unsigned kMostThreads = 2;
@@ -47,9 +49,18 @@ double stepsPerSecond(const NqBenchmarkCase& benchmarkCase, unsigned threads, un
     return threads * steps / std::chrono::duration<double>(end - start).count();
 }
 
+/// Memory of a loop after its first step.
+std::size_t bytesOfLoop(const NqBenchmarkCase& benchmarkCase) {
+    const std::size_t before = mallinfo2().uordblks;
+    const auto loop = std::make_unique<NqOwnPeer>(benchmarkCase);
+    loop->step(0);
+    return mallinfo2().uordblks - before;
+}
+
 } // namespace
 
-NqThroughput::NqThroughput(const NqBenchmarkCase& benchmarkCase, unsigned steps, unsigned runs) {
+NqThroughput::NqThroughput(const NqBenchmarkCase& benchmarkCase, unsigned steps, unsigned runs)
+    : m_Bytes(bytesOfLoop(benchmarkCase)) {
     for (unsigned run = 0; run < runs; ++run) {
         m_Alone = std::max(m_Alone, stepsPerSecond(benchmarkCase, 1, steps, false));
         m_OwnLoops = std::max(m_OwnLoops, stepsPerSecond(benchmarkCase, 2, steps, false));
@@ -58,6 +69,6 @@ NqThroughput::NqThroughput(const NqBenchmarkCase& benchmarkCase, unsigned steps,
 }
 
 std::string NqThroughput::text(const std::string& title) const {
-    return NqBenchmarkText::formatted("  %-44s %9.0f %14.2f %18.2f\n", title.c_str(), m_Alone,
-                                      m_OwnLoops / m_Alone, m_LoopsOfOne / m_Alone);
+    return NqBenchmarkText::formatted("  %-44s %9.0f %14.2f %18.2f %11zu\n", title.c_str(), m_Alone,
+                                      m_OwnLoops / m_Alone, m_LoopsOfOne / m_Alone, m_Bytes);
 }

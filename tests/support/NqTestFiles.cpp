@@ -1,5 +1,8 @@
 #include "support/NqTestFiles.h"
 
+#include <fstream>
+#include <iterator>
+
 // The only source that knows the place of the project, so that the others compile the same everywhere.
 std::string nqModelFile(const std::string& name) {
     return NQ_PROJECT "/models" + name;
@@ -15,4 +18,8 @@ std::string nqHeaderFile(const std::string& name) {
 }
 std::string nqCorpusFolder() {
     return NQ_PROJECT "/tests/fuzz/corpus/";
+}
+std::string nqContentOf(const std::string& fileName) {
+    std::ifstream stream(fileName, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
 }

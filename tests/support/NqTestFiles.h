@@ -12,3 +12,5 @@ std::string nqGoldenFile(const std::string& name = {});
 std::string nqHeaderFile(const std::string& name = {});
 /// The folder of what fuzzing has found, with a folder for each target in it.
 std::string nqCorpusFolder();
+
+std::string nqContentOf(const std::string& fileName);

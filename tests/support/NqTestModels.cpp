@@ -90,8 +90,7 @@ double nqDrawn(std::mt19937_64& random, double least, double greatest) {
 
 NqVector nqRandomVector(std::mt19937_64& random) {
     std::uniform_real_distribution<double> uniform(-1.0, 1.0);
-    const double x = uniform(random);
-    const double y = uniform(random);
+    const double x = uniform(random), y = uniform(random);
     return {x, y, uniform(random)};
 }
 
@@ -129,8 +128,7 @@ NqManipulatorActiveState nqMoved(NqManipulatorActiveState& state, double time) {
     NqVelocityState velocity = state.velocityState();
     const NqAccelerationState& acceleration = state.accelerationState();
     for (unsigned i = 0; i < position.jointPositions().size(); ++i) {
-        const double rate = velocity.jointVelocities()[i];
-        const double change = acceleration.jointAccelerations()[i];
+        const double rate = velocity.jointVelocities()[i], change = acceleration.jointAccelerations()[i];
         position.jointPositions()[i] += rate * time + 0.5 * change * time * time;
         velocity.jointVelocities()[i] += change * time;
     }

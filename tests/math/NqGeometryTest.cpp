@@ -1,12 +1,6 @@
-#include <nqControlCore/foundation/math/NqNonNegReal.h>
+#include "support/NqTesting.h"
 #include <nqControlCore/foundation/math/NqPlanarVector.h>
 #include <nqControlCore/foundation/math/NqSpatialMatrix.h>
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <cmath>
 
 namespace {
 
@@ -94,9 +88,7 @@ TEST(Orientation, AgreesWithItsDirectionCosines) {
             back.setFromDcmColumns(images[0], images[1], images[2]);
             Quaternion q = quaternion(orientation);
             const double largest = *std::ranges::max_element(q, {}, [](double c) { return std::fabs(c); });
-            for (double& component : q) {
-                component = std::copysign(1.0, largest) * component;
-            }
+            std::ranges::for_each(q, [&](double& c) { c *= std::copysign(1.0, largest); });
             expectNear(quaternion(back), q, 1e-14);
         }
     }

@@ -1,11 +1,8 @@
 #pragma once
 
-#include <nqControlCore/foundation/matrix/NqReArray.h>
+#include "support/NqTesting.h"
 
-#include <algorithm>
-#include <cmath>
-#include <random>
-#include <vector>
+#include <nqControlCore/foundation/matrix/NqReArray.h>
 
 using NqRandom = std::mt19937;
 
@@ -23,9 +20,7 @@ inline NqReArray nqArray(const std::vector<std::vector<double>>& rows) {
 
 inline std::vector<double> nqRandomVector(NqRandom& random, unsigned size) {
     std::vector<double> values(size);
-    for (double& value : values) {
-        value = nqUniform(random);
-    }
+    std::ranges::generate(values, [&] { return nqUniform(random); });
     return values;
 }
 

@@ -1,11 +1,6 @@
 #include "NqArrayTesting.h"
 
 #include <nqControlCore/foundation/manipulator/NqJacobianState.h>
-#include <support/NqPrintCapture.h>
-
-#include <gtest/gtest.h>
-
-#include <numeric>
 
 namespace {
 

@@ -1,12 +1,5 @@
 #include "NqArrayTesting.h"
 
-#include <support/NqPrintCapture.h>
-
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <sstream>
-
 namespace {
 
 using Numbers = std::vector<double>;

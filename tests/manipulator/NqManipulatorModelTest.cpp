@@ -1,13 +1,8 @@
-#include <support/NqPrintCapture.h>
-#include <support/NqTestModels.h>
+#include "support/NqTesting.h"
 
 #include <nqControlCore/foundation/manipulator/NqGravitationalTorqueTool.h>
 #include <nqControlCore/foundation/manipulator/NqMatrixDTool.h>
 #include <nqControlCore/foundation/matrix/NqReArray.h>
-
-#include <gtest/gtest.h>
-
-#include <numbers>
 
 namespace {
 
@@ -43,8 +38,7 @@ protected:
         m_Momenta.setManipulator(m_Manipulator);
     }
 
-    template <typename Check>
-    void forEachLink(Check check) {
+    void forEachLink(auto check) {
         for (unsigned number = 0; number < m_Manipulator.numberOfLinks(); ++number) {
             SCOPED_TRACE(m_Manipulator.link(number)->linkLabel());
             check(*m_Manipulator.link(number));

@@ -1,6 +1,4 @@
-#include <support/NqPrintCapture.h>
-#include <support/NqTestModels.h>
-#include <support/NqXmlRoundTrip.h>
+#include "support/NqTesting.h"
 
 namespace {
 

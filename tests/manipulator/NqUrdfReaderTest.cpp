@@ -1,13 +1,9 @@
-#include <support/NqPrintCapture.h>
+#include "support/NqTesting.h"
 
-#include <nqControlCore/foundation/manipulator/NqIndividualManipulator.h>
 #include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
-
-#include <gtest/gtest.h>
 
 #include <cstdio>
 #include <ctime>
-#include <fstream>
 #include <locale>
 
 namespace {
@@ -93,8 +89,7 @@ std::string inertial(const std::string& mass) {
                  "<inertia ixx='1' ixy='0' ixz='0' iyy='1' iyz='0' izz='1'/></inertial></link>");
 }
 /// The texts of the numbers below a count, one after the other.
-template <typename TextOf>
-std::string repeated(int count, TextOf textOf) {
+std::string repeated(int count, auto textOf) {
     std::string text;
     for (int i = 0; i < count; ++i) {
         text += textOf(std::to_string(i));
@@ -114,8 +109,7 @@ std::string attribute(const std::string& number) {
 TEST(UrdfReader, RefusesBadDescriptionsAndLeavesTheManipulator) {
     struct BadDescription {
         const char* name;
-        std::string text;
-        std::string complaint;
+        std::string text, complaint;
     };
     const BadDescription cases[] = {
         {"Empty", "", "line"},

@@ -1,26 +1,15 @@
-#include "support/NqTestFiles.h"
+#include "support/NqTesting.h"
 
 #include <nqControlCore/xml/NqControlCoreInfo.h>
 #include <nqControlCore/xml/NqControlCoreTokens.h>
 
 #include <nqControlCore/endeffector/NqEndEffectorMap.h>
 
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <map>
 #include <regex>
-#include <sstream>
 
 namespace {
 
 using namespace NqControlCore;
-
-std::string contentOf(const std::string& fileName) {
-    std::stringstream text;
-    text << std::ifstream(fileName).rdbuf();
-    return text.str();
-}
 
 /// Constants follow the naming rule, and the names are those of the files that exist.
 TEST(NqControlCoreTokens, AreTheWholeVocabulary) {
@@ -32,7 +21,7 @@ TEST(NqControlCoreTokens, AreTheWholeVocabulary) {
         {"LinkWeights", "jointWeights"},
         {"RCMEndEffector", "rcmEndEffector"},
         {"TriggerLinkLabel", "triggerLink"}};
-    const std::string header = contentOf(nqHeaderFile("/xml/NqControlCoreTokens.h"));
+    const std::string header = nqContentOf(nqHeaderFile("/xml/NqControlCoreTokens.h"));
     const std::regex constant("NqToken Nq(\\w+)Token =\\s+ns \\+ \"(\\w+)\";");
     std::string names;
     for (std::sregex_iterator each(header.begin(), header.end(), constant), end; each != end; ++each) {
@@ -42,7 +31,7 @@ TEST(NqControlCoreTokens, AreTheWholeVocabulary) {
         EXPECT_EQ((*each)[2], exception == exceptions.end() ? byRule : exception->second);
         names += (*each)[2].str() + "\n";
     }
-    EXPECT_EQ(names, contentOf(nqGoldenFile("/vocabulary.txt")));
+    EXPECT_EQ(names, nqContentOf(nqGoldenFile("/vocabulary.txt")));
     EXPECT_EQ(NqEndEffectorMap().token(), NqEndEffectorMapToken);
     EXPECT_EQ(NqLinkLabelsToken.token(), "http://nq.example/namespace/ct#jointLabels");
     EXPECT_FALSE(NqOneNormToken == ns + "oneNorm" || NqTwoNormToken == ns + "twoNorm");

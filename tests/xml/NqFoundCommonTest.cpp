@@ -1,9 +1,6 @@
 #include "matrix/NqArrayTesting.h"
-#include "support/NqPrintCapture.h"
 
 #include <nqControlCore/xml/NqFoundCommonCollections.h>
-
-#include <gtest/gtest.h>
 
 namespace {
 

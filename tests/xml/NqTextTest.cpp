@@ -1,11 +1,8 @@
-#include "support/NqPrintCapture.h"
+#include "support/NqTesting.h"
 
 #include <nqControlCore/foundation/text/NqTextConversion.h>
 
-#include <gtest/gtest.h>
-
 #include <atomic>
-#include <limits>
 #include <thread>
 
 namespace {

@@ -1,7 +1,5 @@
 #include "NqXmlTestClasses.h"
 
-#include <sstream>
-
 namespace {
 
 using Numbers = std::vector<double>;

@@ -10,97 +10,82 @@ struct ReadingCase {
     const char* message = "";
 };
 
-std::shared_ptr<NqXmlObject> shapes(std::initializer_list<double> sides) {
-    const auto vector = std::make_shared<NqTestShapeVector>();
+NqTestShapeVector shapes(std::initializer_list<double> sides) {
+    NqTestShapeVector vector;
     for (const double side : sides) {
-        vector->pushBack(NqTestSquare(side));
+        vector.pushBack(NqTestSquare(side));
     }
     return vector;
 }
 
-std::shared_ptr<NqXmlObject> shapeMap() {
-    const auto map = std::make_shared<NqTestShapeMap>();
-    map->add("k", NqTestSquare(2.0));
-    return map;
-}
-
-std::shared_ptr<NqXmlObject> map() {
-    const auto map = std::make_shared<NqTestMap>();
-    map->add(1, 0.5);
-    return map;
-}
-
 class NqXmlCollectionReading : public testing::TestWithParam<ReadingCase> {};
 
-const auto a = made(NqTestTexts{"a"});
+const auto a = made(NqTestTexts{"a"}), kMap = made(nqHolding<NqTestMap>(std::tuple(std::uint16_t{1}, 0.5))),
+           kShapeMap = made(nqHolding<NqTestShapeMap>(std::tuple("k", NqTestSquare(2.0))));
 const std::string kA = "<group><value>a</value></group>";
 const std::string kPair = "<element><key>1</key><value>0.5</value></element>";
 const std::string kSquare = "<element><key>k</key><square><size>2</size></square></element>";
 
-INSTANTIATE_TEST_SUITE_P(
-    Documents, NqXmlCollectionReading,
-    testing::Values(
-        ReadingCase{"NoCount", a, ">" + kA, 3, "-- 0, actual -- 1"},
-        ReadingCase{"HighCount", a, " count='4294967295'>" + kA, 3,
-                    "NqXmlVectorType Error: array size not equal to attribute value -- "},
-        ReadingCase{"NegativeCount", a, " count='-3'>" + kA, 3,
-                    "-- -3, actual -- 1Filename: in.xml, Line count: 1\n"},
-        ReadingCase{"CountWithTail", a, " count='1 or so'>" + kA},
-        ReadingCase{"NoContent", made(NqTestTexts()), " count='3'/>"},
-        ReadingCase{"NoElements", made(NqTestTexts()), " count='3'>", 3, "-- 3, actual -- 0"},
-        ReadingCase{"SeveralGroups", made(NqTestTexts{"a", "a"}), " count='2'>" + kA + kA},
-        ReadingCase{"ValuesInElements", a, " count='1'><element>a</element>"},
-        ReadingCase{"ElementInValue", made(NqTestTexts{"", "b"}),
-                    " count='2'><group><value>a<i>x</i></value><value>b</value></group>", 4,
-                    "element \"i\" stands where a value is expected"},
-        ReadingCase{"BadNumberKeepsItsPlace", made(NqTestReals{1.0, 0.0, 3.0}),
-                    " count='3'><group><value>1</value><value>?</value><value>3</value></group>", 4,
-                    "\"?\" is no value of element \"value\""},
-        ReadingCase{"BadElementKeepsWhatItHas", made(NqXmlVectorType<NqTestSquare>{NqTestSquare(3.0)}),
-                    " count='1'><element><size>3</size><filteringMode>x</filteringMode></element>", 4,
-                    "\"x\" is no value of element \"filteringMode\""},
-        ReadingCase{"Set", made(NqTestSet()), " count='2'>", 3,
-                    "NqXmlSetType Error: set size not equal to attribute value -- 2, actual -- 0"},
-        ReadingCase{"NoShapes", shapes({}), " count='3'/>"},
-        ReadingCase{
-            "Shapes", shapes({2.0}), " count='2'><square><size>2</size></square>", 3,
-            "NqXmlVariableVectorType Error: array size not equal to attribute value -- 2, actual -- 1"},
-        ReadingCase{"Unregistered", shapes({2.0, 4.0}),
-                    " count='2'><square><size>2</size></square><star><size>9</size></star>"
-                    "<square><size>4</size></square>",
-                    4,
-                    "NqXmlVariableVectorType::readValueFromToken() error:\n\t\"star\" tag not registered.\n"
-                    "Filename: in.xml, Line count: 1\n"},
-        ReadingCase{"RegisteredForAnotherClass", shapes({}), "><count/>", 4,
-                    "\"count\" tag not registered.\n"},
-        ReadingCase{"OfAnotherNamespace", shapes({}), "><square xmlns='urn:other'/>", 4,
-                    "\"square\" tag not registered.\n"},
-        ReadingCase{"BadField", shapes({1.0}), " count='1'><square><size>wide</size></square>", 4,
-                    "\"wide\" is no value of element \"size\""},
-        ReadingCase{"LaterStays", map(), "><element><key>1</key><value>9</value></element>" + kPair},
-        ReadingCase{"NoElement", map(), "><entry/>" + kPair, 4,
-                    "NqXmlMapType Error: file not valid.\n\tKey map format not correct.\n\tFile: "
-                    "in.xml\n\tLine: 1\tExpected "},
-        ReadingCase{"NoKey", map(), "><element><value>1</value></element>" + kPair, 4,
-                    "\tExpected key but received value."},
-        ReadingCase{"NoValue", map(), "><element><key>2</key></element>" + kPair, 4,
-                    "\tExpected value but received nothing."},
-        ReadingCase{"EmptyEntry", map(), "><element/>" + kPair, 4, "\tExpected key but received nothing."},
-        ReadingCase{"BadKey", map(), "><element><key>65536</key><value>1</value></element>" + kPair, 4,
-                    "\"65536\" is no value of element \"key\""},
-        ReadingCase{"BadValue", map(), "><element><key>0</key><value>x</value></element>" + kPair, 4,
-                    "\"x\" is no value of element \"value\""},
-        ReadingCase{"VariableRepeats", shapeMap(), ">" + kSquare + "<element><key>k</key><circle/></element>",
-                    4,
-                    "NqXmlVariableMapType::read() error:\n\t\"k\" key in XML map more than once.\n"
-                    "Filename: in.xml, Line count: 1\n"},
-        ReadingCase{"VariableUnregistered", shapeMap(), "><element><key>s</key><star/></element>" + kSquare,
-                    4, "NqXmlVariableMapType::read() error:\n\t\"star\" tag not registered.\n"},
-        ReadingCase{
-            "VariableForm", shapeMap(), "><square/>" + kSquare, 4,
-            "NqXmlVariableMapType Error: file not valid.\n\tKey map format not correct.\n\tFile: in.xml"
-            "\n\tLine: 1\tExpected element but received square.\n"}),
-    [](const auto& which) { return which.param.name; });
+const ReadingCase kVectors[] = {
+    {"NoCount", a, ">" + kA, 3, "-- 0, actual -- 1"},
+    {"HighCount", a, " count='4294967295'>" + kA, 3,
+     "NqXmlVectorType Error: array size not equal to attribute value -- "},
+    {"NegativeCount", a, " count='-3'>" + kA, 3, "-- -3, actual -- 1Filename: in.xml, Line count: 1\n"},
+    {"CountWithTail", a, " count='1 or so'>" + kA},
+    {"NoContent", made(NqTestTexts()), " count='3'/>"},
+    {"NoElements", made(NqTestTexts()), " count='3'>", 3, "-- 3, actual -- 0"},
+    {"SeveralGroups", made(NqTestTexts{"a", "a"}), " count='2'>" + kA + kA},
+    {"ValuesInElements", a, " count='1'><element>a</element>"},
+    {"ElementInValue", made(NqTestTexts{"", "b"}),
+     " count='2'><group><value>a<i>x</i></value><value>b</value></group>", 4,
+     "element \"i\" stands where a value is expected"},
+    {"BadNumberKeepsItsPlace", made(NqTestReals{1.0, 0.0, 3.0}),
+     " count='3'><group><value>1</value><value>?</value><value>3</value></group>", 4,
+     "\"?\" is no value of element \"value\""},
+    {"BadElementKeepsWhatItHas", made(NqXmlVectorType<NqTestSquare>{NqTestSquare(3.0)}),
+     " count='1'><element><size>3</size><filteringMode>x</filteringMode></element>", 4,
+     "\"x\" is no value of element \"filteringMode\""},
+    {"Set", made(NqTestSet()), " count='2'>", 3,
+     "NqXmlSetType Error: set size not equal to attribute value -- 2, actual -- 0"},
+    {"NoShapes", made(shapes({})), " count='3'/>"},
+    {"Shapes", made(shapes({2.0})), " count='2'><square><size>2</size></square>", 3,
+     "NqXmlVariableVectorType Error: array size not equal to attribute value -- 2, actual -- 1"},
+    {"Unregistered", made(shapes({2.0, 4.0})),
+     " count='2'><square><size>2</size></square><star><size>9</size></star>"
+     "<square><size>4</size></square>",
+     4,
+     "NqXmlVariableVectorType::readValueFromToken() error:\n\t\"star\" tag not registered.\n"
+     "Filename: in.xml, Line count: 1\n"},
+    {"RegisteredForAnotherClass", made(shapes({})), "><count/>", 4, "\"count\" tag not registered.\n"},
+    {"OfAnotherNamespace", made(shapes({})), "><square xmlns='urn:other'/>", 4,
+     "\"square\" tag not registered.\n"},
+    {"BadField", made(shapes({1.0})), " count='1'><square><size>wide</size></square>", 4,
+     "\"wide\" is no value of element \"size\""}};
+
+const ReadingCase kMaps[] = {
+    {"LaterStays", kMap, "><element><key>1</key><value>9</value></element>" + kPair},
+    {"NoElement", kMap, "><entry/>" + kPair, 4,
+     "NqXmlMapType Error: file not valid.\n\tKey map format not correct.\n\tFile: "
+     "in.xml\n\tLine: 1\tExpected "},
+    {"NoKey", kMap, "><element><value>1</value></element>" + kPair, 4, "\tExpected key but received value."},
+    {"NoValue", kMap, "><element><key>2</key></element>" + kPair, 4,
+     "\tExpected value but received nothing."},
+    {"EmptyEntry", kMap, "><element/>" + kPair, 4, "\tExpected key but received nothing."},
+    {"BadKey", kMap, "><element><key>65536</key><value>1</value></element>" + kPair, 4,
+     "\"65536\" is no value of element \"key\""},
+    {"BadValue", kMap, "><element><key>0</key><value>x</value></element>" + kPair, 4,
+     "\"x\" is no value of element \"value\""},
+    {"VariableRepeats", kShapeMap, ">" + kSquare + "<element><key>k</key><circle/></element>", 4,
+     "NqXmlVariableMapType::read() error:\n\t\"k\" key in XML map more than once.\n"
+     "Filename: in.xml, Line count: 1\n"},
+    {"VariableUnregistered", kShapeMap, "><element><key>s</key><star/></element>" + kSquare, 4,
+     "NqXmlVariableMapType::read() error:\n\t\"star\" tag not registered.\n"},
+    {"VariableForm", kShapeMap, "><square/>" + kSquare, 4,
+     "NqXmlVariableMapType Error: file not valid.\n\tKey map format not correct.\n\tFile: in.xml"
+     "\n\tLine: 1\tExpected element but received square.\n"}};
+
+INSTANTIATE_TEST_SUITE_P(Vectors, NqXmlCollectionReading, testing::ValuesIn(kVectors), nqCaseName);
+INSTANTIATE_TEST_SUITE_P(Maps, NqXmlCollectionReading, testing::ValuesIn(kMaps), nqCaseName);
 
 TEST_P(NqXmlCollectionReading, GivesResultAndMessage) {
     const auto& [caseName, expected, content, printType, message] = GetParam();
@@ -137,11 +122,11 @@ TEST(NqXmlVariableVectorType, SpeaksOfEachLibraryOnce) {
          {std::pair(3U, 3U), std::pair(3000U, 201U)}) { // the last: of others
         NqPrintCapture print;
         NqTestShapeVector vector;
-        std::string document = "<endEffectorVector count='0'>";
-        for (unsigned i = 0; i < libraries; ++i) {
-            document += "<addLibraries><library>l</library></addLibraries>";
-        }
-        EXPECT_TRUE(NqXmlDocument::readString(document + "</endEffectorVector>", vector));
+        EXPECT_TRUE(NqXmlDocument::readString(
+            "<endEffectorVector count='0'>" +
+                nqRepeated("<addLibraries><library>l</library></addLibraries>", libraries) +
+                "</endEffectorVector>",
+            vector));
         EXPECT_TRUE(vector.addLibraries().size() == libraries && print.lines().size() == messages);
     }
 }

@@ -1,7 +1,5 @@
 #include "NqXmlTestClasses.h"
 
-#include <sstream>
-
 namespace {
 
 /// The element of an object without what is as by default.
@@ -136,6 +134,33 @@ TEST(NqXmlCompoundType, LeavesOutDefaultsOnRequest) {
         EXPECT_EQ(text.find("filteringMode"), std::string::npos);
         EXPECT_EQ(text.find("size") == std::string::npos, side == 3.0) << text;
     }
+}
+
+/// A class that adds to its tables by hand.
+struct NqTestTagged : NqTestSquare {
+    using NqTestSquare::isReadOnlyAttribute;
+    using NqTestSquare::isReadOnlyComponent;
+    void registerComponents() override {
+        NqTestSquare::registerComponents();
+        registerAttributeComponentReadOnly(NqXml::NqCountToken, &m_Tag);
+    }
+    NqXmlBasicType<int> m_Tag{0};
+};
+
+TEST(NqXmlCompoundType, ReadsWhatItDoesNotWrite) {
+    NqTestTagged tagged;
+    ASSERT_TRUE(NqXmlDocument::readString("<square type='given' count='7'/>", tagged));
+    EXPECT_TRUE(tagged.m_Tag == 7 && tagged.m_Name == "given");
+    EXPECT_EQ(nqWritten(tagged).find("count"), std::string::npos);
+
+    EXPECT_TRUE(tagged.hasChildren() && tagged.hasAttributes());
+    EXPECT_TRUE(tagged.isReadOnlyAttribute(NqXml::NqCountToken));
+    EXPECT_TRUE(tagged.isReadOnlyComponent(NqControlCore::NqPositionToken));
+    EXPECT_FALSE(tagged.isReadOnlyAttribute(NqControlCore::NqTypeToken));
+    EXPECT_FALSE(tagged.isReadOnlyComponent(NqControlCore::NqSizeToken));
+    tagged.specialDescriptorMap()[NqXml::NqCountToken] = 4;
+    nqWritten(tagged); // tables that were asked for stay
+    EXPECT_EQ(tagged.specialDescriptorMap().at(NqXml::NqCountToken), 4U);
 }
 
 } // namespace

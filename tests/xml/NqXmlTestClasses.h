@@ -1,17 +1,14 @@
 #pragma once
 
-#include "support/NqPrintCapture.h"
-#include "support/NqXmlRoundTrip.h"
+#include "support/NqSchemaValidator.h"
+#include "support/NqTesting.h"
 
 #include <nqControlCore/foundation/xml/NqXmlEnumType.h>
-#include <nqControlCore/foundation/xml/NqXmlPersistent.h>
 #include <nqControlCore/xml/NqControlCoreTokens.h>
 #include <nqControlCore/xml/NqXmlMapType.h>
 #include <nqControlCore/xml/NqXmlSetType.h>
 #include <nqControlCore/xml/NqXmlVariableMapType.h>
 #include <nqControlCore/xml/NqXmlVariableVectorType.h>
-
-#include <memory>
 
 using NqTestText = NqXmlBasicType<std::string>;
 using NqTestTexts = NqXmlVectorType<NqTestText>;
@@ -19,9 +16,8 @@ using NqTestReals = NqXmlVectorType<NqXmlBasicType<double>>;
 using NqTestMap = NqXmlMapType<NqXmlBasicType<unsigned short>, NqXmlBasicType<double>>;
 using NqTestSet = NqXmlSetType<NqTestText>;
 
-template <typename Object>
-std::shared_ptr<NqXmlObject> made(const Object& object) {
-    return std::make_shared<Object>(object);
+std::shared_ptr<NqXmlObject> made(const auto& object) {
+    return std::shared_ptr<NqXmlObject>(object.clone());
 }
 
 /// Persistent classes to try the framework with: an abstract one, two below it, and what holds them.
@@ -77,24 +73,21 @@ public:
     double area() const override { return 3.0; }
 };
 
-class NqTestShapeVector : public NqXmlConcrete<NqTestShapeVector, NqXmlVariableVectorType<NqTestShape>> {
+/// A collection of squares and circles.
+template <typename Base, const NqToken& name>
+class NqTestShapes : public NqXmlConcrete<NqTestShapes<Base, name>, Base> {
 public:
-    static const NqToken& classToken() { return NqControlCore::NqEndEffectorVectorToken; }
+    static const NqToken& classToken() { return name; }
     void registerComponentCreators() override {
-        registerComponentCreator(NqTestSquare::classToken(), NqTestSquare::creator);
-        registerComponentCreator(NqTestCircle::classToken(), NqTestCircle::creator);
-        registerComponentCreator("count", NqTestTexts::creator); // which is no shape
+        this->registerComponentCreator(NqTestSquare::classToken(), NqTestSquare::creator);
+        this->registerComponentCreator(NqTestCircle::classToken(), NqTestCircle::creator);
+        this->registerComponentCreator("count", NqTestTexts::creator); // which is no shape
     }
 };
-
-class NqTestShapeMap : public NqXmlConcrete<NqTestShapeMap, NqXmlVariableMapType<NqTestText, NqTestShape>> {
-public:
-    static const NqToken& classToken() { return NqControlCore::NqEndEffectorMapToken; }
-    void registerComponentCreators() override {
-        registerComponentCreator(NqTestSquare::classToken(), NqTestSquare::creator);
-        registerComponentCreator(NqTestCircle::classToken(), NqTestCircle::creator);
-    }
-};
+using NqTestShapeVector =
+    NqTestShapes<NqXmlVariableVectorType<NqTestShape>, NqControlCore::NqEndEffectorVectorToken>;
+using NqTestShapeMap =
+    NqTestShapes<NqXmlVariableMapType<NqTestText, NqTestShape>, NqControlCore::NqEndEffectorMapToken>;
 
 /// An owner whose squares are others than a square is by itself.
 class NqTestHolder : public NqXmlPersistent<NqTestHolder, NqXmlCompoundType> {
@@ -112,3 +105,11 @@ private:
                                nqComponent(NqControlCore::NqEndEffectorVectorToken, &NqTestHolder::m_Shapes));
     }
 };
+
+/// A collection with an entry for each of the argument lists of its add().
+template <typename Collection, typename... Entries>
+Collection nqHolding(const Entries&... entries) {
+    Collection collection;
+    (std::apply([&](const auto&... entry) { collection.add(entry...); }, entries), ...);
+    return collection;
+}

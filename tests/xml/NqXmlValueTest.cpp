@@ -1,14 +1,9 @@
 #include "NqXmlTestClasses.h"
 #include "matrix/NqArrayTesting.h"
-#include "support/NqSchemaValidator.h"
 
 #include <nqControlCore/foundation/text/NqTextConversion.h>
 
 #include <bit>
-#include <functional>
-#include <limits>
-#include <random>
-#include <sstream>
 
 namespace {
 
@@ -22,9 +17,7 @@ TEST(NqXmlValue, RealsKeepTheirBits) {
         reals.pushBack(real == real ? real : 1.0);
     }
     NqTestReals single;
-    for (const double real : reals) {
-        single.pushBack(real);
-    }
+    std::ranges::for_each(reals, [&](double real) { single.pushBack(real); });
     const NqTestReals entries = nqThroughXml(single);
     EXPECT_TRUE(nqSameBits(nqThroughXml(reals).values(), reals.values()));
     EXPECT_TRUE(nqSameBits({entries.begin(), entries.end()}, reals.values()));
@@ -182,6 +175,18 @@ TEST(NqXmlWriter, RefusesWhatXmlCannotHold) {
         EXPECT_FALSE(NqXmlDocument::writeString(document, NqTestTexts{"fine", text}));
         EXPECT_TRUE(print.contains("a text holds characters that XML cannot") && document == "kept");
     }
+}
+
+TEST(NqXmlWriter, KeepsATallyOfLinks) {
+    std::ostringstream stream;
+    NqXmlWriter writer("links.xml", stream);
+    EXPECT_FALSE(writer.schemaWriter());
+    writer.setLinkTotal(3);
+    writer.incrementLinkCount();
+    writer.incrementLinkCount();
+    EXPECT_TRUE(writer.linkCount() == 2 && writer.linkTotal() == 3);
+    writer.resetLinkCount();
+    EXPECT_TRUE(writer.linkCount() == 0 && writer.linkTotal() == 3);
 }
 
 } // namespace

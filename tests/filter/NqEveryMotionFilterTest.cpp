@@ -1,24 +1,16 @@
-#include "support/NqPrintCapture.h"
+#include "support/NqTesting.h"
 
 #include <nqControlCore/filter/NqGeneralMotionFilter.h>
 #include <nqControlCore/filter/NqPointMotionFilter.h>
 #include <nqControlCore/filter/NqRotationMotionFilter.h>
 #include <nqControlCore/filter/NqScalarMotionFilter.h>
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cmath>
-#include <random>
-
 namespace {
 
 /// Limits of the linear or the angular part of a motion, as they are without a speed factor.
 struct Limits {
-    double speed;
-    double acceleration;
-    double deceleration;
-    double gain;
+    double speed, acceleration;
+    double deceleration, gain;
 };
 
 /// Where a point and an orientation are, where they shall be, and how they move.
@@ -72,9 +64,7 @@ struct Kind {
     bool (*ask)(const Kind&, const Filters&, const Pose&, double step, NqVector& linear, NqVector& angular);
     const char* operation; ///< in the message about a bad mode
     unsigned dimensions;   ///< of the linear part, 0 where there is none
-    bool turns = false;
-    bool zAxisOnly = false;
-    bool matchTimes = false;
+    bool turns = false, zAxisOnly = false, matchTimes = false;
 };
 
 bool ask3D(const Kind&, const Filters& filters, const Pose& pose, double step, NqVector& linear, NqVector&) {
@@ -274,8 +264,7 @@ TEST_P(EveryMotionFilter, ReachesItsTargetFromRestWithinItsLimits) {
         const Limits angularLimits = randomLimits();
         configure(linearLimits, angularLimits, kFactors[i % 3], range(0.2, 1.0));
         start(range(0.01, 1.0), range(0.01, 2.0));
-        double way = linearDistance();
-        double angle = angularDistance();
+        double way = linearDistance(), angle = angularDistance();
         const auto remaining = [&] { return std::max(way, angle); };
         for (unsigned step = 0; step < 2000 && remaining() > closeEnough; ++step) {
             NqVector linear, angular, wantedLinear, wantedAngular;
@@ -342,8 +331,7 @@ TEST_P(EveryMotionFilter, BadModeIsReportedAndLeavesTheOutput) {
             filter->setFilteringMode(3 + m_Mode);
             filter->setFilteringActive(isActive);
         }
-        NqVector linear(1.0, 0.0, 0.0);
-        NqVector angular;
+        NqVector linear(1.0, 0.0, 0.0), angular;
         NqPrintCapture capture;
         const bool done = m_Kind.ask(m_Kind, m_Filters, m_Pose, kStep, linear, angular);
         ASSERT_EQ(done, !isActive && !m_Kind.turns);

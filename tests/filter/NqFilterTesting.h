@@ -1,8 +1,12 @@
 #pragma once
 
-#include <nqControlCore/foundation/math/NqCoordinateSystemTransformation.h>
+#include "support/NqTesting.h"
 
-#include <gtest/gtest.h>
+#include <nqControlCore/filter/NqGeneralMotionAccFilter.h>
+#include <nqControlCore/filter/NqGeneralMotionFilter.h>
+#include <nqControlCore/filter/NqPointMotionFilter.h>
+#include <nqControlCore/filter/NqRotationMotionFilter.h>
+#include <nqControlCore/filter/NqScalarMotionFilter.h>
 
 /// A placement from which frames can be told apart.
 inline const NqCoordinateSystemTransformation kActual({0.3, -0.2, 0.5}, NqOrientation(0.7, {0.2, -0.5, 0.4}));

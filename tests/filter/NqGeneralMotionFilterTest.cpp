@@ -1,9 +1,4 @@
 #include "filter/NqFilterTesting.h"
-#include "support/NqXmlRoundTrip.h"
-
-#include <nqControlCore/filter/NqGeneralMotionFilter.h>
-
-#include <cmath>
 
 namespace {
 

@@ -1,9 +1,6 @@
+#include "support/NqTesting.h"
+
 #include <nqControlCore/filter/NqPointMotionFilter.h>
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
 
 namespace {
 
@@ -68,9 +65,7 @@ TEST(NqPointMotionFilter, ThreeHalvesTakesExponentAndFeedForwardByDimension) {
         return std::pow(k / std::pow(d, n), 1.0 / (n + 1.0)) * d;
     };
     filter.setExponent(0.75);
-    const double w = 0.01;
-    const double previous3D = speed(0.75) + 2.0 * w;
-    const double previous2D = speed(0.5) + w;
+    const double w = 0.01, previous3D = speed(0.75) + 2.0 * w, previous2D = speed(0.5) + w;
     EXPECT_NEAR(velocityIn3D(filter, {d, 0, 0}, {w, 0, 0}, {previous3D, 0, 0}, 1e-3).x(), previous3D, 1e-14);
     EXPECT_NEAR(velocityIn2D(filter, {d, 0}, {w, 0}, {previous2D, 0}, 1e-3).x(), previous2D, 1e-14);
 }

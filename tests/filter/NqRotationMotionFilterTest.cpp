@@ -1,10 +1,5 @@
 #include "filter/NqFilterTesting.h"
 
-#include <nqControlCore/filter/NqRotationMotionFilter.h>
-
-#include <cmath>
-#include <numbers>
-
 namespace {
 
 using Filter = NqRotationMotionFilter;

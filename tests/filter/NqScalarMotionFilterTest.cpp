@@ -1,8 +1,6 @@
+#include "support/NqTesting.h"
+
 #include <nqControlCore/filter/NqScalarMotionFilter.h>
-
-#include <gtest/gtest.h>
-
-#include <cmath>
 
 namespace {
 

@@ -1,11 +1,6 @@
+#include "support/NqTesting.h"
+
 #include <nqControlCore/filter/NqTrapezoidalProfileTool.h>
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <random>
 
 namespace {
 
@@ -66,8 +61,7 @@ TEST(NqTrapezoidalProfileTool, AgreesWithMovesPutTogetherFromTheirParts) {
         move.start = i % 10 == 0 ? 0.0 : sign() * range(0.1, 1.0) * move.maxVelocity;
         move.distance = i % 10 == 1 ? 0.0 : sign() * std::exp(range(-6.0, 1.0));
         const double fastest = move.fastest();
-        const bool startsTowards = move.start * move.distance >= 0.0;
-        const bool turns = move.start * fastest < 0.0;
+        const bool startsTowards = move.start * move.distance >= 0.0, turns = move.start * fastest < 0.0;
         const unsigned cruises = std::abs(fastest) == move.maxVelocity ? 1 : 0;
         const unsigned kind = startsTowards ? (turns ? 0 : 1 + cruises) : 3 + cruises;
         const double factor = range(0.3, 3.0);
@@ -88,8 +82,7 @@ TEST(NqTrapezoidalProfileTool, AgreesWithMovesPutTogetherFromTheirParts) {
         // The tool's equation is for moves that speed up to their cruise: any after turning first, and those
         // towards the target that cruise no slower than they start. At the very minimum of time rounding
         // decides.
-        const double slowest = std::max(move.start / fastest, 0.02);
-        const double share = 0.97 * range(slowest, 1.0);
+        const double slowest = std::max(move.start / fastest, 0.02), share = 0.97 * range(slowest, 1.0);
         if ((kind == 0 && move.distance != 0.0) || share < slowest) {
             continue;
         }

@@ -1,5 +1,4 @@
-#include "support/NqTestModels.h"
-#include "support/NqXmlRoundTrip.h"
+#include "support/NqTesting.h"
 
 #include <nqControlCore/core/NqControlParameters.h>
 #include <nqControlCore/core/NqCoreResult.h>
@@ -7,8 +6,6 @@
 #include <nqControlCore/core/NqManipulatorEndEffectorForce.h>
 #include <nqControlCore/core/NqSupplementalControlState.h>
 #include <nqControlCore/core/NqVelocityControlData.h>
-
-#include <gtest/gtest.h>
 
 #include <regex>
 

@@ -2,12 +2,6 @@
 
 #include <nqControlCore/core/NqCoreVelocityControlTool.h>
 #include <nqControlCore/foundation/manipulator/NqJacobianState.h>
-#include <support/NqPrintCapture.h>
-
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <numeric>
 
 namespace {
 

@@ -1,11 +1,5 @@
 #include "endeffector/NqEndEffectorTest.h"
 
-#include <nqControlCore/endeffector/special/NqDirectionalFrameEndEffector.h>
-#include <nqControlCore/foundation/xml/NqXmlDocument.h>
-
-#include <array>
-#include <cmath>
-
 namespace {
 
 using Frame = NqDirectionalFrameEndEffector;

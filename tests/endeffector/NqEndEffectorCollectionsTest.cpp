@@ -1,13 +1,8 @@
-#include "support/NqPrintCapture.h"
-#include "support/NqXmlRoundTrip.h"
+#include "support/NqTesting.h"
 
 #include <nqControlCore/endeffector/NqEndEffectorMap.h>
 #include <nqControlCore/endeffector/NqEndEffectorTypes.h>
 #include <nqControlCore/endeffector/NqEndEffectorVector.h>
-
-#include <gtest/gtest.h>
-
-#include <memory>
 
 namespace {
 

@@ -1,24 +1,13 @@
 #pragma once
 
+#include "support/NqTesting.h"
+
 #include <nqControlCore/endeffector/NqEndEffectorTypes.h>
-#include <nqControlCore/foundation/xml/NqXmlDocument.h>
-
-#include "support/NqTestFiles.h"
-#include "support/NqTestModels.h"
-
-#include <cmath>
-#include <functional>
-#include <map>
-#include <memory>
-#include <stdexcept>
-#include <string>
-#include <vector>
 
 /// The axes that an end-effector's rows may be in: those of its own frame, and those of the link that it is
 /// relative to, which are the system's where there is none.
 struct NqRowAxes {
-    NqOrientation own;
-    NqOrientation reference;
+    NqOrientation own, reference;
 };
 
 /// What sets a type apart from the ordinary.
@@ -89,8 +78,7 @@ inline std::vector<double> nqProjected(const NqEndEffector& any, const NqGeneral
     NqOrientation plane = axes.reference * e.xyOrientation();
     if (e.projectAlongSystemVector()) {
         // By the angle between the lines of the normal and of the vector, about what both are normal to.
-        const NqVector normal = plane.zAxis();
-        const NqVector about = normal.cross(e.systemVector());
+        const NqVector normal = plane.zAxis(), about = normal.cross(e.systemVector());
         plane =
             NqOrientation(std::atan2(about.mag(), std::fabs(normal.dot(e.systemVector()))), about) * plane;
     }

@@ -1,18 +1,8 @@
 #pragma once
 
 #include "matrix/NqArrayTesting.h"
-#include "support/NqPrintCapture.h"
-#include "support/NqTestModels.h"
 
-#include <nqControlCore/endeffector/NqEndEffector.h>
-#include <nqControlCore/foundation/matrix/NqReArray.h>
-
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <utility>
-#include <vector>
+#include <nqControlCore/endeffector/NqEndEffectorTypes.h>
 
 /// A manipulator in a state, and what end-effectors give there. What an operation leaves of a list shows if
 /// it is handed over; else the list is new, but for errors, which are to replace all that is in theirs.

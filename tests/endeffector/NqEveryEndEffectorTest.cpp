@@ -1,13 +1,8 @@
 #include "endeffector/NqEndEffectorSamples.h"
 #include "endeffector/NqEndEffectorTest.h"
 #include "support/NqSchemaValidator.h"
-#include "support/NqXmlRoundTrip.h"
 
 #include <nqControlCore/endeffector/NqEndEffectorVector.h>
-
-#include <cmath>
-#include <fstream>
-#include <sstream>
 
 namespace {
 
@@ -72,15 +67,12 @@ protected:
     }
 
     static Reals scaled(Reals values, double factor) {
-        for (double& value : values) {
-            value *= factor;
-        }
+        std::ranges::for_each(values, [=](double& value) { value *= factor; });
         return values;
     }
 
     /// Central differences of what `valueOf` gives.
-    template <typename ValueOf>
-    Reals differences(ValueOf valueOf) {
+    Reals differences(auto valueOf) {
         constexpr double h = 1e-5;
         NqManipulatorActiveState present = state;
         state = nqMoved(present, -h);
@@ -383,9 +375,8 @@ TEST_P(EveryEndEffector, ModeWordsAreTakenInAllSpellings) {
         for (const std::string& word : words) {
             for (const std::string before : {"proportional", "trapezoidal"}) {
                 for (const std::string& each : {before, word}) {
-                    Labels values = e.editableValues();
-                    values[place] = each;
-                    e.setEditableValues(values);
+                    e.setEditableValue(place, each);
+                    e.setEditableValues();
                 }
                 EXPECT_EQ(e.editableValues()[place].value(), isMode ? words[0] : before) << word;
             }
@@ -482,9 +473,8 @@ TEST_P(EveryEndEffector, GoldenFileReadsAndEachOfItsFieldsCounts) {
     const std::unique_ptr<NqEndEffector> golden = kind.makeDefault();
     ASSERT_TRUE(NqXmlDocument::readFile(kind.goldenFile(), *golden)) << capture.text();
     EXPECT_EQ(capture.text(), "");
-    std::stringstream file;
-    file << std::ifstream(kind.goldenFile()).rdbuf();
-    const std::string text = file.str();
+    const std::string text = nqContentOf(kind.goldenFile());
+    std::stringstream file(text);
     EXPECT_EQ(nqWritten(*golden), text);
 
     for (std::string line; std::getline(file, line);) {

@@ -1,10 +1,6 @@
 #include "endeffector/NqEndEffectorTest.h"
 
 #include <nqControlCore/core/NqControlParameters.h>
-#include <nqControlCore/endeffector/special/NqCoordinatedJointEndEffector.h>
-#include <nqControlCore/endeffector/special/NqOneDofGripperEndEffector.h>
-
-#include <cmath>
 
 namespace {
 

@@ -1,11 +1,5 @@
 #include "endeffector/NqEndEffectorTest.h"
 
-#include <nqControlCore/endeffector/special/NqCenterOfMassEndEffector.h>
-#include <nqControlCore/endeffector/special/NqProjectedCenterOfMassEndEffector.h>
-#include <nqControlCore/endeffector/special/NqSpatialMomentumEndEffector.h>
-
-#include <cmath>
-
 namespace {
 
 NqRigidBodyMassProperties pointMass(double mass, const NqVector& place) {

@@ -1,9 +1,5 @@
 #include "endeffector/NqEndEffectorTest.h"
 
-#include <nqControlCore/endeffector/NqEndEffectorTypes.h>
-
-#include <cmath>
-
 namespace {
 
 /// An arm of 7 joints in a pose at random, with a frame, placed obliquely in its hand, for all end-effectors.

@@ -1,11 +1,5 @@
 #include "endeffector/NqEndEffectorTest.h"
 
-#include <nqControlCore/endeffector/NqFrameEndEffector.h>
-#include <nqControlCore/endeffector/NqOrientationEndEffector.h>
-#include <nqControlCore/endeffector/NqPointEndEffector.h>
-
-#include <cmath>
-
 namespace {
 
 /// The hand of a planar arm, links of 0.5 and 0.4, turned by 0.3 about x against the lower link; joints at

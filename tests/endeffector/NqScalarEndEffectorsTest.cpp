@@ -1,12 +1,5 @@
 #include "endeffector/NqEndEffectorTest.h"
 
-#include <nqControlCore/endeffector/NqAxisRotateEndEffector.h>
-#include <nqControlCore/endeffector/NqLinearConstraintEndEffector.h>
-#include <nqControlCore/endeffector/NqPointDistanceEndEffector.h>
-#include <nqControlCore/foundation/xml/NqXmlDocument.h>
-
-#include <cmath>
-
 namespace {
 
 /// A planar arm, joints at 0.4 and 0.7.
@@ -142,8 +135,7 @@ TEST_F(NqPlanarNumbers, AxisAngleIsMeasuredFromTheRightAngle) {
     const double lean = std::sin(0.9);
     const double x = lean * std::sin(0.7); // z leans to -y of the lower link
     EXPECT_NEAR(number(axis), std::acos(x) - std::acos(0.0), 1e-15);
-    const double slope = -1.0 / std::sqrt(1.0 - x * x);
-    const double turn = lean * std::cos(0.7);
+    const double slope = -1.0 / std::sqrt(1.0 - x * x), turn = lean * std::cos(0.7);
     EXPECT_NEAR(row(axis, internalTo("upper"))[0], slope * (turn - 2.0 * turn), 1e-14);
 }
 

@@ -1,10 +1,5 @@
 #include "endeffector/NqEndEffectorTest.h"
 
-#include <nqControlCore/endeffector/special/NqSewAngleEndEffector.h>
-
-#include <cmath>
-#include <numbers>
-
 namespace {
 
 /// base - shoulder - swing, both about z - wrist, along z: the elbow swings by the second joint.

@@ -1,9 +1,5 @@
 #include "endeffector/NqEndEffectorTest.h"
 
-#include <nqControlCore/endeffector/NqEndEffectorTypes.h>
-
-#include <numbers>
-
 namespace {
 
 /// The hand of a planar arm stretched out along x of the system, at (0.9, 0, 0.1) and turning at 2 rad/s, and
@@ -32,6 +28,10 @@ TEST_F(NqXyOnHand, CoordinatesErrorAndCommandAreInConstraintAxes) {
     x.setMotionThreshold(0.25);
     x.setAccelerationThreshold(1e3);
     expectNear(filtered(x, target, {0.0, 5.0}, {0.0, 5.0}, 0.1), {0.25}, 1e-15);
+
+    x.setEditableValue(8, "0.5");
+    x.setEditableValues();
+    EXPECT_EQ(x.pointMotionFilter().decelerationThreshold(), 0.5) << "one value is both limits";
 }
 
 TEST_F(NqXyOnHand, TheRelativeLinkTurnsTheAxesAndOnlyTheRowsMoveWithIt) {
@@ -79,12 +79,6 @@ TEST_F(NqXyOnHand, ALostLinkIsNamedByEachClass) {
               "NqXyEndEffector::insertSparsityComponent(): bad label on end effector: lost.\n"
               "NqXEndEffector::calculate1DPointPlacement(): bad label on point end effector: lost.\n"
               "NqXEndEffector::calculatePlacement(): bad label on end effector: lost.\n");
-}
-
-TEST_F(NqXyOnHand, OneEditableValueSetsBothLimitsOfAcceleration) {
-    x.setEditableValue(8, "0.5");
-    x.setEditableValues();
-    EXPECT_EQ(x.pointMotionFilter().decelerationThreshold(), 0.5);
 }
 
 } // namespace

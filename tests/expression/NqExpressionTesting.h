@@ -1,13 +1,9 @@
 #pragma once
 
-#include "support/NqPrintCapture.h"
-#include "support/NqXmlRoundTrip.h"
+#include "support/NqTesting.h"
 
 #include <nqControlCore/expression/NqExpressionContainer.h>
 #include <nqControlCore/expression/NqExpressionScalarConstant.h>
-#include <nqControlCore/foundation/xml/NqXmlVectorBasicType.h>
-
-#include <string>
 
 /// Documents of expressions, put together from elements.
 namespace nqExpression {
@@ -43,8 +39,7 @@ inline std::string textOf(const NqReArray& matrix) {
 }
 
 struct TreeCase {
-    std::string name;
-    std::string tree;
+    std::string name, tree;
     std::string value;        ///< of what could be read
     std::string message = {}; ///< in the one line that reading or evaluation prints; none if empty
     bool result = true;       ///< of reading

@@ -123,13 +123,16 @@ const TreeCase kValues[] = {
 
 class NqExpressionValue : public testing::TestWithParam<TreeCase> {};
 
-INSTANTIATE_TEST_SUITE_P(Trees, NqExpressionValue, testing::ValuesIn(kValues),
-                         [](const auto& which) { return which.param.name; });
+INSTANTIATE_TEST_SUITE_P(Trees, NqExpressionValue, testing::ValuesIn(kValues), nqCaseName);
 
 TEST_P(NqExpressionValue, IsThatOfTheTree) {
     const NqExpressionContainer expression = goThrough(GetParam());
     static const NqSchemaValidator theSchema(expression, "expression");
     EXPECT_TRUE(theSchema.accepts(nqWritten(expression)));
+}
+
+void goThroughAll(const std::vector<TreeCase>& cases) {
+    std::ranges::for_each(cases, goThrough);
 }
 
 std::string constants(std::size_t count) {
@@ -142,26 +145,23 @@ std::string chain(std::size_t depth) {
 
 TEST(NqExpressionReading, TakesWhatItKnowsAndTellsOfTheRest) {
     const std::string unknown = " is not known here";
-    const TreeCase cases[] = {
-        {"three", element("minus", number("5") + number("9") + number("1")), "4;"},
-        {"two", element("negative", number("5") + number("9")), "-9;"},
-        {"two trees", number("5") + number("9"), "9;"},
-        {"library", element("addLibraries", element("library", "x")) + number("5"), "5;",
-         "library \"x\" is not loaded"},
-        {"after", number("5") + element("stranger"), "5;", "\"stranger\"" + unknown, false},
-        {"within", element("minus", number("5") + element("stranger", number("3")) + number("1")), "4;",
-         "\"stranger\"" + unknown + " and is skipped -- file: (text), line: 1\n", false},
-        {"container", element("plus", element("expressionContainer") + number("2")), "2;",
-         "\"expressionContainer\"" + unknown, false},
-        {"bad number", element("plus", number("5") + number("x")), "5;",
-         "\"x\" is no value of element \"scalarConstant\"", false},
-        {"bad size", element("identityMatrix", element("size", "4294967296")), "1;",
-         "\"4294967296\" is no value", false},
-        {"child of a leaf", element("identityMatrix", number("3")), "1;", "\"scalarConstant\"" + unknown},
-        {"of another class", element("unit"), "", "\"unit\"" + unknown, false}};
-    for (const TreeCase& which : cases) {
-        goThrough(which);
-    }
+    goThroughAll(
+        {{"three", element("minus", number("5") + number("9") + number("1")), "4;"},
+         {"two", element("negative", number("5") + number("9")), "-9;"},
+         {"two trees", number("5") + number("9"), "9;"},
+         {"library", element("addLibraries", element("library", "x")) + number("5"), "5;",
+          "library \"x\" is not loaded"},
+         {"after", number("5") + element("stranger"), "5;", "\"stranger\"" + unknown, false},
+         {"within", element("minus", number("5") + element("stranger", number("3")) + number("1")), "4;",
+          "\"stranger\"" + unknown + " and is skipped -- file: (text), line: 1\n", false},
+         {"container", element("plus", element("expressionContainer") + number("2")), "2;",
+          "\"expressionContainer\"" + unknown, false},
+         {"bad number", element("plus", number("5") + number("x")), "5;",
+          "\"x\" is no value of element \"scalarConstant\"", false},
+         {"bad size", element("identityMatrix", element("size", "4294967296")), "1;",
+          "\"4294967296\" is no value", false},
+         {"child of a leaf", element("identityMatrix", number("3")), "1;", "\"scalarConstant\"" + unknown},
+         {"of another class", element("unit"), "", "\"unit\"" + unknown, false}});
 }
 
 TEST(NqExpressionReading, LeavesNoHalfOfAnExpression) {
@@ -183,19 +183,15 @@ TEST(NqExpressionReading, BoundsHostileTrees) {
         sum = element("plus", element("lessThan", large + number("1")) + sum);
     }
     const std::string tooMany = "the expression has more than 65536 elements";
-    const TreeCase cases[] = {
-        {"256", element("plus", constants(256)), "2;"},
-        {"many in one", element("plus", constants(100'000)), "2;",
-         "more than 256 elements stand in one of an expression -- file: (text), line: 1\n", false},
-        {"65536", constants(65536), "1;"},
-        {"65537", constants(65537), "1;", tooMany + " -- file: (text), line: 1\n", false},
-        {"wide", element("plus", wide) + number("3"), "3;"},
-        {"too wide", element("plus", wide) + wide + number("3"), "2;", tooMany, false},
-        {"large", sum, "", "take more than 500000000 bytes together"},
-        {"deep", chain(255), "", "nested deeper than 256 elements", false}};
-    for (const TreeCase& which : cases) {
-        goThrough(which);
-    }
+    goThroughAll({{"256", element("plus", constants(256)), "2;"},
+                  {"many in one", element("plus", constants(100'000)), "2;",
+                   "more than 256 elements stand in one of an expression -- file: (text), line: 1\n", false},
+                  {"65536", constants(65536), "1;"},
+                  {"65537", constants(65537), "1;", tooMany + " -- file: (text), line: 1\n", false},
+                  {"wide", element("plus", wide) + number("3"), "3;"},
+                  {"too wide", element("plus", wide) + wide + number("3"), "2;", tooMany, false},
+                  {"large", sum, "", "take more than 500000000 bytes together"},
+                  {"deep", chain(255), "", "nested deeper than 256 elements", false}});
     NqExpressionContainer expression;
     for (int i = 0; i < 2; ++i) { // of which each counts anew
         EXPECT_TRUE(NqXmlDocument::readString(document(constants(40'000)), expression));

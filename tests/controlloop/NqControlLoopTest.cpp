@@ -1,9 +1,6 @@
 #include "controlloop/NqControlLoopTesting.h"
-#include "support/NqPrintCapture.h"
 #include "support/NqSchemaValidator.h"
-#include "support/NqXmlRoundTrip.h"
-
-#include <gtest/gtest.h>
+#include "support/NqTesting.h"
 
 namespace {
 
@@ -67,8 +64,7 @@ TEST(NqControlLoop, TakesTargetsByNameInBothFrames) {
 TEST(NqControlLoop, FollowsATargetThatMoves) {
     NqArm7Loop arm((NqControlLoopSettings()));
     NqControlLoop& loop = arm.loop;
-    const NqVector start = loop.placements()[0].translation();
-    const NqVector velocity(0.0, 0.1, 0.0);
+    const NqVector start = loop.placements()[0].translation(), velocity(0.0, 0.1, 0.0);
     for (int i = 0; i < 2000; ++i) {
         loop.setTarget("hand", NqControlTarget::place(start + loop.time() * velocity)
                                    .withVelocity({velocity.x(), velocity.y(), velocity.z()}));

@@ -1,13 +1,6 @@
-#include "support/NqTestModels.h"
+#include "support/NqTesting.h"
 
 #include <nqControlLoop/NqJointBounds.h>
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <limits>
-#include <random>
 
 namespace {
 

@@ -1,13 +1,8 @@
 #pragma once
 
-#include "support/NqTestModels.h"
+#include "support/NqTesting.h"
 
-#include <nqControlCore/foundation/matrix/NqReArray.h>
-
-#include <algorithm>
-#include <cmath>
-#include <random>
-#include <vector>
+#include <nqControlLoop/NqLimitedVelocityTool.h>
 
 /// A random problem for the limited solver: rows of full rank, a positive definite metric, bounds of the
 /// sizes that the rates have, and a velocity that some rates in the bounds give.

@@ -1,11 +1,6 @@
 #include "controlloop/NqLimitedProblem.h"
 
 #include <nqControlLoop/NqBoundedLeastSquares.h>
-#include <nqControlLoop/NqLimitedVelocityTool.h>
-
-#include <gtest/gtest.h>
-
-#include <numeric>
 
 namespace {
 

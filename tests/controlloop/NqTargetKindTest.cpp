@@ -2,10 +2,6 @@
 
 #include <nqControlLoop/NqTargetKind.h>
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
 namespace {
 
 /// Every type that files can hold is named once, and its parts cover rows that it has.

@@ -1,12 +1,8 @@
+#include "support/NqTesting.h"
+
 #include <NqDriveOptions.h>
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <fstream>
 #include <iterator>
-#include <sstream>
 
 namespace {
 
@@ -103,11 +99,8 @@ TEST(NqDriveTargetFile, ReadsWayPointsAndNamesTheLineOfABadOne) {
         EXPECT_NE(complaint.find(words), std::string::npos) << complaint;
         EXPECT_TRUE(std::all_of(complaint.begin(), complaint.end(), [](char c) { return c >= ' '; }));
     }
-    std::string many;
-    for (int i = 0; i < 10001; ++i) {
-        many += "0,0,0\n";
-    }
-    EXPECT_NE(read(many).second.find(":10001: more than 10000 way points"), std::string::npos);
+    EXPECT_NE(read(nqRepeated("0,0,0\n", 10001)).second.find(":10001: more than 10000 way points"),
+              std::string::npos);
 }
 
 } // namespace

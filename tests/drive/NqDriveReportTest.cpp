@@ -7,9 +7,6 @@
 
 #include <libxml/parser.h>
 
-#include <algorithm>
-#include <memory>
-
 namespace {
 
 bool isWellFormed(const std::string& text) {

@@ -1,14 +1,8 @@
 #pragma once
 
-#include "support/NqTestFiles.h"
+#include "support/NqTesting.h"
 
 #include <NqDriveRun.h>
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <fstream>
-#include <stdexcept>
 
 inline std::string writeTemporary(const std::string& name, const std::string& text) {
     const std::string file = testing::TempDir() + name;
@@ -40,8 +34,7 @@ public:
     }
     void wayPointReached(const NqDriveRun&) override { ++reached; }
 
-    unsigned slowed = 0;
-    unsigned reached = 0;
+    unsigned slowed = 0, reached = 0;
 };
 
 class NqDriveFixture : public testing::Test {

@@ -1,18 +1,11 @@
 #pragma once
 
-#include "support/NqTestFiles.h"
+#include "support/NqTesting.h"
 
-#include <nqControlCore/foundation/math/NqVector.h>
+#include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstdlib>
+#include <cstdio>
 #include <filesystem>
-#include <span>
-#include <string>
-#include <vector>
 
 // What comparisons with other libraries have in common.
 
@@ -43,6 +36,28 @@ inline std::string nqCrossCheckName(const testing::TestParamInfo<std::string>& i
     const std::string stem = info.param.substr(info.param.find_last_of('/') + 1);
     return stem.substr(0, stem.find('.'));
 }
+
+/// A description that this library and another one read, in one state after the other.
+template <typename Model>
+class NqCrossCheckTest : public testing::TestWithParam<std::string> {
+protected:
+    void SetUp() override { ASSERT_TRUE(m_Model.read(GetParam())); }
+
+    /// Sets state after state, and takes the largest deviation that `deviationOf()` gives.
+    void expectAgreement(const char* what, double tolerance, auto deviationOf) {
+        std::mt19937_64 random(kCrossCheckSeed);
+        double largest = 0.0;
+        for (int pose = 0; pose < kCrossCheckPoses; ++pose) {
+            m_Model.setRandomState(random);
+            const double deviation = deviationOf();
+            EXPECT_LE(deviation, tolerance) << what << ", pose " << pose << ", seed " << kCrossCheckSeed;
+            largest = std::max(largest, deviation);
+        }
+        std::printf("%s: %s within %.1e\n", GetParam().c_str(), what, largest);
+    }
+
+    Model m_Model;
+};
 
 // The distance of what we have from the reference, relative to the size of that (at least 1).
 

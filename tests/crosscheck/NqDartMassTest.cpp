@@ -3,19 +3,15 @@
 #include <nqControlCore/endeffector/special/NqCenterOfMassEndEffector.h>
 #include <nqControlCore/endeffector/special/NqSagEndEffector.h>
 #include <nqControlCore/endeffector/special/NqSpatialMomentumEndEffector.h>
-#include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
 #include <nqControlCore/foundation/matrix/NqReArray.h>
 
 #include <NqDartSkeleton.h>
-#include <support/NqTestModels.h>
 
 #include <dart/dynamics/BodyNode.hpp>
 #include <dart/dynamics/DegreeOfFreedom.hpp>
 #include <dart/dynamics/FreeJoint.hpp>
 
 #include <cstdio>
-#include <fstream>
-#include <sstream>
 
 namespace {
 
@@ -133,8 +129,7 @@ private:
 
     /// Adds up what `valueOf` makes of the place of each body, its angular momentum about that, and its
     /// linear one. DART's own momenta are in the axes of the body.
-    template <typename ValueOf>
-    NqVector sumOverBodies(ValueOf valueOf) const {
+    NqVector sumOverBodies(auto valueOf) const {
         Eigen::Vector3d sum = Eigen::Vector3d::Zero();
         for (const dart::dynamics::BodyNode* body : m_Skeleton->getBodyNodes()) {
             const Eigen::Isometry3d& frame = body->getWorldTransform();
@@ -151,29 +146,10 @@ private:
     std::vector<unsigned> m_Joints; ///< our indices of DART's joints, in its order
 };
 
-class DartMass : public testing::TestWithParam<std::string> {
-protected:
-    /// DART keeps the turn of the base as a rotation vector, which costs it digits where the turn is small.
-    static constexpr double kTolerance = 1.0e-10;
+using DartMass = NqCrossCheckTest<NqDartModel>;
 
-    void SetUp() override { ASSERT_TRUE(m_Model.read(GetParam())); }
-
-    /// Sets state after state, and takes the largest deviation that `deviationOf()` gives.
-    template <typename DeviationOf>
-    void expectAgreement(const char* what, DeviationOf deviationOf) {
-        std::mt19937_64 random(kCrossCheckSeed);
-        double largest = 0.0;
-        for (int pose = 0; pose < kCrossCheckPoses; ++pose) {
-            m_Model.setRandomState(random);
-            const double deviation = deviationOf();
-            EXPECT_LE(deviation, kTolerance) << what << ", pose " << pose << ", seed " << kCrossCheckSeed;
-            largest = std::max(largest, deviation);
-        }
-        std::printf("%s: %s within %.1e\n", GetParam().c_str(), what, largest);
-    }
-
-    NqDartModel m_Model;
-};
+/// DART keeps the turn of the base as a rotation vector, which costs it digits where the turn is small.
+constexpr double kTolerance = 1.0e-10;
 
 /// The columns of three rows from a first one on.
 std::vector<NqVector> columnsOf(const NqReArray& j, unsigned row) {
@@ -187,17 +163,17 @@ std::vector<NqVector> columnsOf(const NqReArray& j, unsigned row) {
 TEST_P(DartMass, CenterOfMass) {
     const NqIndividualManipulator& manipulator = m_Model.manipulator();
     const NqCenterOfMassEndEffector e;
-    expectAgreement("placement of the centre of mass constraint", [&] {
+    expectAgreement("placement of the centre of mass constraint", kTolerance, [&] {
         NqEndEffectorPlacement placement;
         e.calculatePlacement(manipulator, m_Model.state(), placement);
         return nqDeviation(m_Model.centerOfMass(), placement.coordSysXForm().translation());
     });
-    expectAgreement("its velocity", [&] {
+    expectAgreement("its velocity", kTolerance, [&] {
         NqXmlRealVector v;
         e.calculateVelocity(manipulator, m_Model.state(), v, 0);
         return nqDeviation(m_Model.centerOfMassVelocity(), NqVector(v[0], v[1], v[2]));
     });
-    expectAgreement("its rows", [&] {
+    expectAgreement("its rows", kTolerance, [&] {
         NqReArray j;
         e.insertJacobianComponent(manipulator, 0, {}, true, m_Model.state(), j);
         std::vector<NqVector> ours = columnsOf(j, 0);
@@ -223,7 +199,7 @@ TEST_P(DartMass, GravityTorques) {
     e.setSpringConstants(NqXmlRealVector(labels.size(), 2.0));
     for (const NqVector& gravity : {NqVector(e.gravity().value()), NqVector(3.0, -5.0, 2.0)}) {
         e.setGravity(gravity);
-        expectAgreement("torques in the sag residual", [&] {
+        expectAgreement("torques in the sag residual", kTolerance, [&] {
             NqEndEffectorPlacement placement;
             e.calculatePlacement(manipulator, m_Model.state(), placement);
             std::vector<double> torques = m_Model.state().positionState().jointPositions();
@@ -239,7 +215,7 @@ TEST_P(DartMass, Momenta) {
     const NqIndividualManipulator& manipulator = m_Model.manipulator();
     const NqSpatialMomentumEndEffector e;
     NqReArray j;
-    expectAgreement("rows of momentum times rates", [&] {
+    expectAgreement("rows of momentum times rates", kTolerance, [&] {
         e.insertJacobianComponent(manipulator, 0, {}, false, m_Model.state(), j);
         std::vector<double> x = m_Model.state().velocityState().jointVelocities();
         const NqGeneralMotion& base = m_Model.state().velocityState().baseMotion();
@@ -251,7 +227,7 @@ TEST_P(DartMass, Momenta) {
         return std::max(nqDeviation(m_Model.linearMomentum(), NqVector(p[0], p[1], p[2])),
                         nqDeviation(m_Model.angularMomentum(), NqVector(p[3], p[4], p[5])));
     });
-    expectAgreement("rows of momentum", [&] {
+    expectAgreement("rows of momentum", kTolerance, [&] {
         e.insertJacobianComponent(manipulator, 0, {}, true, m_Model.state(), j);
         return std::max(
             nqDeviation(m_Model.momentaOfUnitRates(&NqDartModel::linearMomentum), columnsOf(j, 0)),

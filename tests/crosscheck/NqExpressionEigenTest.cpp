@@ -1,17 +1,11 @@
 #include "expression/NqExpressionTesting.h"
-#include "support/NqPrintCapture.h"
 
 #include <nqControlCore/expression/NqExpressionBaseBinary.h>
 #include <nqControlCore/expression/NqExpressionBaseUnary.h>
 
-#include <gtest/gtest.h>
-
 #include <Eigen/Core>
 
 #include <bit>
-#include <functional>
-#include <map>
-#include <random>
 
 // Expressions drawn at random, each node evaluated by Eigen from what its children give.
 
@@ -27,13 +21,11 @@ struct Result {
 
 using Operation = std::function<Result(const Matrix& left, const Matrix* right)>;
 
-template <typename Value>
-Result rounded(const Value& value) {
+Result rounded(const auto& value) {
     return {value, 1e-15 * Matrix(value).cwiseAbs()};
 }
 
-template <typename Test>
-Operation comparison(Test test) {
+Operation comparison(auto test) {
     return [test](const Matrix& l, const Matrix* r) -> Result {
         const Index rows = r ? std::min(l.rows(), r->rows()) : 0,
                     columns = r ? std::min(l.cols(), r->cols()) : 0;

@@ -1,17 +1,12 @@
 #include "controlloop/NqLimitedProblem.h"
 
-#include <nqControlLoop/NqLimitedVelocityTool.h>
-
-#include <gtest/gtest.h>
-
 #include <glpk.h>
 
 namespace {
 
 /// The greatest s with J x = s v in the bounds, by the simplex method.
 double greatestScale(const NqLimitedProblem& problem) {
-    const int m = static_cast<int>(problem.velocity.size());
-    const int n = static_cast<int>(problem.lower.size());
+    const int m = static_cast<int>(problem.velocity.size()), n = static_cast<int>(problem.lower.size());
     glp_prob* const program = glp_create_prob();
     glp_set_obj_dir(program, GLP_MAX);
     glp_add_cols(program, n + 1);
@@ -50,8 +45,7 @@ double greatestScale(const NqLimitedProblem& problem) {
 /// The factor of the solver under bounds against that of the linear program, on 10,000 random problems.
 TEST(NqLimitedVelocityTool, SlowsNoMoreThanTheLinearProgram) {
     std::mt19937_64 random(1234);
-    unsigned slowed = 0;
-    unsigned worse = 0;
+    unsigned slowed = 0, worse = 0;
     double worst = 0.0;
     for (unsigned trial = 0; trial < 10000; ++trial) {
         const auto n = static_cast<unsigned>(2 + random() % 43);

@@ -5,14 +5,11 @@
 
 namespace {
 
-bool areBetween(const std::vector<double>& x, const std::vector<double>& lower,
-                const std::vector<double>& upper) {
+void holdBetween(const std::vector<double>& x, const std::vector<double>& lower,
+                 const std::vector<double>& upper) {
     for (std::size_t j = 0; j < x.size(); ++j) {
-        if (!(x[j] >= lower[j] && x[j] <= upper[j])) {
-            return false;
-        }
+        nqHolds(x[j] >= lower[j] && x[j] <= upper[j], "rates are between their bounds");
     }
-    return true;
 }
 
 } // namespace
@@ -25,33 +22,27 @@ void nqFuzzBounded(NqFuzzInput& input) {
     NqBoundedLeastSquares leastSquares;
     for (unsigned problem = 0; problem < 4 && !input.isEmpty(); ++problem) {
         const bool isSane = input.flag();
-        const unsigned n = 1 + input.below(9);
-        const unsigned m = input.below(n + 1);
+        const unsigned n = 1 + input.below(9), m = input.below(n + 1);
         const NqReArray jacobian = input.matrix(m, n, isSane);
-        std::vector<double> weights(n);
-        std::vector<double> lower(n);
-        std::vector<double> upper(n);
+        std::vector<double> weights(n), lower(n), upper(n), rates(n);
         for (unsigned j = 0; j < n; ++j) {
             weights[j] = isSane ? input.positive() : std::fabs(input.any());
-            const double one = input.number(isSane);
-            const double other = input.number(isSane);
+            const double one = input.number(isSane), other = input.number(isSane);
             lower[j] = std::fmin(one, other);
             upper[j] = std::fmax(one, other);
         }
         NqReArray metric;
         metric = weights;
-        const std::vector<double> gradient = input.numbers(n, isSane);
-        const std::vector<double> velocity = input.numbers(m, isSane);
+        const std::vector<double> gradient = input.numbers(n, isSane), velocity = input.numbers(m, isSane);
 
         tool.prepare(n, m);
         const Outcome outcome = tool.solve(jacobian, metric, gradient, velocity, lower, upper);
         if (isSane && outcome != Outcome::Failed && outcome != Outcome::Blocked) {
-            nqHolds(areBetween(tool.rates(), lower, upper), "rates are between their bounds");
+            holdBetween(tool.rates(), lower, upper);
             nqHolds(tool.scale() >= 0.0 && tool.scale() <= 1.0, "the scale is one");
             // Rows that nearly depend on each other leave rounding large.
             for (unsigned i = 0; i < m && tool.leastPivot() > 0.01; ++i) {
-                double made = 0.0;
-                double size = 1.0;
+                double made = 0.0, size = 1.0;
                 for (unsigned j = 0; j < n; ++j) {
                     made += jacobian[i][j] * tool.rates()[j];
                     size += std::fabs(jacobian[i][j] * tool.unlimitedRates()[j]);
@@ -60,9 +51,10 @@ void nqFuzzBounded(NqFuzzInput& input) {
                         "the rates go along the velocity");
             }
         }
-        std::vector<double> rates(n);
         leastSquares.prepare(n);
         leastSquares.solve(jacobian, m, velocity, gradient, weights, 0.05, lower, upper, rates);
-        nqHolds(!isSane || areBetween(rates, lower, upper), "the nearest rates are between their bounds");
+        if (isSane) {
+            holdBetween(rates, lower, upper);
+        }
     }
 }

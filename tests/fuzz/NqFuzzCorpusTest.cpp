@@ -1,10 +1,7 @@
 #include "NqFuzzTarget.h"
-#include "support/NqTestFiles.h"
-
-#include <gtest/gtest.h>
+#include "support/NqTesting.h"
 
 #include <filesystem>
-#include <fstream>
 
 namespace {
 
@@ -18,9 +15,7 @@ INSTANTIATE_TEST_SUITE_P(Targets, NqFuzzCorpus,
 TEST_P(NqFuzzCorpus, HoldsWhatFuzzingHasShown) {
     unsigned files = 0;
     for (const auto& file : std::filesystem::directory_iterator(nqCorpusFolder() + GetParam().name)) {
-        std::ifstream stream(file.path(), std::ios::binary);
-        const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
-        GetParam()(bytes, file.path());
+        GetParam()(nqContentOf(file.path()), file.path());
         ++files;
     }
     EXPECT_GT(files, 0U);

@@ -47,8 +47,7 @@ void step(const NqEndEffector& endEffector, bool isBaseFixed, NqFuzzInput& input
     nqHolds(result.size() >= 2 && result.size() <= rows + 2U, "a velocity has its place"); // links may lack
     endEffector.calculateAcceleration(robot, state, result, 0);
     endEffector.calculateEndEffectorError(robot, placement, state, result);
-    const NqXmlRealVector desired(input.numbers(rows, true));
-    const NqXmlRealVector previous(input.numbers(rows, true));
+    const NqXmlRealVector desired(input.numbers(rows, true)), previous(input.numbers(rows, true));
     NqXmlRealVector filtered(rows);
     endEffector.filterEndEffectorVelocity(desired, previous, 0.01, filtered);
     endEffector.filterEndEffectorVelocity(robot, placement, desired, previous, 0.01, state, filtered);

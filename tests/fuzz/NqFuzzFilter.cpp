@@ -7,7 +7,6 @@
 #include <nqControlCore/filter/NqScalarMotionFilter.h>
 #include <nqControlCore/filter/NqTrapezoidalProfileTool.h>
 
-#include <algorithm>
 #include <initializer_list>
 #include <type_traits>
 
@@ -15,6 +14,18 @@ namespace {
 
 bool isFinite(const NqVector& v) {
     return std::isfinite(v.magSquared());
+}
+
+/// Whether a velocity is finite and within the limit, or no more above it than the previous one, which may
+/// not change at once. Of a motion the angular part counts, the linear one is finite.
+bool isWithin(const NqVector& v, double limit, const NqVector& previous) {
+    return isFinite(v) && v.mag() <= std::max(limit, previous.mag()) * (1.0 + 1.0e-9);
+}
+bool isWithin(double v, double limit, double previous) {
+    return isWithin(NqVector::xVector(v), limit, NqVector::xVector(previous));
+}
+bool isWithin(const NqGeneralMotion& v, double limit, const NqGeneralMotion& previous) {
+    return isFinite(v.linear()) && isWithin(v.angular(), limit, previous.angular());
 }
 
 /// What a call of a filter works on.
@@ -35,9 +46,7 @@ struct Call {
         desired = motion();
         previous = motion();
         timeStep = isSane ? input.positive() : input.any();
-        for (double& limit : limits) {
-            limit = isSane ? input.positive() : input.any();
-        }
+        std::ranges::generate(limits, [&] { return isSane ? input.positive() : input.any(); });
     }
 
     /// Calls the filter's setters with the limits, in their order.
@@ -50,51 +59,35 @@ struct Call {
         }
     }
 
+    /// Asks the filter, and checks what comes of it.
     template <typename Result>
-    void make(auto& filter, NqFuzzInput& input, auto calculate, auto isLimited) const {
+    void ask(auto& filter, NqFuzzInput& input, const Result& before, auto calculate) const {
         filter.setFilteringMode(input.below(isSane ? 3 : 5));
         filter.setExponent(isSane ? input.positive() : input.any());
         filter.setSpeedFactor(isSane ? input.positive() : input.any());
         filter.setFilteringActive(isSane || input.flag());
         Result result = Result();
-        const Result untouched = result;
         const bool isDone = calculate(result);
         nqHolds(isDone || filter.filteringMode() > 2, "a filter knows its modes");
-        nqHolds(isDone || (result == untouched && nqLinesPrinted() > 0), "a refused call leaves its output");
-        nqHolds(!isSane || isLimited(result, filter.speedFactor()),
+        nqHolds(isDone || (result == Result() && nqLinesPrinted() > 0), "a refused call leaves its output");
+        nqHolds(!isSane || isWithin(result, filter.speedFactor() * limits[0], before),
                 "a velocity is finite and within its limit");
     }
 };
-
-/// Whether a velocity is finite and within the limit, or no more above it than the previous one, which may
-/// not change at once.
-bool isWithin(const NqVector& v, double limit, const NqVector& previous) {
-    return isFinite(v) && v.mag() <= std::max(limit, previous.mag()) * (1.0 + 1.0e-9);
-}
 
 void point(const Call& call, NqFuzzInput& input) {
     using F = NqPointMotionFilter;
     F filter;
     call.limit(filter, {&F::setThreshold, &F::setAccelerationThreshold, &F::setDecelerationThreshold,
                         &F::setLinearGain});
-    const auto isLimited = [&](const NqVector& v, double factor) {
-        return isWithin(v, factor * call.limits[0], call.previous.linear());
-    };
-    call.make<NqVector>(
-        filter, input,
-        [&](NqVector& result) {
-            return filter.calculate3DVelocity(call.from.translation(), call.to.translation(),
-                                              call.desired.linear(), call.previous.linear(), call.timeStep,
-                                              result);
-        },
-        isLimited);
-    call.make<NqVector>(
-        filter, input,
-        [&](NqVector& result) {
-            return filter.filter3DVelocity(call.desired.linear(), call.previous.linear(), call.timeStep,
-                                           result);
-        },
-        isLimited);
+    const NqVector &desired = call.desired.linear(), &before = call.previous.linear();
+    call.ask(filter, input, before, [&](NqVector& result) {
+        return filter.calculate3DVelocity(call.from.translation(), call.to.translation(), desired, before,
+                                          call.timeStep, result);
+    });
+    call.ask(filter, input, before, [&](NqVector& result) {
+        return filter.filter3DVelocity(desired, before, call.timeStep, result);
+    });
 }
 
 void scalar(const Call& call, NqFuzzInput& input) {
@@ -102,33 +95,27 @@ void scalar(const Call& call, NqFuzzInput& input) {
     F filter;
     call.limit(filter,
                {&F::setThreshold, &F::setAccelerationThreshold, &F::setDecelerationThreshold, &F::setGain});
-    call.make<double>(
-        filter, input,
-        [&](double& result) {
-            return filter.calculateVelocity(call.from.translation().x(), call.to.translation().x(),
-                                            call.desired[0], call.previous[0], call.timeStep, result);
-        },
-        [&](double v, double factor) {
-            return isWithin({v, 0.0, 0.0}, factor * call.limits[0], {call.previous[0], 0.0, 0.0});
-        });
+    call.ask(filter, input, call.previous[0], [&](double& result) {
+        return filter.calculateVelocity(call.from.translation().x(), call.to.translation().x(),
+                                        call.desired[0], call.previous[0], call.timeStep, result);
+    });
+}
+
+void limitTurns(const Call& call, auto& filter) {
+    using F = std::remove_reference_t<decltype(filter)>;
+    call.limit(filter, {&F::setAngularVelocityThreshold, &F::setAngularAccelerationThreshold,
+                        &F::setAngularDecelerationThreshold, &F::setAngularGain});
 }
 
 void rotation(const Call& call, NqFuzzInput& input) {
-    using F = NqRotationMotionFilter;
-    F filter;
-    call.limit(filter, {&F::setAngularVelocityThreshold, &F::setAngularAccelerationThreshold,
-                        &F::setAngularDecelerationThreshold, &F::setAngularGain});
+    NqRotationMotionFilter filter;
+    limitTurns(call, filter);
     const bool isAxisOnly = input.flag();
-    call.make<NqVector>(
-        filter, input,
-        [&](NqVector& result) {
-            return filter.calculateRotationMotion(call.from.orientation(), call.to.orientation(),
-                                                  call.desired.angular(), call.previous.angular(),
-                                                  call.timeStep, result, isAxisOnly, true);
-        },
-        [&](const NqVector& v, double factor) {
-            return isWithin(v, factor * call.limits[0], call.previous.angular());
-        });
+    const NqVector &desired = call.desired.angular(), &before = call.previous.angular();
+    call.ask(filter, input, before, [&](NqVector& result) {
+        return filter.calculateRotationMotion(call.from.orientation(), call.to.orientation(), desired, before,
+                                              call.timeStep, result, isAxisOnly, true);
+    });
 }
 
 void general(const Call& call, NqFuzzInput& input) {
@@ -136,21 +123,13 @@ void general(const Call& call, NqFuzzInput& input) {
     F filter;
     call.limit(filter, {&F::setLinearVelocityThreshold, &F::setLinearAccelerationThreshold,
                         &F::setLinearDecelerationThreshold, &F::setLinearGain});
-    call.limit(filter, {&F::setAngularVelocityThreshold, &F::setAngularAccelerationThreshold,
-                        &F::setAngularDecelerationThreshold, &F::setAngularGain});
+    limitTurns(call, filter);
     filter.setOffset(input.vector(call.isSane));
-    const bool matchesTimes = input.flag();
-    const bool isAxisOnly = input.flag();
-    call.make<NqGeneralMotion>(
-        filter, input,
-        [&](NqGeneralMotion& result) {
-            return filter.calculateGeneralMotion(call.from, call.to, call.desired, call.previous,
-                                                 call.timeStep, result, matchesTimes, isAxisOnly, true);
-        },
-        [&](const NqGeneralMotion& v, double factor) {
-            return isFinite(v.linear()) &&
-                   isWithin(v.angular(), factor * call.limits[0], call.previous.angular());
-        });
+    const bool matchesTimes = input.flag(), isAxisOnly = input.flag();
+    call.ask(filter, input, call.previous, [&](NqGeneralMotion& result) {
+        return filter.calculateGeneralMotion(call.from, call.to, call.desired, call.previous, call.timeStep,
+                                             result, matchesTimes, isAxisOnly, true);
+    });
 }
 
 void acceleration(const Call& call, NqFuzzInput& input) {

@@ -3,6 +3,7 @@
 #include <nqControlCore/foundation/math/NqCoordinateSystemTransformation.h>
 #include <nqControlCore/foundation/matrix/NqReArray.h>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -44,9 +45,7 @@ public:
     double number(bool isSane) { return isSane ? sane() : any(); }
     std::vector<double> numbers(std::size_t count, bool isSane) {
         std::vector<double> taken(count);
-        for (double& value : taken) {
-            value = number(isSane);
-        }
+        std::ranges::generate(taken, [&] { return number(isSane); });
         return taken;
     }
 

@@ -15,8 +15,7 @@ unsigned about(NqFuzzInput& input, unsigned size) {
 
 struct Answer {
     bool isGood = false;
-    std::vector<double> rates{7.0, 8.0, 9.0};
-    std::vector<double> nullSpaceRates{4.0, 5.0};
+    std::vector<double> rates{7.0, 8.0, 9.0}, nullSpaceRates{4.0, 5.0};
     double determinant = 6.0;
 };
 
@@ -29,8 +28,7 @@ void checkSolution(const NqCoreVelocityControlTool& tool, const NqReArray& jacob
             return;
         }
     }
-    double largest = 0.0; // of the rates, and of the rows
-    double row = 0.0;
+    double largest = 0.0, row = 0.0; // of the rates, and of the rows
     for (unsigned i = 0; i < factors.size(); ++i) {
         largest = std::fmax(largest, std::fabs(rates[i]));
         for (unsigned k = 0; k < jacobian.size(); ++k) {
@@ -49,17 +47,14 @@ void checkSolution(const NqCoreVelocityControlTool& tool, const NqReArray& jacob
 
 void solve(NqCoreVelocityControlTool& tool, NqJacobianState& state, NqFuzzInput& input) {
     const bool isSane = input.flag();
-    const unsigned n = input.below(10);
-    const unsigned m = input.below(n + 2);
-    const unsigned rows = about(input, m);
+    const unsigned n = input.below(10), m = input.below(n + 2), rows = about(input, m);
     const NqReArray jacobian = input.matrix(rows, about(input, n), isSane);
     const unsigned metricColumns = input.flag() ? 1 : about(input, n);
     const NqReArray metric = input.matrix(about(input, n), metricColumns, isSane);
     const std::vector<double> gradient = input.numbers(about(input, n), isSane);
     const std::vector<double> velocity = input.numbers(about(input, m), isSane);
     const double alpha = input.number(isSane);
-    const bool isSparse = input.flag();
-    const bool isFactored = input.flag();
+    const bool isSparse = input.flag(), isFactored = input.flag();
     tool.setWeightFlag(input.flag());
     state.setUseSparseNullSpace(isSparse);
     if (isSparse) {
@@ -72,17 +67,16 @@ void solve(NqCoreVelocityControlTool& tool, NqJacobianState& state, NqFuzzInput&
         state.setSparsity(bits);
     }
     const auto ask = [&](NqCoreVelocityControlTool& solver) {
-        Answer answer;
+        Answer a;
         if (isFactored) {
             state.setJacobian(jacobian);
-            answer.isGood = solver.calcJointRatesAB(&state, metric, gradient, alpha, velocity, n,
-                                                    answer.rates, answer.nullSpaceRates, answer.determinant);
+            a.isGood = solver.calcJointRatesAB(&state, metric, gradient, alpha, velocity, n, a.rates,
+                                               a.nullSpaceRates, a.determinant);
         } else {
-            answer.isGood =
-                solver.calcJointRates(isSparse ? &state : nullptr, jacobian, metric, gradient, alpha,
-                                      velocity, n, answer.rates, answer.nullSpaceRates, answer.determinant);
+            a.isGood = solver.calcJointRates(isSparse ? &state : nullptr, jacobian, metric, gradient, alpha,
+                                             velocity, n, a.rates, a.nullSpaceRates, a.determinant);
         }
-        return answer;
+        return a;
     };
     const Answer answer = ask(tool);
     const Answer untouched{};

@@ -1,7 +1,6 @@
 // The program of libFuzzer: fuzzes the target that --target=NAME names. See scripts/fuzz.
 #include "NqFuzzTarget.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -12,14 +11,12 @@ const NqFuzzTarget* theTarget = nullptr;
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-    constexpr std::string_view option = "--target=";
+    const std::string option = "--target=";
     for (const std::string_view argument : std::span(*argv, static_cast<std::size_t>(*argc))) {
-        if (argument.starts_with(option)) {
-            const auto targets = NqFuzzTarget::all();
-            const auto found =
-                std::ranges::find(targets, argument.substr(option.size()),
-                                  [](const NqFuzzTarget& target) { return std::string_view(target.name); });
-            theTarget = found == targets.end() ? nullptr : &*found;
+        for (const NqFuzzTarget& target : NqFuzzTarget::all()) {
+            if (argument == option + target.name) {
+                theTarget = &target;
+            }
         }
     }
     if (!theTarget) {

@@ -6,14 +6,9 @@
 #include <nqControlCore/expression/NqExpressionBaseUnary.h>
 #include <nqControlCore/expression/NqExpressionContainer.h>
 #include <nqControlCore/expression/NqExpressionIdentityMatrix.h>
-#include <nqControlCore/foundation/manipulator/NqGravitationalTorqueTool.h>
 #include <nqControlCore/foundation/manipulator/NqJacobianState.h>
-#include <nqControlCore/foundation/manipulator/NqMatrixDTool.h>
 #include <nqControlLoop/NqControlLoop.h>
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <cstdlib>
 #include <iterator>
 
@@ -21,8 +16,7 @@ namespace {
 
 using RelativeData = NqEndEffectorRelativeLinkData;
 
-template <typename Action>
-std::size_t allocationsOf(Action action) {
+std::size_t allocationsOf(auto action) {
     const std::size_t before = nqAllocations();
     action();
     return nqAllocations() - before;

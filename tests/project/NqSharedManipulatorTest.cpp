@@ -1,12 +1,9 @@
 #include "support/NqNamedRobot.h"
-#include "support/NqPrintCapture.h"
+#include "support/NqTesting.h"
 
 #include <nqControlCore/endeffector/NqPointEndEffector.h>
 #include <nqControlLoop/NqControlLoop.h>
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <thread>
 
 namespace {
@@ -14,14 +11,10 @@ namespace {
 constexpr unsigned kThreads = 4;
 
 /// Runs `action(i)` on so many threads at once.
-template <typename Action>
-void onThreads(Action action) {
-    std::vector<std::thread> threads;
+void onThreads(auto action) {
+    std::vector<std::jthread> threads; // which join when they go
     for (unsigned i = 0; i < kThreads; ++i) {
         threads.emplace_back(action, i);
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
     }
 }
 
@@ -30,8 +23,7 @@ void onThreads(Action action) {
 std::vector<std::vector<double>> drivenByAllTypes(unsigned run) {
     std::vector<std::vector<double>> ends;
     const NqIndividualManipulator& robot = nqNamedRobot();
-    const std::vector<double> from(robot.numberOfJoints(), 0.2);
-    const std::vector<double> to(robot.numberOfJoints(), 0.1 * run);
+    const std::vector<double> from(robot.numberOfJoints(), 0.2), to(robot.numberOfJoints(), 0.1 * run);
     NqManipulatorActiveState there(robot);
     there.setPositionState(NqPositionState(NqXmlRealVector(to)));
     for (const NqEndEffector& sample : nqNamedEndEffectors()) {

@@ -126,6 +126,8 @@ TEST(ZeroStartIndices, NameTheRunThatRowsShareAndAreNotTrusted) {
     ASSERT_TRUE(NqReArray::calculateZeroStartIndices(
         {{true, false, false, false, true}, {false, true, false, false, true}}, first, second));
     EXPECT_TRUE(first == (Indices{1, 2}) && second == (Indices{4, 4}));
+    ASSERT_TRUE(NqReArray::calculateZeroStartIndices({{false, true, false, true}}, first, second));
+    EXPECT_TRUE(first == Indices{0} && second == Indices{1}) << "the first of equal runs";
     NqPrintCapture capture;
     EXPECT_FALSE(NqReArray::calculateZeroStartIndices({{true}, {}}, first, second));
     EXPECT_EQ(capture.lines().size(), 1u);

@@ -24,6 +24,9 @@ TEST(NqXmlCompoundType, ReadsInAnyOrderAndPassesByStrangers) {
     ASSERT_TRUE(NqXmlDocument::readString(kSquare, square, "in.xml"));
     EXPECT_TRUE(square.m_Name == "given" && square.m_Side == 2.0 && square.m_Mode == 0U &&
                 square.m_Given == 7 && square.m_Old == 8);
+    NqXmlBasicType<double> side;
+    side = square.m_Side;
+    EXPECT_TRUE(side.specified() && !NqTestSquare().m_Side.specified());
     EXPECT_EQ(print.text(),
               "NqXmlReader: element \"unheard\" is not known here and is skipped -- file: in.xml, line: 3\n");
 

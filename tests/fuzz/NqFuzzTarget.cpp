@@ -62,7 +62,8 @@ bool isValid(const NqXmlObject& object, std::string_view text) {
         xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr,
                       XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NONET),
         xmlFreeDoc);
-    if (!document || document->intSubset) {
+    const bool isEndedByZero = text.find('\0') != std::string_view::npos; // which libxml2 takes for the end
+    if (!document || document->intSubset || isEndedByZero) {
         return false;
     }
     const std::unique_ptr<xmlSchemaValidCtxt, decltype(&xmlSchemaFreeValidCtxt)> context(

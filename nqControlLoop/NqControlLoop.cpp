@@ -163,13 +163,13 @@ void NqControlLoop::resize() {
     m_DampedMetric.setToZeros(columns(), columns());
     m_Hard.command.resize(m_Hard.rows);
     m_NoCommand.assign(m_Hard.rows, 0.0);
-    m_Turning = m_CommandBefore = m_SlidingCommand = m_NoCommand;
+    m_Turning = m_CommandBefore = m_SlidingCommand = m_Serving = m_NoCommand;
     m_SlidingRows.setToZeros(m_Hard.rows, columns());
     m_TurningRates = m_PathBefore = m_Sliding;
     if (m_Hard.rows <= columns()) {
         m_Tool.prepare(columns(), m_Hard.rows);
         m_ReducedTools.resize(m_Hard.rows + 1);
-        for (unsigned lost = 1; lost <= m_Hard.rows; ++lost) {
+        for (unsigned lost = 0; lost <= m_Hard.rows; ++lost) {
             m_ReducedTools[lost].prepare(columns(), m_Hard.rows - lost);
         }
     }
@@ -588,7 +588,8 @@ void NqControlLoop::solve() {
                                        m_Singularities.isNear(m_Hard.jacobian, m_Hard.rows, threshold))) {
         m_Lost = m_Singularities.split(m_Hard.jacobian, m_Hard.rows, threshold);
         if (m_Lost > 0) {
-            dampLostDirections();
+            dampLostDirections(false);
+            m_Singularities.projectVelocity(m_Hard.command);
             tool = &m_ReducedTools[m_Lost];
             outcome = tool->solve(m_Singularities.keptRows(), m_DampedMetric, m_DampedGradient,
                                   m_Singularities.keptVelocity(), m_Lower, m_Upper);
@@ -616,13 +617,19 @@ void NqControlLoop::solve() {
     }
     m_Scale = std::min(scale, greatest);
     m_Leaving = leaving;
-    if (leaving > 0.0) {
-        leavePath(leaving, outcome == Outcome::Blocked ? alongWeight(*tool) : 1.0,
-                  outcome == Outcome::Failed ? nullptr : tool);
+    const double along = outcome == Outcome::Blocked ? alongWeight(*tool) : 1.0;
+    m_SolverSteps = m_Tool.steps() + (tool == &m_Tool ? 0 : tool->steps());
+    m_Status.isCapped = m_Tool.isCapped() || tool->isCapped();
+    std::fill(m_Wished.begin(), m_Wished.end(), 0.0);
+    if (outcome != Outcome::Failed) {
+        std::copy(tool->nullSpaceRates().begin(), tool->nullSpaceRates().end(), m_Wished.begin());
     }
-    m_SolverSteps =
-        m_Tool.steps() + (tool == &m_Tool ? 0 : tool->steps()) + (leaving > 0.0 ? m_LeastSquares.steps() : 0);
-    m_Status.isCapped = m_Tool.isCapped() || tool->isCapped() || (leaving > 0.0 && m_LeastSquares.isCapped());
+    if (m_Lost > 0 && leaving < 1.0) {
+        serveLostDirections();
+    }
+    if (leaving > 0.0) {
+        leavePath(leaving, along);
+    }
     for (std::size_t k = 0; k < m_Rates.size(); ++k) {
         m_Rates[k] = std::clamp(m_Rates[k], m_Lower[k], m_Upper[k]); // free of the rounding of the mixture
     }
@@ -632,21 +639,70 @@ void NqControlLoop::solve() {
     }
 }
 
-/// The metric and the gradient with the lost directions in them.
-void NqControlLoop::dampLostDirections() {
+/// The metric and the gradient with the lost directions in them; or the weights of the joints with these, and
+/// nothing else.
+void NqControlLoop::dampLostDirections(bool isAlone) {
     const unsigned n = columns();
-    const bool isDiagonal = m_Metric.columns() == 1;
+    const bool isDiagonal = m_Metric.columns() == 1 || isAlone;
     for (unsigned j = 0; j < n; ++j) {
         if (isDiagonal) {
             std::fill(m_DampedMetric[j].begin(), m_DampedMetric[j].end(), 0.0);
-            m_DampedMetric[j][j] = m_Metric[j][0];
+            m_DampedMetric[j][j] = m_Weights[j];
         } else {
             std::copy(m_Metric[j].begin(), m_Metric[j].end(), m_DampedMetric[j].begin());
         }
+        m_DampedGradient[j] = isAlone ? 0.0 : m_Gradient[j];
     }
-    std::copy(m_Gradient.begin(), m_Gradient.end(), m_DampedGradient.begin());
     m_Singularities.addCost(m_Hard.command, m_Settings.damping(), m_DampedMetric, m_DampedGradient);
-    m_Singularities.projectVelocity(m_Hard.command);
+}
+
+/// The lost directions are damped, so that the gradient and soft end-effectors, which aren't, could outweigh
+/// what is asked along them. What is made there is to be between what damping alone leaves of it and all.
+void NqControlLoop::serveLostDirections() {
+    using Outcome = NqLimitedVelocityTool::Outcome;
+    const unsigned vanished = m_Singularities.vanished();
+    const unsigned kept = m_Hard.rows - m_Lost;
+    // By what the damped directions make of it, in m_Sliding, or without knowing these.
+    const auto isServed = [&](bool isDampedKnown) {
+        double farthest = 0.0;
+        for (unsigned i = vanished; i < m_Lost; ++i) {
+            const double asked = m_Singularities.along(i, m_Hard.command);
+            const double damped = m_Singularities.dampedShare(i, m_Settings.damping()) * asked;
+            const double made = m_Singularities.made(i, m_Rates);
+            const auto [least, most] =
+                std::minmax({asked, damped, isDampedKnown ? m_Singularities.made(i, m_Sliding) : damped});
+            const double right = std::clamp(made, least, most);
+            m_Serving[kept + i - vanished] = right / m_Singularities.singularValue(i);
+            farthest = std::max(farthest, std::abs(made - right));
+        }
+        return farthest < kIdle;
+    };
+    if (isServed(false)) {
+        return;
+    }
+    for (unsigned i = 0; i < kept; ++i) {
+        m_Serving[i] = m_Singularities.made(m_Lost + i, m_Rates);
+    }
+    dampLostDirections(true);
+    NqLimitedVelocityTool& damping = m_ReducedTools[m_Lost];
+    Outcome outcome = damping.solve(m_Singularities.keptRows(), m_DampedMetric, m_DampedGradient, m_Serving,
+                                    m_Lower, m_Upper);
+    m_SolverSteps += damping.steps();
+    m_Status.isCapped = m_Status.isCapped || damping.isCapped();
+    if (outcome == Outcome::Failed || outcome == Outcome::Blocked) {
+        return;
+    }
+    std::copy(damping.rates().begin(), damping.rates().end(), m_Sliding.begin());
+    if (isServed(true)) {
+        return;
+    }
+    NqLimitedVelocityTool& tool = m_ReducedTools[vanished];
+    outcome = tool.solve(m_Singularities.presentRows(), m_Metric, m_Gradient, m_Serving, m_Lower, m_Upper);
+    m_SolverSteps += tool.steps();
+    m_Status.isCapped = m_Status.isCapped || tool.isCapped();
+    const bool isGood = outcome == Outcome::Unlimited || outcome == Outcome::Limited;
+    const std::vector<double>& rates = isGood ? tool.rates() : m_Sliding;
+    std::copy(rates.begin(), rates.end(), m_Rates.begin());
 }
 
 /// After the bounds left no rates along the path: whether those of rate would, away from the ends of ranges,
@@ -693,11 +749,7 @@ void NqControlLoop::turnTowardsPath(double along) {
 
 /// Turns the rates, by a share, towards those of the least error or, where the path is to be kept, towards
 /// rest. Error along the path has a weight of its own.
-void NqControlLoop::leavePath(double share, double along, const NqLimitedVelocityTool* tool) {
-    std::fill(m_Wished.begin(), m_Wished.end(), 0.0);
-    if (tool) {
-        std::copy(tool->nullSpaceRates().begin(), tool->nullSpaceRates().end(), m_Wished.begin());
-    }
+void NqControlLoop::leavePath(double share, double along) {
     const bool isHolding = m_Settings.blocked() == NqControlLoopSettings::Hold;
     const bool isTurned = along < 1.0;
     if (isTurned) {
@@ -708,6 +760,8 @@ void NqControlLoop::leavePath(double share, double along, const NqLimitedVelocit
                          : isTurned ? m_SlidingCommand
                                     : m_Hard.command,
                          m_Wished, m_Weights, m_Settings.damping(), m_Lower, m_Upper, m_Sliding);
+    m_SolverSteps += m_LeastSquares.steps();
+    m_Status.isCapped = m_Status.isCapped || m_LeastSquares.isCapped();
     if (!isHolding) {
         noteHolds(m_LeastSquares.holds());
     }
@@ -843,9 +897,7 @@ void NqControlLoop::judgeLostDirection() {
     double most = 0.0;
     unsigned lost = 0;
     for (unsigned i = 0; i < m_Lost; ++i) {
-        const std::vector<double>& direction = m_Singularities.direction(i);
-        const double asked = std::abs(
-            std::inner_product(m_Hard.command.begin(), m_Hard.command.end(), direction.begin(), 0.0));
+        const double asked = std::abs(m_Singularities.along(i, m_Hard.command));
         if (asked > most) {
             most = asked;
             lost = i;

@@ -197,9 +197,10 @@ private:
     void boundRates();
     void solve();
     bool staysFinite() const;
-    void dampLostDirections();
+    void dampLostDirections(bool isAlone);
+    void serveLostDirections();
     double alongWeight(NqLimitedVelocityTool& tool);
-    void leavePath(double share, double along, const NqLimitedVelocityTool* tool);
+    void leavePath(double share, double along);
     void turnTowardsPath(double along);
     NqJointBounds::Cause causeOf(const NqBoundActiveSet::Hold& hold) const;
     void noteHolds(const std::vector<NqBoundActiveSet::Hold>& holds);
@@ -231,7 +232,7 @@ private:
     NqManipulatorActiveState m_State;
 
     NqLimitedVelocityTool m_Tool;
-    std::vector<NqLimitedVelocityTool> m_ReducedTools; ///< where directions are lost, by how many
+    std::vector<NqLimitedVelocityTool> m_ReducedTools; ///< where directions are lost, by how many rows less
     NqSingularityFilter m_Singularities;
     NqBoundedLeastSquares m_LeastSquares;
     std::vector<NqJointBounds::Limits> m_Limits; ///< of the joints
@@ -243,6 +244,7 @@ private:
     NqReArray m_SlidingRows;       ///< the hard rows, with less weight along the path
     std::vector<double> m_SlidingCommand;
     std::vector<double> m_NoCommand;
+    std::vector<double> m_Serving;      ///< velocities along kept and lost directions
     std::vector<double> m_Turning;      ///< of the hard rows: velocities that ask for accelerations
     std::vector<double> m_TurningRates; ///< and what they ask of the joints
     std::vector<double> m_PathBefore;   ///< rates along the path in the last step, at its command

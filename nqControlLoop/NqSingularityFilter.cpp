@@ -148,24 +148,61 @@ unsigned NqSingularityFilter::split(const NqReArray& jacobian, unsigned rows, do
 
 void NqSingularityFilter::projectVelocity(const std::vector<double>& velocity) {
     for (unsigned i = 0; i < m_KeptCount; ++i) {
-        m_KeptVelocity[i] = dot(m_Directions[m_Lost + i], velocity, m_Rows);
+        m_KeptVelocity[i] = along(m_Lost + i, velocity);
     }
+}
+
+unsigned NqSingularityFilter::vanished() const {
+    unsigned vanished = 0;
+    while (vanished < m_Lost && m_Values[vanished] <= kVanished) {
+        ++vanished;
+    }
+    return vanished;
+}
+
+double NqSingularityFilter::along(unsigned i, const std::vector<double>& velocity) const {
+    return dot(m_Directions[i], velocity, m_Rows);
+}
+
+double NqSingularityFilter::made(unsigned i, const std::vector<double>& rates) const {
+    return dot(m_Turned[i], rates, m_Columns);
+}
+
+double NqSingularityFilter::dampedShare(unsigned i, double damping) const {
+    const double square = m_Values[i] * m_Values[i];
+    return square / (square + squareOfDamping(i, damping));
+}
+
+double NqSingularityFilter::squareOfDamping(unsigned i, double damping) const {
+    const double share = m_Values[i] / m_Threshold;
+    return damping * damping * std::max(1.0 - share * share, kLeastDamping * kLeastDamping);
+}
+
+const NqReArray& NqSingularityFilter::presentRows() {
+    const unsigned first = vanished();
+    NqReArray& rows = m_Kept[m_Rows - first];
+    for (unsigned i = 0; i < m_KeptCount; ++i) {
+        std::copy(m_Turned[m_Lost + i].begin(), m_Turned[m_Lost + i].end(), rows[i].begin());
+    }
+    for (unsigned i = first; i < m_Lost; ++i) {
+        std::transform(m_Turned[i].begin(), m_Turned[i].end(), rows[m_KeptCount + i - first].begin(),
+                       [&](double entry) { return entry / m_Values[i]; });
+    }
+    return rows;
 }
 
 void NqSingularityFilter::addCost(const std::vector<double>& velocity, double damping, NqReArray& metric,
                                   std::vector<double>& gradient) const {
     for (unsigned i = 0; i < m_Lost; ++i) {
-        const double share = m_Values[i] / m_Threshold;
-        const double weight =
-            1.0 / (damping * damping * std::max(1.0 - share * share, kLeastDamping * kLeastDamping));
-        const double command = dot(m_Directions[i], velocity, m_Rows);
+        const double weight = 1.0 / squareOfDamping(i, damping);
+        const double command = along(i, velocity);
         const std::vector<double>& row = m_Turned[i];
         if (m_Values[i] > kVanished) {
             const double fading =
                 kFadingVelocity * kFadingVelocity / (kFadingVelocity * kFadingVelocity + command * command);
-            const double along = fading * dot(row, gradient, m_Columns) / (m_Values[i] * m_Values[i]);
+            const double wanted = fading * dot(row, gradient, m_Columns) / (m_Values[i] * m_Values[i]);
             for (unsigned j = 0; j < m_Columns; ++j) {
-                gradient[j] -= along * row[j];
+                gradient[j] -= wanted * row[j];
             }
         }
         for (unsigned j = 0; j < m_Columns; ++j) {

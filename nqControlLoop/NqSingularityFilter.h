@@ -38,9 +38,20 @@ public:
     double singularValue(unsigned i) const { return m_Values[i]; }
     const std::vector<double>& direction(unsigned i) const { return m_Directions[i]; }
     unsigned lost() const { return m_Lost; }
+    /// How many of the lost ones no joint moves.
+    unsigned vanished() const;
+
+    /// What a velocity has along a direction, u_i^T v, and what rates make there, u_i^T J x.
+    double along(unsigned i, const std::vector<double>& velocity) const;
+    double made(unsigned i, const std::vector<double>& rates) const;
+    /// What damping leaves of a velocity along a lost direction, for joints that weigh alike and are free.
+    double dampedShare(unsigned i, double damping) const;
+    /// The kept rows and behind them those of the lost directions that haven't vanished, u_i^T J / s_i.
+    const NqReArray& presentRows();
 
 private:
     void diagonalise();
+    double squareOfDamping(unsigned i, double damping) const;
 
     unsigned m_Rows = 0;
     unsigned m_Columns = 0;

@@ -26,6 +26,10 @@ constexpr double kHardlySlowed = 0.98;
 /// Share of the joints' limits of acceleration that bends and stops may take; the rest is for the change of
 /// posture.
 constexpr double kTurning = 0.7;
+/// Lost directions are served above this share of the threshold, not at all below that.
+constexpr double kServed = 0.2;
+constexpr double kUnserved = 0.1;
+constexpr double kLeastServed = 0.9; ///< of what is asked along them
 /// A speed below this needs no stopping.
 constexpr double kIdle = 1.0e-6;
 /// A least singular value below this is rounding: rows depend on each other, or no joint moves them.
@@ -34,8 +38,6 @@ constexpr double kDependent = 1.0e-9;
 constexpr double kGoingGain = 8.0;
 /// How far the joints are moved to see what that brings, rad or m.
 constexpr double kProbe = 0.05;
-/// Of joints that could make all that is left, if it weren't for their limits, rad or m.
-constexpr double kSmallTurn = 0.1;
 constexpr double kUnbounded = std::numeric_limits<double>::infinity();
 
 /// By how much a motion leaves its path that makes a share of what is commanded.
@@ -657,7 +659,8 @@ void NqControlLoop::dampLostDirections(bool isAlone) {
 }
 
 /// The lost directions are damped, so that the gradient and soft end-effectors, which aren't, could outweigh
-/// what is asked along them. What is made there is to be between what damping alone leaves of it and all.
+/// what is asked along them. What is made there is to be, but for a tenth, between what damping alone leaves
+/// of it and all; except in the midst of a singularity, where such directions turn faster than the arm could.
 void NqControlLoop::serveLostDirections() {
     using Outcome = NqLimitedVelocityTool::Outcome;
     const unsigned vanished = m_Singularities.vanished();
@@ -669,11 +672,14 @@ void NqControlLoop::serveLostDirections() {
             const double asked = m_Singularities.along(i, m_Hard.command);
             const double damped = m_Singularities.dampedShare(i, m_Settings.damping()) * asked;
             const double made = m_Singularities.made(i, m_Rates);
+            const double alone = isDampedKnown ? m_Singularities.made(i, m_Sliding) : damped;
             const auto [least, most] =
-                std::minmax({asked, damped, isDampedKnown ? m_Singularities.made(i, m_Sliding) : damped});
-            const double right = std::clamp(made, least, most);
-            m_Serving[kept + i - vanished] = right / m_Singularities.singularValue(i);
-            farthest = std::max(farthest, std::abs(made - right));
+                std::minmax({asked / kLeastServed, kLeastServed * damped, kLeastServed * alone});
+            const double size = m_Singularities.singularValue(i) / m_Settings.singularityThreshold();
+            const double share = std::clamp((size - kUnserved) / (kServed - kUnserved), 0.0, 1.0);
+            const double change = share * (std::clamp(made, least, most) - made);
+            m_Serving[kept + i - vanished] = (made + change) / m_Singularities.singularValue(i);
+            farthest = std::max(farthest, std::abs(change));
         }
         return farthest < kIdle;
     };
@@ -940,10 +946,11 @@ void NqControlLoop::judgeLostDirection() {
         m_Status.kind = NqControlLoopStatus::Contradictory;
         return;
     }
-    if (m_Status.joints.empty() && m_Status.distance < kSmallTurn * m_Status.leastSingularValue) {
-        noteHolds(m_ReducedTools[m_Lost].holds()); // without which the little that is left would be made
+    const double free = most * m_Singularities.dampedShare(lost, m_Settings.damping());
+    if (m_Status.joints.empty() && free > kRest * m_Status.leastSingularValue) {
+        noteHolds(m_ReducedTools[m_Lost].holds()); // without which the arm would go on, if slowly
     }
-    if (!m_IsProbed) {
+    if (m_Status.joints.empty() && !m_IsProbed) {
         m_CanComeNearer = canComeNearer();
         m_IsProbed = true;
     }

@@ -7,7 +7,9 @@
 
 namespace {
 
-constexpr unsigned kStarts = 40;
+constexpr unsigned kStarts = 40;  ///< at least
+constexpr double kEffort = 1.0e6; ///< further starts while there is no posture: for the square of the joints
+constexpr unsigned kMostStarts = 1000;
 constexpr unsigned kWanted = 8;   ///< postures to choose from
 constexpr unsigned kSteps = 60;   ///< from each start
 constexpr unsigned kPieces = 12;  ///< of the way to a posture, to see how long it takes
@@ -112,7 +114,10 @@ bool NqPostureSearch::find(std::vector<double>& posture) {
     std::vector<double> start = m_Present;
     double least = std::numeric_limits<double>::infinity();
     unsigned found = 0;
-    for (unsigned attempt = 0; attempt < kStarts && found < kWanted; ++attempt) {
+    const double joints = static_cast<double>(start.size());
+    const auto most = static_cast<unsigned>(
+        std::clamp<double>(kEffort / (joints * joints), kStarts, kMostStarts));
+    for (unsigned attempt = 0; attempt < (found == 0 ? most : kStarts) && found < kWanted; ++attempt) {
         const double distance = std::min(1.0, 0.2 + 1.6 * attempt / kStarts);
         for (unsigned j = 0; j < start.size(); ++j) {
             const NqJointDescription& joint = m_Manipulator.linkByIndex(j)->joint();

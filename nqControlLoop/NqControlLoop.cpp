@@ -949,6 +949,9 @@ void NqControlLoop::judgeLostDirection() {
     const double free = most * m_Singularities.dampedShare(lost, m_Settings.damping());
     if (m_Status.joints.empty() && free > kRest * m_Status.leastSingularValue) {
         noteHolds(m_ReducedTools[m_Lost].holds()); // without which the arm would go on, if slowly
+        std::erase_if(m_Status.joints, [](const NqControlLoopStatus::Joint& joint) {
+            return joint.cause == NqJointBounds::Cause::Acceleration;
+        });
     }
     if (m_Status.joints.empty() && !m_IsProbed) {
         m_CanComeNearer = canComeNearer();

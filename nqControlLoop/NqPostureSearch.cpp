@@ -7,11 +7,13 @@
 
 namespace {
 
-constexpr unsigned kStarts = 40;  ///< at least
-constexpr double kEffort = 1.0e6; ///< further starts while there is no posture: for the square of the joints
-constexpr unsigned kMostStarts = 1000;
-constexpr unsigned kWanted = 8;   ///< postures to choose from
-constexpr unsigned kSteps = 60;   ///< from each start
+constexpr unsigned kStarts = 40;
+constexpr unsigned kThoroughStarts = 1000; ///< as long as no posture is found,
+constexpr double kEffort = 1.0e5;          ///< and so many over the square of the joints
+constexpr unsigned kWanted = 8;            ///< postures to choose from
+constexpr unsigned kSteps = 60;            ///< from each start
+constexpr unsigned kTrialSteps = 10;       ///< in which the error must fall,
+constexpr double kFall = 0.9;              ///< to this share
 constexpr unsigned kPieces = 12;  ///< of the way to a posture, to see how long it takes
 constexpr double kTimeStep = 0.1; ///< s, in which a joint moves a few tenths of a radian
 /// How much nearer than the loop's own tolerance a posture must come.
@@ -49,9 +51,17 @@ NqPostureSearch::NqPostureSearch(const NqControlLoop& loop)
 
 bool NqPostureSearch::reach(const std::vector<double>& start) {
     m_Loop.setPositions(start);
+    double before = std::numeric_limits<double>::infinity();
     for (unsigned i = 0; i < kSteps; ++i) {
-        if (m_Loop.largestError() <= m_Tolerance) {
+        const double error = m_Loop.largestError();
+        if (error <= m_Tolerance) {
             return true;
+        }
+        if (i % kTrialSteps == 0) {
+            if (error > kFall * before) {
+                return false;
+            }
+            before = error;
         }
         if (!m_Loop.step()) {
             return false;
@@ -109,14 +119,14 @@ double NqPostureSearch::travel(const std::vector<double>& posture) {
     return time;
 }
 
-bool NqPostureSearch::find(std::vector<double>& posture) {
+bool NqPostureSearch::find(std::vector<double>& posture, bool isThorough) {
     std::mt19937_64 random(1);
     std::vector<double> start = m_Present;
     double least = std::numeric_limits<double>::infinity();
     unsigned found = 0;
     const double joints = static_cast<double>(start.size());
     const auto most = static_cast<unsigned>(
-        std::clamp<double>(kEffort / (joints * joints), kStarts, kMostStarts));
+        isThorough ? std::clamp<double>(kEffort / (joints * joints), kStarts, kThoroughStarts) : kStarts);
     for (unsigned attempt = 0; attempt < (found == 0 ? most : kStarts) && found < kWanted; ++attempt) {
         const double distance = std::min(1.0, 0.2 + 1.6 * attempt / kStarts);
         for (unsigned j = 0; j < start.size(); ++j) {

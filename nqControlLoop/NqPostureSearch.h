@@ -7,14 +7,15 @@
 /// Looks for a posture in which all hard end-effectors of a loop are at their targets, within the limits of
 /// the joints: for an arm that limits keep from going on, though another elbow or wrist would do. Starts from
 /// random postures, the same ones every time, first near the present one and then anywhere, and follows the
-/// targets from there in long steps, which no arm could make. It allocates, and takes milliseconds.
+/// targets from there in long steps, which no arm could make. It allocates, and takes milliseconds; a thorough
+/// search that finds nothing takes some tenths of a second.
 class NqPostureSearch {
 public:
     /// Takes over end-effectors, targets and state as they are.
     explicit NqPostureSearch(const NqControlLoop& loop);
 
     /// False when none was found. Of several the one that the joints get to soonest.
-    bool find(std::vector<double>& posture);
+    bool find(std::vector<double>& posture, bool isThorough = false);
 
 private:
     bool reach(const std::vector<double>& start);

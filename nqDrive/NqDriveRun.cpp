@@ -22,6 +22,9 @@ constexpr double kPatience = 2.0;
 constexpr double kPaceTime = 1.0;
 /// Soft end-effectors count as having come as near as they can when for this long they came no nearer.
 constexpr double kSoftPatience = 0.5;
+/// An arm that stands still for this long, s, all rates below that, rad/s or m/s, looks for another posture.
+constexpr double kRestTime = 0.5;
+constexpr double kRest = 0.01;
 /// What counts as lower, or nearer: this share of the tolerance.
 constexpr double kLeastProgress = 0.1;
 constexpr double kLeastSoftProgress = 1.0;
@@ -168,7 +171,8 @@ void NqDriveRun::execute(Watcher& watcher) {
             continue;
         }
         const bool isStopped = isStalled();
-        if ((isStopped || isTooSlow()) && !beginDetour() && isStopped) {
+        const bool isHeld = isHeldAtRest();
+        if ((isStopped || isHeld || isTooSlow()) && !beginDetour(isStopped || isHeld) && isStopped) {
             outcome = Outcome::NoProgress;
             break;
         }
@@ -197,7 +201,7 @@ void NqDriveRun::startWayPoint() {
 void NqDriveRun::watchFromHere() {
     m_BestError = m_PaceError = hardError();
     m_BestSoftError = softError();
-    m_BestTime = m_BestSoftTime = m_PaceTime = m_Loop.time();
+    m_BestTime = m_BestSoftTime = m_PaceTime = m_RestTime = m_Loop.time();
 }
 
 /// Soft end-effectors may be anywhere once they come no nearer or, as long as there are hard ones, when the
@@ -234,6 +238,19 @@ bool NqDriveRun::isStalled() {
     return m_Loop.time() - since > kPatience;
 }
 
+/// Whether the arm has stood still for a while, away from its targets, and nothing will change that. Is so
+/// once in each place.
+bool NqDriveRun::isHeldAtRest() {
+    const auto& rates = m_Loop.rates();
+    const bool isMoving =
+        std::any_of(rates.begin(), rates.end(), [](double rate) { return std::abs(rate) > kRest; });
+    if (isMoving || !m_Loop.status().isStuck()) {
+        m_RestTime = m_Loop.time();
+        m_HasSearchedHere = false;
+    }
+    return m_Loop.time() - m_RestTime > kRestTime && !m_HasSearchedHere;
+}
+
 /// Whether the hard end-effectors come nearer by so little that they won't be there in time.
 bool NqDriveRun::isTooSlow() {
     const double since = m_Loop.time() - m_PaceTime;
@@ -247,18 +264,22 @@ bool NqDriveRun::isTooSlow() {
 }
 
 /// Whether there is another posture that reaches the targets, which the arm then goes to.
-bool NqDriveRun::beginDetour() {
-    if (!m_Task.options().mayDetour || m_Task.options().isBaseFree || m_Record.detours >= kDetours ||
+bool NqDriveRun::beginDetour(bool isThorough) {
+    if (m_HasSearchedHere || !m_Task.options().mayDetour || m_Task.options().isBaseFree || m_Record.detours >= kDetours ||
         m_Searches >= kSearches || hardError() <= m_Task.options().tolerance ||
         m_Loop.status().kind == NqControlLoopStatus::Contradictory || !idleDirection().empty()) {
         return false;
     }
     std::vector<double> posture;
     ++m_Searches;
-    m_Record.hasSearched = !NqPostureSearch(m_Loop).find(posture);
+    m_Record.hasSearched = !NqPostureSearch(m_Loop).find(posture, isThorough);
+    m_HasSearchedHere = isThorough;
     if (m_Record.hasSearched || !m_Loop.goTo(posture)) {
         return false;
     }
+    m_Record.status = m_Loop.status();
+    m_LeastSingularValue = m_Loop.leastSingularValue();
+    m_DetourCause = cause();
     ++m_Record.detours;
     return true;
 }
@@ -266,6 +287,7 @@ bool NqDriveRun::beginDetour() {
 void NqDriveRun::endDetour() {
     if (m_Loop.leftToGo() < kNearPosture) {
         m_Loop.follow();
+        m_HasSearchedHere = false;
         watchFromHere();
     }
 }
@@ -370,7 +392,9 @@ std::string NqDriveRun::outcomeText() const {
         return "the run took more than " + significant(m_Task.options().wall, 6) +
                " s by the clock on the wall, and " + left;
     default:
-        return "the time of " + after + " is over" + slowedBy() + ", and " + left;
+        return "the time of " + after + " is over" +
+               (m_Loop.isGoing() ? " on a detour through another posture (" + m_DetourCause + ")" : slowedBy()) +
+               ", and " + left;
     }
 }
 
@@ -406,7 +430,7 @@ std::string NqDriveRun::cause() const {
                inQuotes(m_Record.endEffectors[status.other].name) +
                " depend on each other, and their targets contradict each other";
     case NqControlLoopStatus::OutOfReach:
-        return "the target is out of reach";
+        return "the target is out of reach: the posture is singular, and nothing leads nearer" + inVain();
     default:
         break;
     }
@@ -437,7 +461,11 @@ std::string NqDriveRun::cause() const {
     if (text.empty()) {
         text = "no progress for " + significant(kPatience, 3) + " s";
     }
-    return text + (m_Record.hasSearched ? ", no other posture was found that reaches the target" : "");
+    return text + inVain();
+}
+
+std::string NqDriveRun::inVain() const {
+    return m_Record.hasSearched ? ", no other posture was found that reaches the target" : "";
 }
 
 /// The joints so near to an end of their range that they creep, if they move a hard end-effector.

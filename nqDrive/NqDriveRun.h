@@ -41,9 +41,10 @@ private:
     bool isTimeOver() const;
     bool isStalled();
     bool isTooSlow();
+    bool isHeldAtRest();
     void startWayPoint();
     void watchFromHere();
-    bool beginDetour();
+    bool beginDetour(bool isThorough);
     void endDetour();
     void noteStep();
     void noteSample(bool isKept);
@@ -52,6 +53,7 @@ private:
     std::string outcomeText() const;
     std::string chatter() const;
     std::string cause() const;
+    std::string inVain() const;
     std::vector<std::size_t> movingJointsNearEnd() const;
     std::string slowedBy() const;
     std::string jointNames(const std::vector<std::size_t>& joints) const;
@@ -71,6 +73,9 @@ private:
     double m_BestSoftTime = 0.0;
     double m_PaceError = 0.0;
     double m_PaceTime = 0.0;
+    double m_RestTime = 0.0;           ///< since when the arm stands still
+    bool m_HasSearchedHere = false;    ///< thoroughly, for another posture, since it moved
+    std::string m_DetourCause;         ///< what asked for the last one
     unsigned m_Searches = 0;           ///< for other postures, on the way to this way point
     double m_LeastSingularValue = 0.0; ///< at the end
 };

@@ -49,7 +49,7 @@ NqPostureSearch::NqPostureSearch(const NqControlLoop& loop)
     }
 }
 
-bool NqPostureSearch::reach(const std::vector<double>& start) {
+bool NqPostureSearch::reach(const std::vector<double>& start, bool mayGiveUp) {
     m_Loop.setPositions(start);
     double before = std::numeric_limits<double>::infinity();
     for (unsigned i = 0; i < kSteps; ++i) {
@@ -57,7 +57,7 @@ bool NqPostureSearch::reach(const std::vector<double>& start) {
         if (error <= m_Tolerance) {
             return true;
         }
-        if (i % kTrialSteps == 0) {
+        if (mayGiveUp && i % kTrialSteps == 0) {
             if (error > kFall * before) {
                 return false;
             }
@@ -139,7 +139,7 @@ bool NqPostureSearch::find(std::vector<double>& posture, bool isThorough) {
                            ? m_Present[j] + distance * (drawn - m_Present[j])
                            : m_Present[j];
         }
-        if (reach(start)) {
+        if (reach(start, attempt >= kStarts)) {
             ++found;
             std::vector<double> there = m_Loop.positions();
             turnNearest(there);

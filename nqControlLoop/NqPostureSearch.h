@@ -18,7 +18,7 @@ public:
     bool find(std::vector<double>& posture, bool isThorough = false);
 
 private:
-    bool reach(const std::vector<double>& start);
+    bool reach(const std::vector<double>& start, bool mayGiveUp);
     void turnNearest(std::vector<double>& posture) const;
     double travel(const std::vector<double>& posture);
 

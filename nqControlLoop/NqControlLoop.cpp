@@ -26,6 +26,8 @@ constexpr double kHardlySlowed = 0.98;
 /// Share of the joints' limits of acceleration that bends and stops may take; the rest is for the change of
 /// posture.
 constexpr double kTurning = 0.7;
+/// Of joints that could make all that is left, if it weren't for their limits, rad or m.
+constexpr double kSmallTurn = 0.1;
 /// Lost directions are served above this share of the threshold, not at all below that.
 constexpr double kServed = 0.2;
 constexpr double kUnserved = 0.1;
@@ -946,9 +948,11 @@ void NqControlLoop::judgeLostDirection() {
         m_Status.kind = NqControlLoopStatus::Contradictory;
         return;
     }
+    // Limits are to blame if without them the arm would move, or a small turn would make what is left.
     const double free = most * m_Singularities.dampedShare(lost, m_Settings.damping());
-    if (m_Status.joints.empty() && free > kRest * m_Status.leastSingularValue) {
-        noteHolds(m_ReducedTools[m_Lost].holds()); // without which the arm would go on, if slowly
+    if (m_Status.joints.empty() && (free > kRest * m_Status.leastSingularValue ||
+                                    m_Status.distance < kSmallTurn * m_Status.leastSingularValue)) {
+        noteHolds(m_ReducedTools[m_Lost].holds());
         std::erase_if(m_Status.joints, [](const NqControlLoopStatus::Joint& joint) {
             return joint.cause == NqJointBounds::Cause::Acceleration;
         });

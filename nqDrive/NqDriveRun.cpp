@@ -18,6 +18,8 @@ namespace {
 
 /// Without a lower largest error for this long, in seconds of the run, the arm counts as stuck.
 constexpr double kPatience = 2.0;
+/// And for this long, s, it may still move without coming nearer.
+constexpr double kRestPatience = 1.0;
 /// The pace is taken over this long, s: one that won't get there in the time that is left is too slow.
 constexpr double kPaceTime = 1.0;
 /// Soft end-effectors count as having come as near as they can when for this long they came no nearer.
@@ -235,16 +237,19 @@ bool NqDriveRun::isStalled() {
         m_BestSoftTime = m_Loop.time();
     }
     const double since = isOnTheWay ? m_BestTime : std::max(m_BestTime, m_BestSoftTime);
-    return m_Loop.time() - since > kPatience;
+    const double waited = m_Loop.time() - since;
+    return waited > kPatience && (!isMoving() || waited > kPatience + kRestPatience);
+}
+
+bool NqDriveRun::isMoving() const {
+    return std::any_of(m_Loop.rates().begin(), m_Loop.rates().end(),
+                       [](double rate) { return std::abs(rate) > kRest; });
 }
 
 /// Whether the arm has stood still for a while, away from its targets, and nothing will change that. Is so
 /// once in each place.
 bool NqDriveRun::isHeldAtRest() {
-    const auto& rates = m_Loop.rates();
-    const bool isMoving =
-        std::any_of(rates.begin(), rates.end(), [](double rate) { return std::abs(rate) > kRest; });
-    if (isMoving || !m_Loop.status().isStuck()) {
+    if (isMoving() || !m_Loop.status().isStuck()) {
         m_RestTime = m_Loop.time();
         m_HasSearchedHere = false;
     }

@@ -40,6 +40,7 @@ private:
     bool isWayPointReached() const;
     bool isTimeOver() const;
     bool isStalled();
+    bool isMoving() const;
     bool isTooSlow();
     bool isHeldAtRest();
     void startWayPoint();

@@ -858,6 +858,26 @@ void NqControlLoop::noteHolds(const std::vector<NqBoundActiveSet::Hold>& holds) 
               [](const auto& a, const auto& b) { return a.multiplier > b.multiplier; });
 }
 
+/// The same, without those that only can't turn so fast.
+void NqControlLoop::noteLimits(const std::vector<NqBoundActiveSet::Hold>& holds) {
+    noteHolds(holds);
+    std::erase_if(m_Status.joints, [](const NqControlLoopStatus::Joint& joint) {
+        return joint.cause == NqJointBounds::Cause::Acceleration;
+    });
+}
+
+/// Whether a lost direction makes less than half of what damping alone would leave of it.
+bool NqControlLoop::isLimitedAlongLost() const {
+    for (unsigned i = 0; i < m_Lost; ++i) {
+        const double asked = m_Singularities.along(i, m_Hard.command);
+        const double damped = m_Singularities.dampedShare(i, m_Settings.damping()) * asked;
+        if (m_Singularities.made(i, m_Rates) * asked < 0.5 * damped * asked) {
+            return true;
+        }
+    }
+    return false;
+}
+
 double NqControlLoop::largestError() const {
     double error = 0.0;
     for (std::size_t p = 0; p < m_Parts.size(); ++p) {
@@ -884,6 +904,9 @@ void NqControlLoop::judge() {
                 m_Status.endEffector = e;
             }
         }
+    }
+    if (m_Slowing < kHardlySlowed && m_Status.joints.empty() && isLimitedAlongLost()) {
+        noteLimits(m_ReducedTools[m_Lost].holds());
     }
     const bool hasLimits = std::any_of(m_Status.joints.begin(), m_Status.joints.end(), [](const auto& joint) {
         return joint.cause != NqJointBounds::Cause::Acceleration;
@@ -952,10 +975,7 @@ void NqControlLoop::judgeLostDirection() {
     const double free = most * m_Singularities.dampedShare(lost, m_Settings.damping());
     if (m_Status.joints.empty() && (free > kRest * m_Status.leastSingularValue ||
                                     m_Status.distance < kSmallTurn * m_Status.leastSingularValue)) {
-        noteHolds(m_ReducedTools[m_Lost].holds());
-        std::erase_if(m_Status.joints, [](const NqControlLoopStatus::Joint& joint) {
-            return joint.cause == NqJointBounds::Cause::Acceleration;
-        });
+        noteLimits(m_ReducedTools[m_Lost].holds());
     }
     if (m_Status.joints.empty() && !m_IsProbed) {
         m_CanComeNearer = canComeNearer();

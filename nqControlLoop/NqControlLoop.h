@@ -38,7 +38,7 @@
 /// would come to a halt though the targets aren't reached, it leaves the path by the least error or stays, as
 /// the settings say (NqLimitedVelocityTool, NqBoundedLeastSquares). It slows ahead of bends of the path and
 /// of targets for which the joints could not turn fast enough. Near a singularity the direction that is
-/// being lost is damped (NqSingularityFilter).
+/// being lost is damped (NqSingularityFilter); posture and soft end-effectors can't outweigh it.
 ///
 /// The loop reads no clock and no file, starts no thread, and allocates nothing after the first step. One
 /// object belongs to one thread.
@@ -132,7 +132,7 @@ public:
     double leastSingularValue();
     double condition();
     /// Steps of the active sets in the last step: 0 where no limit is met, about one for each joint that is
-    /// held, and in the worst case 13 searches of NqBoundActiveSet::maxSteps() each. A search that is cut off
+    /// held, and in the worst case 19 searches of NqBoundActiveSet::maxSteps() each. A search that is cut off
     /// there is treated as a way that is blocked, and status().isCapped says so.
     unsigned solverSteps() const { return m_SolverSteps; }
 
@@ -204,6 +204,8 @@ private:
     void turnTowardsPath(double along);
     NqJointBounds::Cause causeOf(const NqBoundActiveSet::Hold& hold) const;
     void noteHolds(const std::vector<NqBoundActiveSet::Hold>& holds);
+    void noteLimits(const std::vector<NqBoundActiveSet::Hold>& holds);
+    bool isLimitedAlongLost() const;
     void judge();
     void judgeLostDirection();
     bool canComeNearer();

@@ -13,10 +13,12 @@ struct NqControlLoopStatus {
     enum Kind {
         Running,       ///< on the way as commanded
         Reached,       ///< all hard end-effectors are within the tolerance
-        Slowed,        ///< on the way, by less than commanded: `joints` say why
-        Held,          ///< limits of `joints` keep `endEffector` from going on along its way
+        Slowed,        ///< on the way, by less than commanded: `joints` say why, unless damping does it
+        Held,          ///< limits of `joints` keep `endEffector` from going on along its way; near a
+                       ///< singularity: without them it would go on
         Singular,      ///< the arm can't move `endEffector` along `direction`, and stands still
-        OutOfReach,    ///< the same, and there is no way nearer: `distance` is the least
+        OutOfReach,    ///< the same, and no way leads nearer from this posture: `distance` is the least
+                       ///< here, another posture may come nearer (NqPostureSearch)
         Contradictory, ///< the targets of `endEffector` and `other` exclude each other
         BadInput       ///< there was no step: something isn't finite, or validate() objects
     };

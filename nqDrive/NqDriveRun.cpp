@@ -453,11 +453,7 @@ std::string NqDriveRun::cause() const {
         also(jointNames(still) + (still.size() == 1 ? " is at its rate limit" : " are at their rate limits"));
     }
     if (text.empty()) {
-        atEnd = movingJointsNearEnd();
-        if (!atEnd.empty()) {
-            also(jointNames(atEnd) +
-                 (atEnd.size() == 1 ? " is close to its limit" : " are close to their limits"));
-        }
+        text = closeToLimits();
     }
     const bool isSoft = hardError() <= m_Task.options().tolerance && m_Record.hasSoftEndEffectors();
     if (isSoft) {
@@ -473,8 +469,8 @@ std::string NqDriveRun::inVain() const {
     return m_Record.hasSearched ? ", no other posture was found that reaches the target" : "";
 }
 
-/// The joints so near to an end of their range that they creep, if they move a hard end-effector.
-std::vector<std::size_t> NqDriveRun::movingJointsNearEnd() const {
+/// The joints so near to an end of their range that they creep, if they move a hard end-effector, in words.
+std::string NqDriveRun::closeToLimits() const {
     std::vector<std::size_t> joints;
     for (std::size_t j = 0; j < m_Record.joints.size(); ++j) {
         const NqJointDescription& joint = m_Record.joints[j].description;
@@ -490,7 +486,9 @@ std::vector<std::size_t> NqDriveRun::movingJointsNearEnd() const {
             joints.push_back(j);
         }
     }
-    return joints;
+    return joints.empty() ? ""
+                          : jointNames(joints) + (joints.size() == 1 ? " is close to its limit"
+                                                                     : " are close to their limits");
 }
 
 /// The joints that slowed the arm for a good part of the time, in words.
@@ -502,9 +500,12 @@ std::string NqDriveRun::slowedBy() const {
             joints.push_back(j);
         }
     }
-    return joints.empty() ? ""
-                          : ", " + jointNames(joints) + " slowed the arm by " +
-                                (joints.size() == 1 ? "its limits" : "their limits");
+    if (!joints.empty()) {
+        return ", " + jointNames(joints) + " slowed the arm by " +
+               (joints.size() == 1 ? "its limits" : "their limits");
+    }
+    const std::string close = m_Loop.slowing() < kHardlySlowed ? closeToLimits() : "";
+    return close.empty() ? "" : ", " + close;
 }
 
 /// What is left between the end-effectors and their targets, with its unit.

@@ -55,7 +55,7 @@ private:
     std::string chatter() const;
     std::string cause() const;
     std::string inVain() const;
-    std::vector<std::size_t> movingJointsNearEnd() const;
+    std::string closeToLimits() const;
     std::string slowedBy() const;
     std::string jointNames(const std::vector<std::size_t>& joints) const;
     std::string distanceText(std::size_t part) const;

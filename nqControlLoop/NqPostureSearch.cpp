@@ -14,8 +14,8 @@ constexpr unsigned kWanted = 8;            ///< postures to choose from
 constexpr unsigned kSteps = 60;            ///< from each start
 constexpr unsigned kTrialSteps = 10;       ///< in which the error must fall,
 constexpr double kFall = 0.9;              ///< to this share
-constexpr unsigned kPieces = 12;  ///< of the way to a posture, to see how long it takes
-constexpr double kTimeStep = 0.1; ///< s, in which a joint moves a few tenths of a radian
+constexpr unsigned kPieces = 12;           ///< of the way to a posture, to see how long it takes
+constexpr double kTimeStep = 0.1;          ///< s, in which a joint moves a few tenths of a radian
 /// How much nearer than the loop's own tolerance a posture must come.
 constexpr double kShare = 0.5;
 

@@ -270,8 +270,9 @@ bool NqDriveRun::isTooSlow() {
 
 /// Whether there is another posture that reaches the targets, which the arm then goes to.
 bool NqDriveRun::beginDetour(bool isThorough) {
-    if (m_HasSearchedHere || !m_Task.options().mayDetour || m_Task.options().isBaseFree || m_Record.detours >= kDetours ||
-        m_Searches >= kSearches || hardError() <= m_Task.options().tolerance ||
+    if (m_HasSearchedHere || !m_Task.options().mayDetour || m_Task.options().isBaseFree ||
+        m_Record.detours >= kDetours || m_Searches >= kSearches ||
+        hardError() <= m_Task.options().tolerance ||
         m_Loop.status().kind == NqControlLoopStatus::Contradictory || !idleDirection().empty()) {
         return false;
     }
@@ -398,7 +399,8 @@ std::string NqDriveRun::outcomeText() const {
                " s by the clock on the wall, and " + left;
     default:
         return "the time of " + after + " is over" +
-               (m_Loop.isGoing() ? " on a detour through another posture (" + m_DetourCause + ")" : slowedBy()) +
+               (m_Loop.isGoing() ? " on a detour through another posture (" + m_DetourCause + ")"
+                                 : slowedBy()) +
                ", and " + left;
     }
 }

@@ -54,6 +54,28 @@ TEST_F(NqDrive, SaysThatThePostureIsSingular) {
               std::string::npos);
 }
 
+/// Near singular postures a soft elbow that pulls the other way doesn't take the hard tip from its target.
+TEST_F(NqDrive, SoftEndEffectorsDontOutweighWhatIsDamped) {
+    std::string elbow = pointXml("forearm", "0 0 0", 0.5, 2.0);
+    elbow.insert(elbow.find("<pointMotionFilter>"), "<isHardConstraint>false</isHardConstraint>");
+    loadPoints("arm6.urdf", pointXml("flange", "0 0 0.12", 0.5, 2.0) + elbow,
+               {"--start", "-2.9729,2.5310,-1.4796,0.7462,-5.1414,-2.1274", "--target",
+                "0.289206,-0.043565,0.239999/0.202690,-0.149461,0.431508", "--no-detour"});
+    reachAll();
+}
+
+/// A run that is over names the joints that slow the arm, also those that keep a damped direction from going
+/// on.
+TEST_F(NqDrive, NamesTheLimitsOfADampedDirection) {
+    loadPoints("arm7.urdf", "<frameEndEffector><linkIdentifier>hand</linkIdentifier></frameEndEffector>",
+               {"--start", "-1.25255,-1.33841,-1.82067,-2.47804,-0.69390,2.29,2.01273", "--target",
+                "0.622831,0.671985,0.330738@-9.552443,89.150980,57.573181", "--no-detour", "--time", "12"});
+    NqDriveRun run(task);
+    run.execute(watcher);
+    EXPECT_NE(run.record().verdict.find("joint 'joint4' slowed the arm"), std::string::npos)
+        << run.record().verdict;
+}
+
 /// What limits block from where the arm is it reaches through another posture.
 TEST_F(NqDrive, GoesThroughAnotherPosture) {
     loadPoints("planar3.urdf", pointXml("tip", "0 0 0", 1.0, 5.0),

@@ -20,13 +20,13 @@ int main() {
     loop.addEndEffector("hand", hand);
     loop.setPositions({0.0, -0.5, 0.0, -2.2, 0.0, 1.8, 0.8}); // rad
     loop.setTarget("hand", NqControlTarget::place({0.45, 0.25, 0.40}));
-    while (loop.step() && !loop.status().isStuck() && loop.errors()[0] > 1e-6) {
+    while (loop.step() && !loop.status().isStuck() && loop.largestError() > 1e-6) {
         // A millisecond has passed: loop.rates() is what the joints are to do in it.
     }
     // README]
 
     const NqVector& point = loop.placements()[0].translation();
     std::printf("after %.3f s the point is at (%.6f, %.6f, %.6f), %.1e m from its target\n", loop.time(),
-                point.x(), point.y(), point.z(), loop.errors()[0]);
+                point.x(), point.y(), point.z(), loop.largestError());
     return loop.status().kind == NqControlLoopStatus::Reached ? 0 : 1;
 }

@@ -21,6 +21,9 @@ constexpr double kBrakingWeight = 0.1;
 constexpr double kPivotMargin = 10.0;
 /// All rates below this (rad/s, m/s): the arm stands still.
 constexpr double kRest = 0.01;
+/// The joints are at rest when they have been that slow for so long, s, and no faster from step to step.
+constexpr double kRestTime = 0.05;
+constexpr double kSpeedingUp = 1.01;
 /// A share of the commanded velocities above this counts as all of it.
 constexpr double kHardlySlowed = 0.98;
 /// Share of the joints' limits of acceleration that bends and stops may take; the rest is for the change of
@@ -133,6 +136,11 @@ std::size_t NqControlLoop::find(const std::string& name) const {
 }
 
 void NqControlLoop::setSettings(const NqControlLoopSettings& settings) {
+    if (settings == m_Settings) {
+        return;
+    }
+    m_TimeBefore = time();
+    m_StepsBefore = m_Steps;
     m_Settings = settings;
     resize();
 }
@@ -224,6 +232,7 @@ void NqControlLoop::setPositions(const std::vector<double>& positions) {
         return;
     }
     m_Position.setJointPositions(positions);
+    m_IsGoing = false;
     setState(m_Position, NqVelocityState(m_Joints));
     for (Constraint& constraint : m_Constraints) {
         std::fill(constraint.previous.begin(), constraint.previous.end(), 0.0);
@@ -262,7 +271,19 @@ bool NqControlLoop::setTarget(const std::string& name, const NqControlTarget& ta
     return setTarget(e, target);
 }
 
+bool NqControlLoop::isThere(std::size_t e) const {
+    if (e >= m_Constraints.size()) {
+        Nq::Print::instance().write(Nq::PrintFailure,
+                                    "NqControlLoop::setTarget(): no end-effector %d, there are %d.\n", e,
+                                    m_Constraints.size());
+    }
+    return e < m_Constraints.size();
+}
+
 bool NqControlLoop::setTarget(std::size_t e, const NqControlTarget& target) {
+    if (!isThere(e)) {
+        return false;
+    }
     Constraint& constraint = m_Constraints[e];
     const std::string objection = target.objection(constraint.kind, constraint.desired.size());
     if (!objection.empty()) {
@@ -282,13 +303,23 @@ bool NqControlLoop::setTarget(std::size_t e, const NqControlTarget& target) {
     return true;
 }
 
-void NqControlLoop::setTarget(std::size_t e, const NqEndEffectorPlacement& target, bool isInSystem) {
+bool NqControlLoop::setTarget(std::size_t e, const NqEndEffectorPlacement& target, bool isInSystem) {
+    if (!isThere(e)) {
+        return false;
+    }
     Constraint& constraint = m_Constraints[e];
+    if (!(target == target)) {
+        Nq::Print::instance().write(Nq::PrintFailure,
+                                    "NqControlLoop::setTarget(): the target of %s is not a number.\n",
+                                    constraint.name);
+        return false;
+    }
     constraint.target = target;
     constraint.hasTarget = true;
     constraint.isTargetInSystem = isInSystem;
     std::fill(constraint.desired.begin(), constraint.desired.end(), 0.0);
     observe();
+    return true;
 }
 
 void NqControlLoop::holdWithoutTarget() {
@@ -379,6 +410,11 @@ bool NqControlLoop::step() {
         solve();
     }
     if (!staysFinite()) {
+        if (m_Status.kind != NqControlLoopStatus::BadInput) {
+            Nq::Print::instance().write(Nq::PrintFailure,
+                                        "NqControlLoop::step(): state, targets or velocities are too large, "
+                                        "or are not numbers: no step is made.\n");
+        }
         m_Status.kind = NqControlLoopStatus::BadInput;
         std::transform(m_Velocity.jointVelocities().begin(), m_Velocity.jointVelocities().end(),
                        m_Rates.begin(), [](double rate) { return std::isfinite(rate) ? rate : 0.0; });
@@ -881,7 +917,8 @@ bool NqControlLoop::isLimitedAlongLost() const {
 double NqControlLoop::largestError() const {
     double error = 0.0;
     for (std::size_t p = 0; p < m_Parts.size(); ++p) {
-        error = m_Constraints[m_Parts[p].endEffector].isHard ? std::max(error, m_Errors[p]) : error;
+        const bool counts = m_Hard.rows == 0 || m_Constraints[m_Parts[p].endEffector].isHard;
+        error = counts ? std::max(error, m_Errors[p]) : error;
     }
     return error;
 }
@@ -893,6 +930,10 @@ void NqControlLoop::judge() {
     const double fastest = std::accumulate(m_Rates.begin(), m_Rates.end(), 0.0, [](double most, double rate) {
         return std::max(most, std::abs(rate));
     });
+    const bool isSlow = fastest < kRest && fastest < kSpeedingUp * m_FastestBefore + kIdle;
+    m_RestTime = isSlow ? m_RestTime + m_Settings.timeStep() : 0.0;
+    m_FastestBefore = fastest;
+    m_Status.isAtRest = m_RestTime > kRestTime;
     m_IsProbed = m_IsProbed && fastest < kRest;
     double residual = 0.0;
     for (std::size_t e = 0; e < m_Constraints.size(); ++e) {
@@ -913,13 +954,13 @@ void NqControlLoop::judge() {
     });
     if (m_Status.distance <= m_Settings.tolerance()) {
         m_Status.kind = NqControlLoopStatus::Reached;
-    } else if (m_Lost > 0 && fastest < kRest) {
+    } else if (m_Lost > 0 && m_Status.isAtRest) {
         judgeLostDirection();
     } else if (m_Leaving > 0.0 && hasLimits) {
         m_Status.kind = NqControlLoopStatus::Held;
     } else {
-        m_Status.kind =
-            m_Slowing < kHardlySlowed ? NqControlLoopStatus::Slowed : NqControlLoopStatus::Running;
+        const bool isLess = m_Slowing < kHardlySlowed || m_Leaving > 0.0;
+        m_Status.kind = isLess ? NqControlLoopStatus::Slowed : NqControlLoopStatus::Running;
     }
 }
 

@@ -61,9 +61,12 @@ public:
     void setSettings(const NqControlLoopSettings& settings);
     const NqControlLoopSettings& settings() const { return m_Settings; }
 
-    /// Puts the manipulator at rest somewhere. End-effectors without a target are to stay there.
+    /// Puts the manipulator at rest somewhere, and ends goTo(). End-effectors without a target are to stay
+    /// there.
     void setPositions(const std::vector<double>& positions);
-    /// Takes over a measured state for the next step.
+    /// Takes over a measured state for the next step, whose rates may differ from the given ones by what the
+    /// limits of acceleration allow. Where drives lag behind their commands pass measured positions with the
+    /// last rates(), as the measured ones would hold the arm back.
     void setState(const NqPositionState& position, const NqVelocityState& velocity);
 
     /// Where an end-effector is to go. False, with a message and the target as it was, for a name that isn't
@@ -72,7 +75,7 @@ public:
     bool setTarget(std::size_t endEffector, const NqControlTarget& target);
     /// The same in terms of placements: in the system frame, or in the frame of its relative link if it has
     /// one.
-    void setTarget(std::size_t endEffector, const NqEndEffectorPlacement& target, bool isInSystem = false);
+    bool setTarget(std::size_t endEffector, const NqEndEffectorPlacement& target, bool isInSystem = false);
 
     /// From the next step on the joints go to a posture, all arriving together, within their limits and not
     /// faster than the end-effectors may move; these leave their paths meanwhile. False, with a message, for
@@ -107,7 +110,10 @@ public:
     /// Rows of the hard end-effectors.
     unsigned rows() const { return m_Hard.rows; }
 
-    double time() const { return static_cast<double>(m_Steps) * m_Settings.timeStep(); }
+    /// Of all steps so far, s.
+    double time() const {
+        return m_TimeBefore + static_cast<double>(m_Steps - m_StepsBefore) * m_Settings.timeStep();
+    }
     std::uint64_t steps() const { return m_Steps; }
     NqManipulatorActiveState& state() { return m_State; }
     const NqEndEffectorPlacement& placement(std::size_t e) const { return m_Constraints[e].present; }
@@ -147,7 +153,7 @@ public:
     const std::vector<Part>& parts() const { return m_Parts; }
     /// What is left to the target, in the part's unit.
     const std::vector<double>& errors() const { return m_Errors; }
-    /// The largest of the hard end-effectors.
+    /// The largest of the hard end-effectors, or of all where none is hard.
     double largestError() const;
     /// Speed in the last step, as the motion filter limits it: relative to the relative link in internal
     /// mode.
@@ -189,6 +195,7 @@ private:
     void add(const std::string& name, const NqEndEffector& endEffector);
     void finishAdding();
     void holdWithoutTarget();
+    bool isThere(std::size_t endEffector) const;
     void resize();
     void stackConstraints();
     void commandVelocities();
@@ -229,6 +236,10 @@ private:
     std::vector<double> m_Weights; ///< of the joints, then of the base
 
     std::uint64_t m_Steps = 0;
+    std::uint64_t m_StepsBefore = 0; ///< of other settings,
+    double m_TimeBefore = 0.0;       ///< and their time
+    double m_RestTime = 0.0;         ///< since when the joints have been at rest
+    double m_FastestBefore = 0.0;    ///< rate in the last step
     NqPositionState m_Position;
     NqVelocityState m_Velocity;
     NqManipulatorActiveState m_State;

@@ -109,11 +109,18 @@ void NqControlLoopCheck::checkLabel(const std::string& name, const std::string& 
         }
     }
     add(true, "end-effector " + quoted(name) + " names link " + quoted(label) +
-                  ", which the robot doesn't have; the nearest is " + quoted(nearest));
+                  ", which the robot doesn't have" +
+                  (nearest.empty() ? "" : "; the nearest is " + quoted(nearest)));
 }
 
 void NqControlLoopCheck::checkEndEffector(const std::string& name, const NqEndEffector& endEffector,
                                           const NqTargetKind& kind, bool hasTarget) {
+    const NqToken& type = endEffector.token();
+    const bool isOfAllMass = type == NqControlCore::NqCenterOfMassEndEffectorToken ||
+                             type == NqControlCore::NqProjectedCenterOfMassEndEffectorToken;
+    if (endEffector.linkIdentifier().empty() && (kind.hasPlace() || kind.hasOrientation()) && !isOfAllMass) {
+        add(true, "end-effector " + quoted(name) + " has no link: its link identifier is empty");
+    }
     checkLabel(name, endEffector.linkIdentifier());
     for (const NqTargetKind::Tie& tie : kind.ties()) {
         if (tie.link != endEffector.linkIdentifier()) {
@@ -165,6 +172,6 @@ void NqControlLoopCheck::checkBaseColumns(const std::string& name, const NqEndEf
 void NqControlLoopCheck::checkRows(unsigned rows, unsigned unknowns) {
     if (rows > unknowns) {
         add(true, "the end-effectors constrain " + std::to_string(rows) +
-                      " coordinates, but there are only " + std::to_string(unknowns) + " joints");
+                      " coordinates, but joints and base have only " + std::to_string(unknowns));
     }
 }

@@ -12,8 +12,9 @@
 struct NqControlLoopStatus {
     enum Kind {
         Running,       ///< on the way as commanded
-        Reached,       ///< all hard end-effectors are within the tolerance
-        Slowed,        ///< on the way, by less than commanded: `joints` say why, unless damping does it
+        Reached,       ///< all hard end-effectors, or all where none is hard, are within the tolerance
+        Slowed,        ///< on the way, by less than commanded or beside it: `joints` say why, unless it is
+                       ///< damping, or a bend or stop ahead
         Held,          ///< limits of `joints` keep `endEffector` from going on along its way; near a
                        ///< singularity: without them it would go on
         Singular,      ///< the arm can't move `endEffector` along `direction`, and stands still
@@ -41,7 +42,8 @@ struct NqControlLoopStatus {
         std::numeric_limits<double>::infinity(); ///< of the hard rows; known where it is small
     double distance = 0.0;                       ///< largest error, m or rad
     bool isCapped = false;                       ///< whether an active set took too many steps
+    bool isAtRest = false;                       ///< whether the joints have stood still for 0.05 s
 
-    /// Whether the end-effectors are being kept from their targets.
-    bool isStuck() const { return kind >= Held; }
+    /// Whether the arm stands still and is kept from its targets.
+    bool isStuck() const { return kind >= Held && (isAtRest || kind == BadInput); }
 };

@@ -380,8 +380,10 @@ std::string NqDriveRun::outcomeText() const {
     const std::size_t count = m_Record.wayPoints.size();
     const std::string after = fixed(m_Record.time, 3) + " s";
     if (m_Record.isReached()) {
-        return (count == 1 ? "the way point was reached in "
-                           : "all " + std::to_string(count) + " way points were reached in ") +
+        const bool isNearOnly = m_Loop.rows() == 0 && m_Loop.largestError() > m_Task.options().tolerance;
+        return (isNearOnly   ? "the soft end-effectors came as near as they get in "
+                : count == 1 ? "the way point was reached in "
+                             : "all " + std::to_string(count) + " way points were reached in ") +
                after + (m_Record.detours == 0 ? "" : ", after a detour through another posture") +
                softRemainder();
     }

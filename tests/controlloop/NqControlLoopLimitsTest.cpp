@@ -114,6 +114,9 @@ TEST(NqControlLoopStatus, NamesTheCause) {
     line.setTarget("tip",
                    NqControlTarget::place(line.placements()[0].translation() - NqVector(0.3, 0.0, 0.0)));
     ASSERT_TRUE(line.step());
+    EXPECT_FALSE(line.status().isStuck()) << "it might be about to begin";
+    ASSERT_TRUE(nqMakesSteps(line, 100));
+    EXPECT_TRUE(line.status().isStuck());
     EXPECT_EQ(line.status().kind, Status::Singular);
     EXPECT_NEAR(std::abs(line.status().direction.x()), 1.0, 1.0e-9);
     EXPECT_LT(line.leastSingularValue(), 1.0e-12);
@@ -221,14 +224,15 @@ TEST(NqControlLoopCheck, ListsAllThatIsWrongAtOnce) {
     loop.addEndEffector("tip", lost);
     loop.addEndEffector("turn", nqOn<NqOrientationEndEffector>("hand"));
     loop.addEndEffector("more", nqOn<NqFrameEndEffector>("hand"));
+    loop.addEndEffector("loose", nqOn(""));
     std::string all;
     for (const NqControlLoopCheck::Issue& issue : loop.validate()) {
         all += issue.text + "\n";
     }
-    for (const char* words :
-         {"12 coordinates", "joint 'wrist' has a rate limit of -1", "range from 1 to -1", "time step is NaN",
-          "joint weights has 2 entries for 1", "the nearest is 'hand'", "limit that isn't above 0",
-          "'turn' can't be used with a free base", "no target"}) {
+    for (const char* words : {"15 coordinates", "'loose' has no link", "joint 'wrist' has a rate limit of -1",
+                              "range from 1 to -1", "time step is NaN", "joint weights has 2 entries for 1",
+                              "the nearest is 'hand'", "limit that isn't above 0",
+                              "'turn' can't be used with a free base", "no target"}) {
         EXPECT_NE(all.find(words), std::string::npos) << words << " in\n" << all;
     }
     EXPECT_FALSE(loop.step());

@@ -57,7 +57,13 @@ TEST(NqControlLoop, TakesTargetsByNameInBothFrames) {
     EXPECT_FALSE(loop.setTarget("left", NqControlTarget::number(1.0)));
     EXPECT_FALSE(loop.setTarget("left", NqControlTarget::place({0.0, std::nan(""), 0.0})));
     EXPECT_FALSE(loop.setTarget("left", NqControlTarget::place(inLeft).withVelocity({1.0})));
-    EXPECT_EQ(messages.lines().size(), 5u);
+    EXPECT_FALSE(loop.setTarget(2, NqControlTarget::place(inLeft))) << "there are two";
+    EXPECT_FALSE(loop.setTarget(1, NqEndEffectorPlacement(NqVector(std::nan(""), 0.0, 0.0))));
+    EXPECT_EQ(messages.lines().size(), 7u);
+
+    const double time = loop.time();
+    loop.setSettings(nqSettingsOf(0.02));
+    EXPECT_EQ(loop.time(), time) << "longer steps don't change those that were made";
 }
 
 /// The target moves along at constant velocity: with feed-forward the point keeps up with it.

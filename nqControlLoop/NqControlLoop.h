@@ -161,7 +161,7 @@ public:
     /// By how much the velocity changed in the last step, for the time of it.
     const std::vector<double>& accelerations() const { return m_Accelerations; }
 
-    /// Share of the commanded step that was made, 0 to 1.
+    /// Share of the commanded velocity that was made along it, 0 to 1: 1 where nothing slows the motion.
     double slowing() const { return m_Slowing; }
 
 private:

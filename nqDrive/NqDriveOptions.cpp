@@ -276,6 +276,7 @@ Soft end-effectors (isHardConstraint false) come as near to their targets as the
 way points count as reached when they come no nearer or, with hard ones at theirs, when the time is over.
 Positions and rates are in rad and rad/s, of linear joints in m and m/s.
 
+An exclamation mark in a table stands for a value over its limit.
 Exit status: 0 when all targets were reached, 1 when they were not, 2 for bad usage or input.
 
 Examples:

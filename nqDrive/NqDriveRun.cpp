@@ -495,7 +495,7 @@ std::string NqDriveRun::closeToLimits() const {
                                                                      : " are close to their limits");
 }
 
-/// The joints that slowed the arm for a good part of the time, in words.
+/// The joints that slowed the arm for a good part of the time, or what slows it in the end, in words.
 std::string NqDriveRun::slowedBy() const {
     std::vector<std::size_t> joints;
     for (std::size_t j = 0; j < m_Record.joints.size(); ++j) {
@@ -508,8 +508,16 @@ std::string NqDriveRun::slowedBy() const {
         return ", " + jointNames(joints) + " slowed the arm by " +
                (joints.size() == 1 ? "its limits" : "their limits");
     }
-    const std::string close = m_Loop.slowing() < kHardlySlowed ? closeToLimits() : "";
-    return close.empty() ? "" : ", " + close;
+    if (m_Loop.slowing() >= kHardlySlowed) {
+        return "";
+    }
+    const double least = m_Loop.status().leastSingularValue;
+    const std::string close = closeToLimits();
+    return !close.empty() ? ", " + close
+           : std::isfinite(least)
+               ? ", a posture that is nearly singular slowed the arm (least singular value " +
+                     significant(least, 3) + ")"
+               : "";
 }
 
 /// What is left between the end-effectors and their targets, with its unit.

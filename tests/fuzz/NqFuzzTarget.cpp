@@ -57,13 +57,27 @@ Class& classOf(const NqXmlObject& object) {
     return made;
 }
 
+/// Whether there is an exponent without digits, which libxml2 takes for one, though XML Schema doesn't.
+bool hasOpenExponent(std::string_view text) {
+    constexpr std::string_view digits = "0123456789";
+    for (std::size_t e = text.find_first_of("eE"); e != text.npos; e = text.find_first_of("eE", e + 1)) {
+        const std::size_t sign = text.substr(e + 1).find_first_not_of("+-") == 0 ? 0 : 1;
+        const std::string_view behind = text.substr(std::min(text.size(), e + 1 + sign));
+        const bool isInNumber = e > 0 && (digits.find(text[e - 1]) != digits.npos || text[e - 1] == '.');
+        if (isInNumber && (behind.empty() || digits.find(behind[0]) == digits.npos)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 bool isValid(const NqXmlObject& object, std::string_view text) {
     const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> document(
         xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr,
                       XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NONET),
         xmlFreeDoc);
     const bool isEndedByZero = text.find('\0') != std::string_view::npos; // which libxml2 takes for the end
-    if (!document || document->intSubset || isEndedByZero) {
+    if (!document || document->intSubset || isEndedByZero || hasOpenExponent(text)) {
         return false;
     }
     const std::unique_ptr<xmlSchemaValidCtxt, decltype(&xmlSchemaFreeValidCtxt)> context(

@@ -1,6 +1,5 @@
 #include <nqControlCore/endeffector/special/NqXyBasedEndEffector.h>
 
-#include <nqControlCore/endeffector/NqLinkLookup.h>
 #include <nqControlCore/endeffector/NqLinkMotion.h>
 #include <nqControlCore/endeffector/NqVelocityEntries.h>
 #include <nqControlCore/foundation/manipulator/NqManipulatorActiveState.h>

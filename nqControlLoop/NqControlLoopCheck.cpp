@@ -115,10 +115,9 @@ void NqControlLoopCheck::checkLabel(const std::string& name, const std::string& 
 
 void NqControlLoopCheck::checkEndEffector(const std::string& name, const NqEndEffector& endEffector,
                                           const NqTargetKind& kind, bool hasTarget) {
-    const NqToken& type = endEffector.token();
-    const bool isOfAllMass = type == NqControlCore::NqCenterOfMassEndEffectorToken ||
-                             type == NqControlCore::NqProjectedCenterOfMassEndEffectorToken;
-    if (endEffector.linkIdentifier().empty() && (kind.hasPlace() || kind.hasOrientation()) && !isOfAllMass) {
+    const bool isOnLink =
+        (kind.hasPlace() || kind.hasOrientation()) && !NqTargetType::of(endEffector).isOfAllMass;
+    if (endEffector.linkIdentifier().empty() && isOnLink) {
         add(true, "end-effector " + quoted(name) + " has no link: its link identifier is empty");
     }
     checkLabel(name, endEffector.linkIdentifier());

@@ -51,12 +51,16 @@ const std::vector<Line>& lines() {
                                  unsigned angular) {
         return Type{content, measure, linear, angular, "", -kUnlimited, kUnlimited};
     };
+    constexpr auto ofAllMass = [](Type type) {
+        type.isOfAllMass = true;
+        return type;
+    };
     constexpr auto whole = Type::ByPlacement;
     constexpr auto part = Type::ByRows;
     static const std::vector<Line> table{
         {NqPointEndEffectorToken, geometry(Form::Place, whole, 3, 0)},
-        {NqCenterOfMassEndEffectorToken, geometry(Form::Place, whole, 3, 0)},
-        {NqProjectedCenterOfMassEndEffectorToken, geometry(Form::Place, part, 2, 0)},
+        {NqCenterOfMassEndEffectorToken, ofAllMass(geometry(Form::Place, whole, 3, 0))},
+        {NqProjectedCenterOfMassEndEffectorToken, ofAllMass(geometry(Form::Place, part, 2, 0))},
         {NqXEndEffectorToken, geometry(Form::Place, part, 1, 0)},
         {NqXyEndEffectorToken, geometry(Form::Place, part, 2, 0)},
         {NqLookAtEndEffectorToken, geometry(Form::Place, part, 2, 0)},

@@ -41,6 +41,7 @@ struct NqTargetType {
     std::string_view unit; ///< of a number: "m", "rad", empty for what the joints say
     double least;          ///< of a number
     double greatest;
+    bool isOfAllMass = false; ///< of the manipulator, not of a link
 
     /// The type's line. A type that has none gets one by its base class or, failing that, by what its
     /// placement and its rows look like.

@@ -73,8 +73,8 @@ bool hasOpenExponent(std::string_view text) {
 
 bool isValid(const NqXmlObject& object, std::string_view text) {
     const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> document(
-        xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr,
-                      XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NONET),
+        xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, "UTF-8",
+                      XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NONET | XML_PARSE_IGNORE_ENC),
         xmlFreeDoc);
     const bool isEndedByZero = text.find('\0') != std::string_view::npos; // which libxml2 takes for the end
     if (!document || document->intSubset || isEndedByZero) {

@@ -85,7 +85,7 @@ void NqControlLoop::addEndEffectors(const NqEndEffectorVector& endEffectors) {
     for (unsigned e = 0; e < endEffectors.size(); ++e) {
         add(names[e], *endEffectors[e]);
     }
-    finishAdding();
+    arrange();
 }
 
 bool NqControlLoop::addEndEffector(const std::string& name, const NqEndEffector& endEffector,
@@ -99,7 +99,7 @@ bool NqControlLoop::addEndEffector(const std::string& name, const NqEndEffector&
     if (!isFiltered) {
         m_Constraints.back().endEffector->setFilteringActive(false);
     }
-    finishAdding();
+    arrange();
     return true;
 }
 
@@ -110,20 +110,40 @@ void NqControlLoop::add(const std::string& name, const NqEndEffector& endEffecto
     const NqEndEffector& own = *constraint.endEffector;
     constraint.kind = NqTargetKind(own, m_Manipulator);
     constraint.isHard = own.isHardConstraint();
-    constraint.row = stackOf(constraint).rows;
-    stackOf(constraint).rows += own.doc();
     constraint.desired.assign(own.doc(), 0.0);
     constraint.previous = constraint.filtered = constraint.desired;
     constraint.velocity.resize(own.doc());
     constraint.change.resize(own.doc());
-    constraint.firstPart = m_Parts.size();
-    for (const NqTargetKind::Part& part : constraint.kind.parts()) {
-        m_Parts.push_back({m_Constraints.size() - 1, part});
-    }
 }
 
-/// Makes room for new end-effectors, and leaves each where it is.
-void NqControlLoop::finishAdding() {
+bool NqControlLoop::removeEndEffector(const std::string& name) {
+    const std::size_t e = find(name);
+    if (e == m_Constraints.size()) {
+        Nq::Print::instance().write(Nq::PrintFailure,
+                                    "NqControlLoop::removeEndEffector(): no end-effector %s.\n", name);
+        return false;
+    }
+    m_Constraints.erase(m_Constraints.begin() + static_cast<std::ptrdiff_t>(e));
+    arrange();
+    return true;
+}
+
+/// Gives the end-effectors their rows and parts, one behind the other, and leaves each without a target where
+/// it is.
+void NqControlLoop::arrange() {
+    m_Hard = m_Soft = {};
+    m_SoftWeights = NqReArray();
+    m_Parts.clear();
+    m_Status = {};
+    for (std::size_t e = 0; e < m_Constraints.size(); ++e) {
+        Constraint& constraint = m_Constraints[e];
+        constraint.row = stackOf(constraint).rows;
+        stackOf(constraint).rows += constraint.endEffector->doc();
+        constraint.firstPart = m_Parts.size();
+        for (const NqTargetKind::Part& part : constraint.kind.parts()) {
+            m_Parts.push_back({e, part});
+        }
+    }
     resize();
     holdWithoutTarget();
     observe();
@@ -825,6 +845,15 @@ bool NqControlLoop::goTo(const std::vector<double>& posture) {
                                     "NqControlLoop::goTo(): that is no posture of the manipulator.\n");
         return false;
     }
+    for (unsigned j = 0; j < m_Joints; ++j) {
+        const double way = std::abs(posture[j] - m_Position.jointPositions()[j]);
+        if (m_Limits[j].rate == 0.0 && way > m_Settings.tolerance()) {
+            Nq::Print::instance().write(Nq::PrintFailure,
+                                        "NqControlLoop::goTo(): joint %s can't move, and is elsewhere.\n",
+                                        m_Manipulator.linkByIndex(j)->joint().name());
+            return false;
+        }
+    }
     m_Going = posture;
     m_IsGoing = true;
     return true;
@@ -852,7 +881,7 @@ void NqControlLoop::goOn() {
     for (unsigned j = 0; j < m_Joints; ++j) {
         m_Wished[j] = kGoingGain * (m_Going[j] - m_Position.jointPositions()[j]);
         const double rate = m_Limits[j].rate;
-        if (std::abs(m_Wished[j]) * scale > rate) {
+        if (rate > 0.0 && std::abs(m_Wished[j]) * scale > rate) {
             scale = rate / std::abs(m_Wished[j]);
         }
     }
@@ -952,7 +981,8 @@ void NqControlLoop::judge() {
     const bool hasLimits = std::any_of(m_Status.joints.begin(), m_Status.joints.end(), [](const auto& joint) {
         return joint.cause != NqJointBounds::Cause::Acceleration;
     });
-    if (m_Status.distance <= m_Settings.tolerance()) {
+    const double left = m_IsGoing ? leftToGo() : m_Status.distance;
+    if (left <= m_Settings.tolerance()) {
         m_Status.kind = NqControlLoopStatus::Reached;
     } else if (m_Lost > 0 && m_Status.isAtRest) {
         judgeLostDirection();

@@ -54,6 +54,9 @@ public:
     bool addEndEffector(const std::string& name, const NqEndEffector& endEffector, bool isFiltered = true);
     /// All of a collection, named by uniqueNames().
     void addEndEffectors(const NqEndEffectorVector& endEffectors);
+    /// Takes an end-effector out; those behind it move up. False, with a message, for a name that isn't
+    /// there.
+    bool removeEndEffector(const std::string& name);
     /// For each end-effector the label of its link or, where it has none, its type, numbered where several
     /// are the same.
     static std::vector<std::string> uniqueNames(const NqEndEffectorVector& endEffectors);
@@ -79,7 +82,7 @@ public:
 
     /// From the next step on the joints go to a posture, all arriving together, within their limits and not
     /// faster than the end-effectors may move; these leave their paths meanwhile. False, with a message, for
-    /// a posture that isn't one or is out of the joints' ranges.
+    /// a posture that isn't one, is out of the joints' ranges, or has a joint elsewhere that can't move.
     bool goTo(const std::vector<double>& posture);
     bool isGoing() const { return m_IsGoing; }
     /// Largest distance of a joint from there.
@@ -193,7 +196,7 @@ private:
 
     Stack& stackOf(const Constraint& constraint) { return constraint.isHard ? m_Hard : m_Soft; }
     void add(const std::string& name, const NqEndEffector& endEffector);
-    void finishAdding();
+    void arrange();
     void holdWithoutTarget();
     bool isThere(std::size_t endEffector) const;
     void resize();

@@ -12,7 +12,8 @@
 struct NqControlLoopStatus {
     enum Kind {
         Running,       ///< on the way as commanded
-        Reached,       ///< all hard end-effectors, or all where none is hard, are within the tolerance
+        Reached,       ///< all hard end-effectors, or all where none is hard, are within the tolerance; on
+                       ///< the way to a posture: all joints
         Slowed,        ///< on the way, by less than commanded or beside it: `joints` say why, unless it is
                        ///< damping, or a bend or stop ahead
         Held,          ///< limits of `joints` keep `endEffector` from going on along its way; near a

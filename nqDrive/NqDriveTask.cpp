@@ -56,10 +56,10 @@ bool NqDriveTask::readFiles() {
         return refuse("cannot read the robot " + inQuotes(m_Options.model) + ": " +
                       messages.last("not a URDF model"));
     }
-    const std::size_t robotMessages = messages.count();
+    const std::size_t ofRobot = messages.lines().size();
     if (!NqXmlDocument::readFile(m_Options.endEffectors, m_EndEffectors)) {
         return refuse("cannot read the end-effectors " + inQuotes(m_Options.endEffectors) + ": " +
-                      messages.last("not an endEffectorVector", robotMessages));
+                      messages.joined("not an endEffectorVector", ofRobot));
     }
     m_Notes = messages.counted();
     if (m_Manipulator.numberOfJoints() == 0) {

@@ -26,6 +26,14 @@ std::vector<std::string> NqMessageCollector::counted() const {
     return lines;
 }
 
+std::string NqMessageCollector::joined(const std::string& otherwise, std::size_t seen) const {
+    std::string text;
+    for (std::size_t i = seen; i < m_Lines.size(); ++i) {
+        text += (text.empty() ? "" : "; ") + m_Lines[i];
+    }
+    return text.empty() ? otherwise : text;
+}
+
 NqMessageCollector::NqMessageCollector() {
     Nq::Print::instance().setSink([this](unsigned, const std::string& text) {
         std::string line;

@@ -16,10 +16,10 @@ public:
     const std::vector<std::string>& lines() const { return m_Lines; }
     /// The kept messages, with how many more there were like each.
     std::vector<std::string> counted() const;
-    /// The last message, kept or not; `otherwise` if there was none after the first `seen`.
-    std::string last(const std::string& otherwise, std::size_t seen = 0) const {
-        return m_Count <= seen ? otherwise : m_Last;
-    }
+    /// The last message, kept or not; `otherwise` if there was none.
+    std::string last(const std::string& otherwise) const { return m_Count == 0 ? otherwise : m_Last; }
+    /// The kept messages after the first `seen`, one behind the other; `otherwise` if there are none.
+    std::string joined(const std::string& otherwise, std::size_t seen) const;
     std::size_t count() const { return m_Count; }
 
 private:

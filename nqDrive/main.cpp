@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 namespace {
 
@@ -15,14 +16,23 @@ constexpr int kReached = 0;
 constexpr int kNotReached = 1;
 constexpr int kRefused = 2;
 
-bool writeFile(const std::filesystem::path& file, const std::string& content) {
-    std::ofstream stream(file, std::ios::binary);
-    stream << content;
+bool isWritten(std::ofstream stream, const std::filesystem::path& file) {
     stream.close();
     if (!stream) {
         NqDriveConsole::complain("cannot write '" + file.string() + "'");
     }
     return static_cast<bool>(stream);
+}
+
+/// Whether a file can be written, asked before the run; what stands in it stays.
+bool isWritable(const std::filesystem::path& file) {
+    return isWritten(std::ofstream(file, std::ios::app), file);
+}
+
+bool writeFile(const std::filesystem::path& file, const std::string& content) {
+    std::ofstream stream(file, std::ios::binary);
+    stream << content;
+    return isWritten(std::move(stream), file);
 }
 
 /// Trajectory, report and picture.
@@ -56,6 +66,10 @@ int drive(const NqDriveOptions& options) {
     std::filesystem::create_directories(options.output, error);
     if (error) {
         NqDriveConsole::complain("cannot make the folder '" + options.output + "': " + error.message());
+        return kRefused;
+    }
+    if (!isWritable(std::filesystem::path(options.output) / "trajectory.csv") ||
+        (!options.svg.empty() && !isWritable(options.svg))) {
         return kRefused;
     }
     NqDriveRun run(task);

@@ -66,6 +66,40 @@ TEST(NqControlLoop, TakesTargetsByNameInBothFrames) {
     EXPECT_EQ(loop.time(), time) << "longer steps don't change those that were made";
 }
 
+TEST(NqControlLoop, GoesOnWithoutAnEndEffector) {
+    const NqIndividualManipulator robot = nqTestManipulator("twin9");
+    NqControlLoop loop(robot);
+    loop.addEndEffector("left", nqOn("left_tip"));
+    loop.addEndEffector("right", nqOn("right_tip"));
+    const std::vector<double> start = {0.0, 0.4, 0.8, -1.3, 0.4, 0.1, 0.2, -0.8, 0.9};
+    loop.setPositions(start);
+    const NqVector target = loop.placements()[1].translation() + NqVector(0.1, 0.0, 0.1);
+    loop.setTarget("right", NqControlTarget::place(target));
+    ASSERT_TRUE(nqMakesSteps(loop, 60));
+    const double speed = loop.speeds()[1];
+    EXPECT_TRUE(loop.removeEndEffector("left"));
+    ASSERT_TRUE(loop.step());
+    EXPECT_EQ(loop.jacobian().rows(), 3u);
+    EXPECT_GT(loop.speeds()[0], speed);
+    ASSERT_TRUE(reaches(loop, 5.0));
+    EXPECT_LT((loop.placements()[0].translation() - target).mag(), 1.1e-4);
+
+    const NqPrintCapture messages;
+    EXPECT_FALSE(loop.removeEndEffector("left"));
+    ASSERT_TRUE(loop.goTo(start));
+    ASSERT_TRUE(loop.step());
+    EXPECT_EQ(loop.status().kind, NqControlLoopStatus::Running) << "it is still far from there";
+    ASSERT_TRUE(nqMakesSteps(loop, 5000));
+    EXPECT_EQ(loop.status().kind, NqControlLoopStatus::Reached);
+    NqControlLoopSettings settings = loop.settings();
+    NqControlLoopSettings::Labels held;
+    held.pushBack(NqXmlBasicType<std::string>(robot.linkByIndex(1)->joint().name()));
+    settings.setHeldJoints(held);
+    loop.setSettings(settings);
+    EXPECT_FALSE(loop.goTo(std::vector<double>(9, 0.0)));
+    EXPECT_EQ(messages.lines().size(), 2u);
+}
+
 /// The target moves along at constant velocity: with feed-forward the point keeps up with it.
 TEST(NqControlLoop, FollowsATargetThatMoves) {
     NqArm7Loop arm((NqControlLoopSettings()));

@@ -9,32 +9,13 @@
 
 namespace {
 
-/// Below this share of the commanded velocities the motion begins to leave its path, and at this one it
-/// follows the least error alone.
-constexpr double kWhollyOnPath = 0.1;
-constexpr double kWhollyOffPath = 0.02;
-/// Weight of the error along the path beside that across it where only the joints' accelerations are in the
-/// way: the motion then brakes rather than strays.
-constexpr double kBrakingWeight = 0.1;
-/// So many times the threshold a pivot may be and singular values still be asked for: pivots are seldom so
-/// much larger than the least singular value.
-constexpr double kPivotMargin = 10.0;
 /// All rates below this (rad/s, m/s): the arm stands still.
 constexpr double kRest = 0.01;
 /// The joints are at rest when they have been that slow for so long, s, and no faster from step to step.
 constexpr double kRestTime = 0.05;
 constexpr double kSpeedingUp = 1.01;
-/// A share of the commanded velocities above this counts as all of it.
-constexpr double kHardlySlowed = 0.98;
-/// Share of the joints' limits of acceleration that bends and stops may take; the rest is for the change of
-/// posture.
-constexpr double kTurning = 0.7;
 /// Of joints that could make all that is left, if it weren't for their limits, rad or m.
 constexpr double kSmallTurn = 0.1;
-/// Lost directions are served above this share of the threshold, not at all below that.
-constexpr double kServed = 0.2;
-constexpr double kUnserved = 0.1;
-constexpr double kLeastServed = 0.9; ///< of what is asked along them
 /// A speed below this needs no stopping.
 constexpr double kIdle = 1.0e-6;
 /// A least singular value below this is rounding: rows depend on each other, or no joint moves them.
@@ -44,11 +25,6 @@ constexpr double kGoingGain = 8.0;
 /// How far the joints are moved to see what that brings, rad or m.
 constexpr double kProbe = 0.05;
 constexpr double kUnbounded = std::numeric_limits<double>::infinity();
-
-/// By how much a motion leaves its path that makes a share of what is commanded.
-double shareOffPath(double scale) {
-    return std::clamp((kWhollyOnPath - scale) / (kWhollyOnPath - kWhollyOffPath), 0.0, 1.0);
-}
 
 } // namespace
 
@@ -182,33 +158,16 @@ void NqControlLoop::resize() {
     m_Here = m_Position;
     m_Gradient.assign(columns(), 0.0);
     m_Rates.resize(columns());
-    m_Limits.clear();
+    std::vector<NqJointBounds::Limits> limits;
     for (unsigned j = 0; j < m_Joints; ++j) {
-        m_Limits.push_back(limitsOf(j));
+        limits.push_back(limitsOf(j));
     }
-    m_Bounds.assign(m_Joints,
-                    NqJointBounds(m_Limits.empty() ? NqJointBounds::Limits{} : m_Limits[0], 0.0, 0.0, 1.0));
-    m_Lower.assign(columns(), -kUnbounded);
-    m_Upper.assign(columns(), kUnbounded);
-    m_Sliding.assign(columns(), 0.0);
-    m_Wished = m_DampedGradient = m_Sliding;
-    m_DampedMetric.setToZeros(columns(), columns());
+    m_Solver.prepare(columns(), m_Hard.rows, limits);
+    m_Straight.assign(columns(), 0.0);
     m_Hard.command.resize(m_Hard.rows);
-    m_NoCommand.assign(m_Hard.rows, 0.0);
-    m_Turning = m_CommandBefore = m_SlidingCommand = m_Serving = m_NoCommand;
-    m_SlidingRows.setToZeros(m_Hard.rows, columns());
-    m_TurningRates = m_PathBefore = m_Sliding;
-    if (m_Hard.rows <= columns()) {
-        m_Tool.prepare(columns(), m_Hard.rows);
-        m_ReducedTools.resize(m_Hard.rows + 1);
-        for (unsigned lost = 0; lost <= m_Hard.rows; ++lost) {
-            m_ReducedTools[lost].prepare(columns(), m_Hard.rows - lost);
-        }
-    }
-    m_Singularities.prepare(m_Hard.rows, columns());
+    m_Braking.assign(m_Hard.rows, 0.0);
     m_Probe.prepare(m_Hard.rows, columns());
     m_Status.joints.reserve(m_Joints);
-    m_LeastSquares.prepare(columns());
     m_Soft.command.resize(m_Soft.rows);
     m_Placements.resize(m_Constraints.size());
     m_Errors.resize(m_Parts.size());
@@ -224,7 +183,7 @@ void NqControlLoop::resize() {
                                                             m_Settings.isBaseFixed(), sparsity);
         }
     }
-    m_Tool.setSparsity(sparsity);
+    m_Solver.setSparsity(sparsity);
 }
 
 NqJointBounds::Limits NqControlLoop::limitsOf(unsigned j) const {
@@ -423,7 +382,7 @@ bool NqControlLoop::step() {
     stackConstraints();
     commandVelocities();
     weighSoftConstraints();
-    boundRates();
+    m_Solver.bound(positions(), m_Rates, m_Settings.timeStep());
     if (m_IsGoing) {
         goOn();
     } else {
@@ -531,15 +490,6 @@ double NqControlLoop::crowding(unsigned j) const {
     return 1.0 + 0.25 * (upper - lower) * (upper - lower) * std::abs(excess) / (room * room);
 }
 
-void NqControlLoop::boundRates() {
-    for (unsigned j = 0; j < m_Joints; ++j) {
-        m_Bounds[j] =
-            NqJointBounds(m_Limits[j], m_Position.jointPositions()[j], m_Rates[j], m_Settings.timeStep());
-        m_Lower[j] = m_Bounds[j].lower;
-        m_Upper[j] = m_Bounds[j].upper;
-    }
-}
-
 /// By how much the share of the commanded velocities may change in a step, such that the end-effectors keep
 /// their own limits of acceleration.
 double NqControlLoop::greatestScaleChange() const {
@@ -555,290 +505,48 @@ double NqControlLoop::greatestScaleChange() const {
     return rise;
 }
 
-/// How much of the commanded velocities there may be for the joints to follow the bends of the path and to
-/// stop at the targets, within their limits of acceleration. With a share s of the command, rates along the
-/// path of t for a unit of s and the same t' a step before, the joints need
-///     s^2 (J^+ v' - t') / (s' h)    for the bends, v' and s' being those of the step before, and
-///     s^2 J^+ b                     for stopping:
-/// an end-effector with a speed of v and a way of d to go slows by at least b = v^2 / (2 d).
-/// Joints that are held make the others' rates others than t: then only stopping counts, and they don't.
-double NqControlLoop::greatestTurnableScale(NqLimitedVelocityTool& tool, bool isHolding) {
-    const double timeStep = m_Settings.timeStep();
-    const auto isAtEnd = [&](const NqBoundActiveSet::Hold& hold) {
-        return hold.unknown < m_Joints && causeOf(hold) != NqJointBounds::Cause::Acceleration;
-    };
-    const auto isHeld = [&](unsigned j) {
-        return std::any_of(tool.holds().begin(), tool.holds().end(),
-                           [&](const auto& hold) { return hold.unknown == j && isAtEnd(hold); });
-    };
-    isHolding = isHolding && std::any_of(tool.holds().begin(), tool.holds().end(), isAtEnd);
-    const bool isKnown = m_IsPathKnown && !isHolding && m_Scale > kWhollyOnPath && m_Lost == m_LostBefore;
-    const double perTime = isKnown ? 1.0 / (m_Scale * timeStep) : 0.0;
+/// The accelerations with which the hard end-effectors come to a stop at their targets: with a speed of v and
+/// a way of d to go at least v^2 / (2 d). Returns the greatest of these for the velocity that it takes away,
+/// 1/s.
+double NqControlLoop::findBraking() {
     double steepest = 0.0;
-    std::fill(m_Turning.begin(), m_Turning.end(), 0.0);
+    std::fill(m_Braking.begin(), m_Braking.end(), 0.0);
     for (std::size_t p = 0; p < m_Parts.size(); ++p) {
         const Constraint& constraint = m_Constraints[m_Parts[p].endEffector];
         if (!constraint.isHard || constraint.kind.form().content == NqTargetForm::Nothing) {
             continue;
         }
         const NqTargetKind::Part& part = m_Parts[p].part;
-        double* braking = m_Turning.data() + constraint.row;
+        double* braking = m_Braking.data() + constraint.row;
         for (unsigned i = part.row; i < part.row + part.rows; ++i) {
             braking[i] = constraint.desired[i] - constraint.filtered[i];
         }
         const double speed = part.size(braking);
-        const double slope = speed < kIdle ? 0.0 : 0.5 * speed / std::max(m_Errors[p], speed * timeStep);
+        const double slope =
+            speed < kIdle ? 0.0 : 0.5 * speed / std::max(m_Errors[p], speed * m_Settings.timeStep());
         for (unsigned i = part.row; i < part.row + part.rows; ++i) {
             braking[i] *= slope;
         }
         steepest = std::max(steepest, slope);
     }
-    double scale = 1.0;
-    bool isFar = true; // from what the joints can do, by a simple estimate
-    for (unsigned j = 0; j < m_Joints && isFar; ++j) {
-        const double path = tool.path()[j];
-        isFar = perTime * std::abs(path - m_PathBefore[j]) + steepest * std::abs(path) <=
-                kTurning * m_Limits[j].acceleration;
-    }
-    if (!isFar) {
-        for (unsigned i = 0; i < m_Hard.rows; ++i) {
-            m_Turning[i] += perTime * m_CommandBefore[i];
-        }
-        if (m_Lost > 0) {
-            m_Singularities.projectVelocity(m_Turning);
-        }
-        tool.findPath(m_Lost > 0 ? m_Singularities.keptVelocity() : m_Turning, m_TurningRates);
-    }
-    for (unsigned j = 0; j < m_Joints && !isFar; ++j) {
-        const double needed = std::abs(m_TurningRates[j] - perTime * m_PathBefore[j]);
-        const double there = kTurning * m_Limits[j].acceleration;
-        if (needed * scale * scale > there && !(isHolding && isHeld(j))) {
-            scale = std::sqrt(there / needed);
-        }
-    }
-    std::copy(tool.path().begin(), tool.path().end(), m_PathBefore.begin());
-    std::copy(m_Hard.command.begin(), m_Hard.command.end(), m_CommandBefore.begin());
-    m_LostBefore = m_Lost;
-    m_IsPathKnown = !isHolding;
-    return scale;
+    return steepest;
 }
 
-/// Share of the commanded velocities that the rates make, along these.
-double NqControlLoop::shareMade() const {
-    double made = 0.0;
-    double commanded = 0.0;
-    for (unsigned i = 0; i < m_Hard.rows; ++i) {
-        const auto& row = m_Hard.jacobian[i];
-        made += m_Hard.command[i] * std::inner_product(row.begin(), row.end(), m_Rates.begin(), 0.0);
-        commanded += m_Hard.command[i] * m_Hard.command[i];
-    }
-    const double share = commanded > 0.0 ? made / commanded : 1.0; // NaN where squares overflow
-    return share > 0.0 ? std::min(share, 1.0) : 0.0;
-}
-
-/// Joint rates with J rates = scale * command that otherwise descend the gradient under the metric.
+/// The rates that the end-effectors ask for.
 void NqControlLoop::solve() {
-    using Outcome = NqLimitedVelocityTool::Outcome;
-    NqLimitedVelocityTool* tool = &m_Tool;
-    Outcome outcome = m_Tool.solve(m_Hard.jacobian, m_Metric, m_Gradient, m_Hard.command, m_Lower, m_Upper);
-    m_Determinant = outcome == Outcome::Failed ? 0.0 : m_Tool.determinant();
-    m_Lost = 0;
-    const double threshold = m_Settings.singularityThreshold();
-    if (outcome == Outcome::Failed || (m_Hard.rows > 0 && m_Tool.leastPivot() < kPivotMargin * threshold &&
-                                       m_Singularities.isNear(m_Hard.jacobian, m_Hard.rows, threshold))) {
-        m_Lost = m_Singularities.split(m_Hard.jacobian, m_Hard.rows, threshold);
-        if (m_Lost > 0) {
-            dampLostDirections(false);
-            m_Singularities.projectVelocity(m_Hard.command);
-            tool = &m_ReducedTools[m_Lost];
-            outcome = tool->solve(m_Singularities.keptRows(), m_DampedMetric, m_DampedGradient,
-                                  m_Singularities.keptVelocity(), m_Lower, m_Upper);
-        }
-    }
-    m_Status.joints.clear();
-    const double scale = outcome == Outcome::Failed || outcome == Outcome::Blocked ? 0.0 : tool->scale();
-    double greatest = 0.0;
-    if (outcome != Outcome::Failed) {
-        const double change = greatestScaleChange();
-        greatest = std::min(
-            {1.0, m_Scale + change,
-             std::max(m_Scale - change, greatestTurnableScale(*tool, outcome != Outcome::Unlimited))});
-    }
-    if (outcome == Outcome::Slowed || outcome == Outcome::Blocked) {
-        noteHolds(tool->holds());
-    }
-    double leaving = shareOffPath(scale);
-    if (leaving < 1.0 && scale > greatest) {
-        outcome = tool->solveAgain(greatest, m_Lower, m_Upper);
-        leaving = outcome == Outcome::Blocked ? 1.0 : leaving;
-    }
-    if (leaving < 1.0) {
-        std::copy(tool->rates().begin(), tool->rates().end(), m_Rates.begin());
-    }
-    m_Scale = std::min(scale, greatest);
-    m_Leaving = leaving;
-    const double along = outcome == Outcome::Blocked ? alongWeight(*tool) : 1.0;
-    m_SolverSteps = m_Tool.steps() + (tool == &m_Tool ? 0 : tool->steps());
-    m_Status.isCapped = m_Tool.isCapped() || tool->isCapped();
-    std::fill(m_Wished.begin(), m_Wished.end(), 0.0);
-    if (outcome != Outcome::Failed) {
-        std::copy(tool->nullSpaceRates().begin(), tool->nullSpaceRates().end(), m_Wished.begin());
-    }
-    if (m_Lost > 0 && leaving < 1.0) {
-        serveLostDirections();
-    }
-    if (leaving > 0.0) {
-        leavePath(leaving, along);
-    }
-    for (std::size_t k = 0; k < m_Rates.size(); ++k) {
-        m_Rates[k] = std::clamp(m_Rates[k], m_Lower[k], m_Upper[k]); // free of the rounding of the mixture
-    }
-    m_Slowing = shareMade();
-    if (leaving > 0.0) {
-        m_Scale += leaving * (std::max(m_Slowing, m_Scale) - m_Scale);
-    }
-}
-
-/// The metric and the gradient with the lost directions in them; or the weights of the joints with these, and
-/// nothing else.
-void NqControlLoop::dampLostDirections(bool isAlone) {
-    const unsigned n = columns();
-    const bool isDiagonal = m_Metric.columns() == 1 || isAlone;
-    for (unsigned j = 0; j < n; ++j) {
-        if (isDiagonal) {
-            std::fill(m_DampedMetric[j].begin(), m_DampedMetric[j].end(), 0.0);
-            m_DampedMetric[j][j] = m_Weights[j];
-        } else {
-            std::copy(m_Metric[j].begin(), m_Metric[j].end(), m_DampedMetric[j].begin());
-        }
-        m_DampedGradient[j] = isAlone ? 0.0 : m_Gradient[j];
-    }
-    m_Singularities.addCost(m_Hard.command, m_Settings.damping(), m_DampedMetric, m_DampedGradient);
-}
-
-/// The lost directions are damped, so that the gradient and soft end-effectors, which aren't, could outweigh
-/// what is asked along them. What is made there is to be, but for a tenth, between what damping alone leaves
-/// of it and all; except in the midst of a singularity, where such directions turn faster than the arm could.
-void NqControlLoop::serveLostDirections() {
-    using Outcome = NqLimitedVelocityTool::Outcome;
-    const unsigned vanished = m_Singularities.vanished();
-    const unsigned kept = m_Hard.rows - m_Lost;
-    // By what the damped directions make of it, in m_Sliding, or without knowing these.
-    const auto isServed = [&](bool isDampedKnown) {
-        double farthest = 0.0;
-        for (unsigned i = vanished; i < m_Lost; ++i) {
-            const double asked = m_Singularities.along(i, m_Hard.command);
-            const double damped = m_Singularities.dampedShare(i, m_Settings.damping()) * asked;
-            const double made = m_Singularities.made(i, m_Rates);
-            const double alone = isDampedKnown ? m_Singularities.made(i, m_Sliding) : damped;
-            const auto [least, most] =
-                std::minmax({asked / kLeastServed, kLeastServed * damped, kLeastServed * alone});
-            const double size = m_Singularities.singularValue(i) / m_Settings.singularityThreshold();
-            const double share = std::clamp((size - kUnserved) / (kServed - kUnserved), 0.0, 1.0);
-            const double change = share * (std::clamp(made, least, most) - made);
-            m_Serving[kept + i - vanished] = (made + change) / m_Singularities.singularValue(i);
-            farthest = std::max(farthest, std::abs(change));
-        }
-        return farthest < kIdle;
-    };
-    if (isServed(false)) {
-        return;
-    }
-    for (unsigned i = 0; i < kept; ++i) {
-        m_Serving[i] = m_Singularities.made(m_Lost + i, m_Rates);
-    }
-    dampLostDirections(true);
-    NqLimitedVelocityTool& damping = m_ReducedTools[m_Lost];
-    Outcome outcome = damping.solve(m_Singularities.keptRows(), m_DampedMetric, m_DampedGradient, m_Serving,
-                                    m_Lower, m_Upper);
-    m_SolverSteps += damping.steps();
-    m_Status.isCapped = m_Status.isCapped || damping.isCapped();
-    if (outcome == Outcome::Failed || outcome == Outcome::Blocked) {
-        return;
-    }
-    std::copy(damping.rates().begin(), damping.rates().end(), m_Sliding.begin());
-    if (isServed(true)) {
-        return;
-    }
-    NqLimitedVelocityTool& tool = m_ReducedTools[vanished];
-    outcome = tool.solve(m_Singularities.presentRows(), m_Metric, m_Gradient, m_Serving, m_Lower, m_Upper);
-    m_SolverSteps += tool.steps();
-    m_Status.isCapped = m_Status.isCapped || tool.isCapped();
-    const bool isGood = outcome == Outcome::Unlimited || outcome == Outcome::Limited;
-    const std::vector<double>& rates = isGood ? tool.rates() : m_Sliding;
-    std::copy(rates.begin(), rates.end(), m_Rates.begin());
-}
-
-/// After the bounds left no rates along the path: whether those of rate would, away from the ends of ranges,
-/// and only the joints can't turn so fast. The error along the path then counts little, otherwise as much as
-/// all.
-double NqControlLoop::alongWeight(NqLimitedVelocityTool& tool) {
-    for (unsigned k = 0; k < columns(); ++k) {
-        const bool isJoint = k < m_Joints;
-        const double position = isJoint ? m_Position.jointPositions()[k] : 0.0;
-        m_Wished[k] =
-            isJoint ? NqJointBounds::lowerOfPlace(m_Limits[k], position, m_Settings.timeStep()) : -kUnbounded;
-        m_Sliding[k] =
-            isJoint ? NqJointBounds::upperOfPlace(m_Limits[k], position, m_Settings.timeStep()) : kUnbounded;
-    }
-    const bool isBlocked =
-        tool.solveAgain(1.0, m_Wished, m_Sliding) == NqLimitedVelocityTool::Outcome::Blocked;
-    for (const NqBoundActiveSet::Hold& hold : tool.holds()) {
-        const double bound = hold.isUpper ? m_Sliding[hold.unknown] : -m_Wished[hold.unknown];
-        if (hold.unknown < m_Joints && bound < m_Limits[hold.unknown].rate) {
-            return 1.0;
-        }
-    }
-    const double off = shareOffPath(isBlocked ? 0.0 : tool.scale());
-    return kBrakingWeight + off * (1.0 - kBrakingWeight);
-}
-
-/// The hard rows and their command, with a weight below 1 along the command.
-void NqControlLoop::turnTowardsPath(double along) {
-    const double square =
-        std::inner_product(m_Hard.command.begin(), m_Hard.command.end(), m_Hard.command.begin(), 0.0);
-    for (unsigned j = 0; j < columns(); ++j) {
-        double sum = 0.0;
-        for (unsigned i = 0; i < m_Hard.rows; ++i) {
-            sum += m_Hard.command[i] * m_Hard.jacobian[i][j];
-        }
-        const double less = square > 0.0 ? (1.0 - along) * sum / square : 0.0;
-        for (unsigned i = 0; i < m_Hard.rows; ++i) {
-            m_SlidingRows[i][j] = m_Hard.jacobian[i][j] - less * m_Hard.command[i];
-        }
-    }
-    std::transform(m_Hard.command.begin(), m_Hard.command.end(), m_SlidingCommand.begin(),
-                   [&](double velocity) { return along * velocity; });
-}
-
-/// Turns the rates, by a share, towards those of the least error or, where the path is to be kept, towards
-/// rest. Error along the path has a weight of its own.
-void NqControlLoop::leavePath(double share, double along) {
-    const bool isHolding = m_Settings.blocked() == NqControlLoopSettings::Hold;
-    const bool isTurned = along < 1.0;
-    if (isTurned) {
-        turnTowardsPath(along);
-    }
-    m_LeastSquares.solve(isTurned ? m_SlidingRows : m_Hard.jacobian, m_Hard.rows,
-                         isHolding  ? m_NoCommand
-                         : isTurned ? m_SlidingCommand
-                                    : m_Hard.command,
-                         m_Wished, m_Weights, m_Settings.damping(), m_Lower, m_Upper, m_Sliding);
-    m_SolverSteps += m_LeastSquares.steps();
-    m_Status.isCapped = m_Status.isCapped || m_LeastSquares.isCapped();
-    if (!isHolding) {
-        noteHolds(m_LeastSquares.holds());
-    }
-    for (std::size_t k = 0; k < m_Rates.size(); ++k) {
-        m_Rates[k] = share < 1.0 ? (1.0 - share) * m_Rates[k] + share * m_Sliding[k] : m_Sliding[k];
-    }
+    const double steepest = findBraking();
+    m_Solver.solve({m_Settings, m_Hard.jacobian, m_Hard.command, m_Metric, m_Gradient, m_Weights, positions(),
+                    m_Braking, steepest, greatestScaleChange()},
+                   m_Rates);
+    m_Status.joints = m_Solver.heldJoints();
+    m_Status.isCapped = m_Solver.isCapped();
 }
 
 bool NqControlLoop::goTo(const std::vector<double>& posture) {
     bool isGood = posture.size() == m_Joints;
     for (unsigned j = 0; j < m_Joints && isGood; ++j) {
-        isGood =
-            posture[j] >= m_Limits[j].lower && posture[j] <= m_Limits[j].upper && std::isfinite(posture[j]);
+        isGood = posture[j] >= m_Solver.limits()[j].lower && posture[j] <= m_Solver.limits()[j].upper &&
+                 std::isfinite(posture[j]);
     }
     if (!isGood) {
         Nq::Print::instance().write(Nq::PrintFailure,
@@ -847,7 +555,7 @@ bool NqControlLoop::goTo(const std::vector<double>& posture) {
     }
     for (unsigned j = 0; j < m_Joints; ++j) {
         const double way = std::abs(posture[j] - m_Position.jointPositions()[j]);
-        if (m_Limits[j].rate == 0.0 && way > m_Settings.tolerance()) {
+        if (m_Solver.limits()[j].rate == 0.0 && way > m_Settings.tolerance()) {
             Nq::Print::instance().write(Nq::PrintFailure,
                                         "NqControlLoop::goTo(): joint %s can't move, and is elsewhere.\n",
                                         m_Manipulator.linkByIndex(j)->joint().name());
@@ -877,19 +585,19 @@ double NqControlLoop::leftToGo() const {
 /// Rates along the straight line in joint space.
 void NqControlLoop::goOn() {
     double scale = 1.0;
-    m_Wished.assign(columns(), 0.0);
+    m_Straight.assign(columns(), 0.0);
     for (unsigned j = 0; j < m_Joints; ++j) {
-        m_Wished[j] = kGoingGain * (m_Going[j] - m_Position.jointPositions()[j]);
-        const double rate = m_Limits[j].rate;
-        if (rate > 0.0 && std::abs(m_Wished[j]) * scale > rate) {
-            scale = rate / std::abs(m_Wished[j]);
+        m_Straight[j] = kGoingGain * (m_Going[j] - m_Position.jointPositions()[j]);
+        const double rate = m_Solver.limits()[j].rate;
+        if (rate > 0.0 && std::abs(m_Straight[j]) * scale > rate) {
+            scale = rate / std::abs(m_Straight[j]);
         }
     }
     for (const Part& part : m_Parts) {
         Constraint& constraint = m_Constraints[part.endEffector];
         for (unsigned i = 0; i < constraint.velocity.size(); ++i) {
             const auto& row = stackOf(constraint).jacobian[constraint.row + i];
-            constraint.change[i] = std::inner_product(row.begin(), row.end(), m_Wished.begin(), 0.0);
+            constraint.change[i] = std::inner_product(row.begin(), row.end(), m_Straight.begin(), 0.0);
         }
         const double speed = part.part.size(constraint.change.data());
         if (constraint.isHard && speed * scale > part.part.speedLimit) {
@@ -897,50 +605,11 @@ void NqControlLoop::goOn() {
         }
     }
     for (unsigned j = 0; j < m_Joints; ++j) {
-        m_Rates[j] = std::clamp(scale * m_Wished[j], m_Lower[j], m_Upper[j]);
+        m_Rates[j] = std::clamp(scale * m_Straight[j], m_Solver.lower()[j], m_Solver.upper()[j]);
     }
     std::fill(m_Rates.begin() + m_Joints, m_Rates.end(), 0.0);
     m_Status.joints.clear();
-    m_Lost = 0;
-    m_Leaving = 0.0;
-    m_Slowing = m_Scale = 1.0;
-}
-
-NqJointBounds::Cause NqControlLoop::causeOf(const NqBoundActiveSet::Hold& hold) const {
-    const NqJointBounds& bounds = m_Bounds[hold.unknown];
-    return hold.isUpper ? bounds.upperCause : bounds.lowerCause;
-}
-
-/// The joints that are held, and by what.
-void NqControlLoop::noteHolds(const std::vector<NqBoundActiveSet::Hold>& holds) {
-    m_Status.joints.clear();
-    for (const NqBoundActiveSet::Hold& hold : holds) {
-        if (hold.unknown < m_Joints) {
-            m_Status.joints.push_back({hold.unknown, causeOf(hold), hold.isUpper, std::abs(hold.multiplier)});
-        }
-    }
-    std::sort(m_Status.joints.begin(), m_Status.joints.end(),
-              [](const auto& a, const auto& b) { return a.multiplier > b.multiplier; });
-}
-
-/// The same, without those that only can't turn so fast.
-void NqControlLoop::noteLimits(const std::vector<NqBoundActiveSet::Hold>& holds) {
-    noteHolds(holds);
-    std::erase_if(m_Status.joints, [](const NqControlLoopStatus::Joint& joint) {
-        return joint.cause == NqJointBounds::Cause::Acceleration;
-    });
-}
-
-/// Whether a lost direction makes less than half of what damping alone would leave of it.
-bool NqControlLoop::isLimitedAlongLost() const {
-    for (unsigned i = 0; i < m_Lost; ++i) {
-        const double asked = m_Singularities.along(i, m_Hard.command);
-        const double damped = m_Singularities.dampedShare(i, m_Settings.damping()) * asked;
-        if (m_Singularities.made(i, m_Rates) * asked < 0.5 * damped * asked) {
-            return true;
-        }
-    }
-    return false;
+    m_Solver.passOver();
 }
 
 double NqControlLoop::largestError() const {
@@ -955,7 +624,8 @@ double NqControlLoop::largestError() const {
 /// What there is to say about the step, once it was made.
 void NqControlLoop::judge() {
     m_Status.distance = largestError();
-    m_Status.leastSingularValue = m_Lost > 0 ? m_Singularities.singularValue(0) : kUnbounded;
+    m_Status.leastSingularValue =
+        m_Solver.lost() > 0 ? m_Solver.singularities().singularValue(0) : kUnbounded;
     const double fastest = std::accumulate(m_Rates.begin(), m_Rates.end(), 0.0, [](double most, double rate) {
         return std::max(most, std::abs(rate));
     });
@@ -975,38 +645,36 @@ void NqControlLoop::judge() {
             }
         }
     }
-    if (m_Slowing < kHardlySlowed && m_Status.joints.empty() && isLimitedAlongLost()) {
-        noteLimits(m_ReducedTools[m_Lost].holds());
-    }
     const bool hasLimits = std::any_of(m_Status.joints.begin(), m_Status.joints.end(), [](const auto& joint) {
         return joint.cause != NqJointBounds::Cause::Acceleration;
     });
     const double left = m_IsGoing ? leftToGo() : m_Status.distance;
     if (left <= m_Settings.tolerance()) {
         m_Status.kind = NqControlLoopStatus::Reached;
-    } else if (m_Lost > 0 && m_Status.isAtRest) {
+    } else if (m_Solver.lost() > 0 && m_Status.isAtRest) {
         judgeLostDirection();
-    } else if (m_Leaving > 0.0 && hasLimits) {
+    } else if (m_Solver.leaving() > 0.0 && hasLimits) {
         m_Status.kind = NqControlLoopStatus::Held;
     } else {
-        const bool isLess = m_Slowing < kHardlySlowed || m_Leaving > 0.0;
+        const bool isLess = m_Solver.isSlowed() || m_Solver.leaving() > 0.0;
         m_Status.kind = isLess ? NqControlLoopStatus::Slowed : NqControlLoopStatus::Running;
     }
 }
 
 /// At rest, with directions that the joints can't make: which of these the command asks for.
 void NqControlLoop::judgeLostDirection() {
+    const NqSingularityFilter& singularities = m_Solver.singularities();
     double most = 0.0;
     unsigned lost = 0;
-    for (unsigned i = 0; i < m_Lost; ++i) {
-        const double asked = std::abs(m_Singularities.along(i, m_Hard.command));
+    for (unsigned i = 0; i < m_Solver.lost(); ++i) {
+        const double asked = std::abs(singularities.along(i, m_Hard.command));
         if (asked > most) {
             most = asked;
             lost = i;
         }
     }
-    const std::vector<double>& direction = m_Singularities.direction(lost);
-    m_Status.leastSingularValue = m_Singularities.singularValue(lost);
+    const std::vector<double>& direction = singularities.direction(lost);
+    m_Status.leastSingularValue = singularities.singularValue(lost);
     double largest = 0.0;
     double next = 0.0;
     for (std::size_t e = 0; e < m_Constraints.size(); ++e) {
@@ -1043,10 +711,10 @@ void NqControlLoop::judgeLostDirection() {
         return;
     }
     // Limits are to blame if without them the arm would move, or a small turn would make what is left.
-    const double free = most * m_Singularities.dampedShare(lost, m_Settings.damping());
+    const double free = most * singularities.dampedShare(lost, m_Settings.damping());
     if (m_Status.joints.empty() && (free > kRest * m_Status.leastSingularValue ||
                                     m_Status.distance < kSmallTurn * m_Status.leastSingularValue)) {
-        noteLimits(m_ReducedTools[m_Lost].holds());
+        m_Solver.findLimits(m_Status.joints);
     }
     if (m_Status.joints.empty() && !m_IsProbed) {
         m_CanComeNearer = canComeNearer();
@@ -1061,7 +729,7 @@ void NqControlLoop::judgeLostDirection() {
 /// The state is as before afterwards.
 bool NqControlLoop::canComeNearer() {
     const double before = largestError();
-    const NqReArray& free = m_ReducedTools[m_Lost].nullSpace();
+    const NqReArray& free = m_Solver.freeMotions();
     m_Here = m_Position;
     bool isNearer = false;
     for (unsigned c = 0; c < free.columns() && !isNearer; ++c) {

@@ -1,12 +1,10 @@
 #pragma once
 
-#include <nqControlLoop/NqBoundedLeastSquares.h>
 #include <nqControlLoop/NqControlLoopCheck.h>
 #include <nqControlLoop/NqControlLoopSettings.h>
 #include <nqControlLoop/NqControlLoopStatus.h>
 #include <nqControlLoop/NqControlTarget.h>
-#include <nqControlLoop/NqJointBounds.h>
-#include <nqControlLoop/NqLimitedVelocityTool.h>
+#include <nqControlLoop/NqRateSolver.h>
 #include <nqControlLoop/NqSingularityFilter.h>
 #include <nqControlLoop/NqTargetKind.h>
 
@@ -136,14 +134,14 @@ public:
     /// What these were to give in the last step.
     const std::vector<double>& command() const { return m_Hard.command; }
     /// Of the solver's square system in the last step; NaN before the first.
-    double determinant() const { return m_Determinant; }
+    double determinant() const { return m_Solver.determinant(); }
     /// Of the hard rows as they are at present, computed on request: m and rad count alike. NaN without rows.
     double leastSingularValue();
     double condition();
     /// Steps of the active sets in the last step: 0 where no limit is met, about one for each joint that is
     /// held, and in the worst case 19 searches of NqBoundActiveSet::maxSteps() each. A search that is cut off
     /// there is treated as a way that is blocked, and status().isCapped says so.
-    unsigned solverSteps() const { return m_SolverSteps; }
+    unsigned solverSteps() const { return m_Solver.steps(); }
 
     /// Present placements, in the system frame.
     const std::vector<NqCoordinateSystemTransformation>& placements() const { return m_Placements; }
@@ -165,7 +163,7 @@ public:
     const std::vector<double>& accelerations() const { return m_Accelerations; }
 
     /// Share of the commanded velocity that was made along it, 0 to 1: 1 where nothing slows the motion.
-    double slowing() const { return m_Slowing; }
+    double slowing() const { return m_Solver.slowing(); }
 
 private:
     /// The rows of the hard, or of the soft end-effectors one under the other, with what they command.
@@ -204,27 +202,16 @@ private:
     void commandVelocities();
     void weighSoftConstraints();
     double crowding(unsigned joint) const;
-    void boundRates();
+    double findBraking();
+    double greatestScaleChange() const;
     void solve();
     bool staysFinite() const;
-    void dampLostDirections(bool isAlone);
-    void serveLostDirections();
-    double alongWeight(NqLimitedVelocityTool& tool);
-    void leavePath(double share, double along);
-    void turnTowardsPath(double along);
-    NqJointBounds::Cause causeOf(const NqBoundActiveSet::Hold& hold) const;
-    void noteHolds(const std::vector<NqBoundActiveSet::Hold>& holds);
-    void noteLimits(const std::vector<NqBoundActiveSet::Hold>& holds);
-    bool isLimitedAlongLost() const;
     void judge();
     void judgeLostDirection();
     bool canComeNearer();
     void goOn();
     bool isReady();
     void adviseOnRows(NqControlLoopCheck& check);
-    double greatestScaleChange() const;
-    double greatestTurnableScale(NqLimitedVelocityTool& tool, bool isHolding);
-    double shareMade() const;
     void integrate();
     void measureVelocities();
     void observe();
@@ -247,43 +234,18 @@ private:
     NqVelocityState m_Velocity;
     NqManipulatorActiveState m_State;
 
-    NqLimitedVelocityTool m_Tool;
-    std::vector<NqLimitedVelocityTool> m_ReducedTools; ///< where directions are lost, by how many rows less
-    NqSingularityFilter m_Singularities;
-    NqBoundedLeastSquares m_LeastSquares;
-    std::vector<NqJointBounds::Limits> m_Limits; ///< of the joints
-    std::vector<NqJointBounds> m_Bounds;
-    std::vector<double> m_Lower; ///< of the rates in this step, those of the base included
-    std::vector<double> m_Upper;
-    std::vector<double> m_Wished;
-    std::vector<double> m_Sliding; ///< rates that leave the path
-    NqReArray m_SlidingRows;       ///< the hard rows, with less weight along the path
-    std::vector<double> m_SlidingCommand;
-    std::vector<double> m_NoCommand;
-    std::vector<double> m_Serving;      ///< velocities along kept and lost directions
-    std::vector<double> m_Turning;      ///< of the hard rows: velocities that ask for accelerations
-    std::vector<double> m_TurningRates; ///< and what they ask of the joints
-    std::vector<double> m_PathBefore;   ///< rates along the path in the last step, at its command
-    std::vector<double> m_CommandBefore;
-    unsigned m_LostBefore = 0;
-    bool m_IsPathKnown = false;
-    unsigned m_Lost = 0; ///< directions, in the last step
-    unsigned m_SolverSteps = 0;
-    double m_Scale = 1.0; ///< of the commanded velocities, in the last step
+    NqRateSolver m_Solver;
+    std::vector<double> m_Braking;  ///< of the hard rows
+    std::vector<double> m_Straight; ///< rates that go to a posture
     Stack m_Hard;
     Stack m_Soft;
     NqReArray m_SoftWeights;
     NqReArray m_Metric;
     std::vector<double> m_Gradient;
-    NqReArray m_DampedMetric;
-    std::vector<double> m_DampedGradient;
     std::vector<double> m_Rates;
-    double m_Determinant = std::numeric_limits<double>::quiet_NaN();
-    double m_Slowing = 1.0;
     NqControlLoopStatus m_Status;
     bool m_IsGoing = false;
     std::vector<double> m_Going; ///< the posture to go to
-    double m_Leaving = 0.0;      ///< share by which the last step left its path
     bool m_IsValid = false;      ///< whether validate() was asked since something changed, and found nothing
     bool m_IsRefused = false;    ///< and found something
     NqPositionState m_Here;      ///< where canComeNearer() probes from

@@ -545,8 +545,8 @@ void NqControlLoop::solve() {
 bool NqControlLoop::goTo(const std::vector<double>& posture) {
     bool isGood = posture.size() == m_Joints;
     for (unsigned j = 0; j < m_Joints && isGood; ++j) {
-        isGood = posture[j] >= m_Solver.limits()[j].lower && posture[j] <= m_Solver.limits()[j].upper &&
-                 std::isfinite(posture[j]);
+        isGood =
+            posture[j] >= limits()[j].lower && posture[j] <= limits()[j].upper && std::isfinite(posture[j]);
     }
     if (!isGood) {
         Nq::Print::instance().write(Nq::PrintFailure,
@@ -555,7 +555,7 @@ bool NqControlLoop::goTo(const std::vector<double>& posture) {
     }
     for (unsigned j = 0; j < m_Joints; ++j) {
         const double way = std::abs(posture[j] - m_Position.jointPositions()[j]);
-        if (m_Solver.limits()[j].rate == 0.0 && way > m_Settings.tolerance()) {
+        if (limits()[j].rate == 0.0 && way > m_Settings.tolerance()) {
             Nq::Print::instance().write(Nq::PrintFailure,
                                         "NqControlLoop::goTo(): joint %s can't move, and is elsewhere.\n",
                                         m_Manipulator.linkByIndex(j)->joint().name());
@@ -588,7 +588,7 @@ void NqControlLoop::goOn() {
     m_Straight.assign(columns(), 0.0);
     for (unsigned j = 0; j < m_Joints; ++j) {
         m_Straight[j] = kGoingGain * (m_Going[j] - m_Position.jointPositions()[j]);
-        const double rate = m_Solver.limits()[j].rate;
+        const double rate = limits()[j].rate;
         if (rate > 0.0 && std::abs(m_Straight[j]) * scale > rate) {
             scale = rate / std::abs(m_Straight[j]);
         }

@@ -106,6 +106,8 @@ public:
     std::size_t find(const std::string& name) const;
     std::size_t endEffectors() const { return m_Constraints.size(); }
     std::size_t joints() const { return m_Joints; }
+    /// Of the joints, as the settings have them: one that is held has a limit of rate of 0.
+    const std::vector<NqJointBounds::Limits>& limits() const { return m_Solver.limits(); }
     const NqTargetKind& kind(std::size_t e) const { return m_Constraints[e].kind; }
     bool isHard(std::size_t e) const { return m_Constraints[e].isHard; }
     /// Rows of the hard end-effectors.

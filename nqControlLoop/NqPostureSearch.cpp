@@ -135,7 +135,7 @@ bool NqPostureSearch::find(std::vector<double>& posture, bool isThorough) {
             const double upper = std::min(joint.upperPositionLimit(), m_Present[j] + std::numbers::pi);
             const double drawn =
                 lower + (upper - lower) * std::ldexp(static_cast<double>(random() >> 11), -53);
-            start[j] = m_Moves[j] && joint.rateLimit() > 0.0
+            start[j] = m_Moves[j] && m_Loop.limits()[j].rate > 0.0
                            ? m_Present[j] + distance * (drawn - m_Present[j])
                            : m_Present[j];
         }

@@ -205,6 +205,17 @@ TEST(NqPostureSearch, FindsAWayAroundLimits) {
         EXPECT_EQ(loop.status().kind, Status::Reached) << trial;
     }
     EXPECT_EQ(found, 3u);
+
+    NqControlLoopSettings settings;
+    NqControlLoopSettings::Labels held;
+    held.pushBack(NqXmlBasicType<std::string>("joint3"));
+    settings.setHeldJoints(held);
+    NqArm7Loop arm(settings);
+    arm.loop.setTarget("hand", NqControlTarget::place({0.3, 0.4, 0.5}));
+    std::vector<double> posture;
+    ASSERT_TRUE(NqPostureSearch(arm.loop).find(posture));
+    EXPECT_EQ(posture[2], arm.loop.positions()[2]) << "a joint that is held stays";
+    EXPECT_TRUE(arm.loop.goTo(posture));
 }
 
 TEST(NqControlLoopCheck, ListsAllThatIsWrongAtOnce) {

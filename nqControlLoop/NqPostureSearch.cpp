@@ -26,6 +26,7 @@ NqControlLoopSettings searching(NqControlLoopSettings settings) {
     settings.setPosture({});
     settings.setApproach(1.0 / kTimeStep);
     settings.setBlocked(NqControlLoopSettings::Slide);
+    settings.setIsBaseFixed(true); // a posture is of the joints alone
     return settings;
 }
 
@@ -40,7 +41,9 @@ NqPostureSearch::NqPostureSearch(const NqControlLoop& loop)
             m_Loop.setTarget(m_Loop.endEffectors() - 1, loop.target(e), loop.isTargetInSystem(e));
         }
     }
-    m_Loop.setPositions(m_Present);
+    NqPositionState present{NqXmlRealVector(m_Present)};
+    present.setBaseFrame(loop.baseFrame());
+    m_Loop.setState(present, NqVelocityState(static_cast<unsigned>(m_Present.size())));
     m_Moves.assign(m_Present.size(), false);
     for (unsigned i = 0; i < m_Loop.rows(); ++i) {
         for (std::size_t j = 0; j < m_Moves.size(); ++j) {

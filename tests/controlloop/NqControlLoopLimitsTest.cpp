@@ -210,12 +210,19 @@ TEST(NqPostureSearch, FindsAWayAroundLimits) {
     NqControlLoopSettings::Labels held;
     held.pushBack(NqXmlBasicType<std::string>("joint3"));
     settings.setHeldJoints(held);
+    settings.setIsBaseFixed(false);
     NqArm7Loop arm(settings);
-    arm.loop.setTarget("hand", NqControlTarget::place({0.3, 0.4, 0.5}));
+    NqPositionState elsewhere{NqXmlRealVector(arm.loop.positions())};
+    elsewhere.setBaseFrame(NqVector(3.0, 0.0, 0.0));
+    arm.loop.setState(elsewhere, NqVelocityState(7));
+    const NqVector target(3.3, 0.4, 0.5);
+    arm.loop.setTarget("hand", NqControlTarget::place(target));
     std::vector<double> posture;
     ASSERT_TRUE(NqPostureSearch(arm.loop).find(posture));
     EXPECT_EQ(posture[2], arm.loop.positions()[2]) << "a joint that is held stays";
     EXPECT_TRUE(arm.loop.goTo(posture));
+    ASSERT_TRUE(nqMakesSteps(arm.loop, 3000));
+    EXPECT_LT((arm.loop.placements()[0].translation() - target).mag(), 2.0e-4) << "from where the base is";
 }
 
 TEST(NqControlLoopCheck, ListsAllThatIsWrongAtOnce) {

@@ -8,8 +8,8 @@
 /// the joints: for an arm that limits keep from going on, though another elbow or wrist would do. Starts from
 /// random postures, the same ones every time, first near the present one and then anywhere, and follows the
 /// targets from there in long steps, which no arm could make. Joints that are held and the base, a free one
-/// too, stay where they are. It allocates, and takes milliseconds; a
-/// thorough search that finds nothing takes some tenths of a second.
+/// too, stay where they are. It allocates, and takes milliseconds; a thorough search that finds nothing takes
+/// some tenths of a second.
 class NqPostureSearch {
 public:
     /// Takes over end-effectors, targets and state as they are.

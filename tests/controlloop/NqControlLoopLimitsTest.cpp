@@ -1,11 +1,9 @@
 #include "controlloop/NqControlLoopTesting.h"
-#include "support/NqPrintCapture.h"
+#include "support/NqStepCheck.h"
 
 #include <nqControlCore/endeffector/NqFrameEndEffector.h>
 #include <nqControlCore/endeffector/NqOrientationEndEffector.h>
 #include <nqControlLoop/NqPostureSearch.h>
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -46,22 +44,17 @@ TEST_P(NqControlLoopOnRobots, KeepAllLimitsAndComeToRest) {
         target.setTranslation(0.7 * target.translation());
         ASSERT_TRUE(loop.setTarget("hand", isFrame ? NqControlTarget::frame(target)
                                                    : NqControlTarget::place(target.translation())));
-        std::vector<double> last(robot.numberOfJoints());
         double fastest = 0.0;
         for (unsigned i = 0; i < 6000; ++i) {
+            const std::vector<double> positions = loop.positions(), last = loop.rates();
             ASSERT_TRUE(loop.step());
+            ASSERT_EQ(nqFaultOf(loop, true, positions, last, 1.0e-12), "") << trial;
             fastest = i < 5900 ? 0.0 : fastest;
             for (unsigned j = 0; j < last.size(); ++j) {
-                const NqJointDescription& joint = robot.linkByIndex(j)->joint();
                 const double rate = loop.rates()[j];
-                ASSERT_LE(std::abs(rate), joint.rateLimit()) << trial;
-                ASSERT_LE(loop.positions()[j], joint.upperPositionLimit() + 1.0e-12) << trial;
-                ASSERT_GE(loop.positions()[j], joint.lowerPositionLimit() - 1.0e-12) << trial;
-                ASSERT_LE(std::abs(rate - last[j]), 10.0 * joint.rateLimit() * 0.002 + 1.0e-9) << trial;
                 ASSERT_FALSE(rate * last[j] < 0.0 && std::min(std::abs(rate), std::abs(last[j])) > 0.05)
                     << trial;
                 fastest = std::max(fastest, std::abs(rate));
-                last[j] = rate;
             }
         }
         EXPECT_LT(fastest, 0.01) << trial << ": at rest after 12 s";
@@ -167,10 +160,8 @@ TEST(NqControlLoop, HoldsOrSlides) {
             (loop.placements()[0].translation() - start).cross((target - start).unitVector()).mag();
     }
     for (const Status& status : statuses) {
-        EXPECT_EQ(status.kind, Status::Held);
-        ASSERT_FALSE(status.joints.empty());
-        EXPECT_EQ(status.joints[0].joint, 0u);
-        EXPECT_EQ(status.joints[0].cause, NqJointBounds::Cause::Range);
+        ASSERT_TRUE(status.kind == Status::Held && !status.joints.empty());
+        EXPECT_TRUE(status.joints[0].joint == 0u && status.joints[0].cause == NqJointBounds::Cause::Range);
     }
     EXPECT_LT(aside[NqControlLoopSettings::Hold], 0.01);
     EXPECT_LT(statuses[NqControlLoopSettings::Slide].distance,
@@ -258,33 +249,6 @@ TEST(NqControlLoopCheck, ListsAllThatIsWrongAtOnce) {
     const std::size_t lines = messages.lines().size();
     EXPECT_FALSE(loop.step());
     EXPECT_EQ(messages.lines().size(), lines) << "said once";
-}
-
-TEST(NqControlLoop, MakesNoStepFromOrToWhatIsNoNumber) {
-    const NqIndividualManipulator robot = nqTestManipulator("named"); // its first joint has no limits
-    const NqXmlRealVector zeros(robot.numberOfJoints());
-    NqControlLoop loop(robot);
-    ASSERT_TRUE(loop.step());
-    const NqPrintCapture messages;
-    for (const double odd : {std::nan(""), std::numeric_limits<double>::infinity(), 1.7e308}) {
-        SCOPED_TRACE(odd);
-        NqXmlRealVector values = zeros;
-        values[0] = odd;
-        if (odd < 1.0e308 || !std::isfinite(odd)) {
-            loop.setState(NqPositionState(values), NqVelocityState(zeros));
-            EXPECT_FALSE(loop.step());
-            loop.setState(NqPositionState(zeros), NqVelocityState(values));
-            loop.step();
-        } else if (loop.goTo(values.values())) {
-            EXPECT_FALSE(loop.step());
-            loop.follow();
-        }
-        for (const double rate : loop.rates()) {
-            EXPECT_TRUE(std::isfinite(rate));
-        }
-        loop.setState(NqPositionState(zeros), NqVelocityState(zeros));
-        EXPECT_TRUE(loop.step()) << "it goes on from a good state";
-    }
 }
 
 } // namespace

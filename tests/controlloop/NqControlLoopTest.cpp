@@ -1,5 +1,4 @@
 #include "controlloop/NqControlLoopTesting.h"
-#include "support/NqSchemaValidator.h"
 #include "support/NqTesting.h"
 
 namespace {
@@ -9,22 +8,6 @@ bool reaches(NqControlLoop& loop, double seconds) {
     while (loop.errors()[0] > 1.0e-4 && loop.time() < seconds && loop.step()) {
     }
     return loop.errors()[0] <= 1.0e-4;
-}
-
-TEST(NqControlLoopSettings, AreADocumentThatMatchesItsSchema) {
-    NqControlLoopSettings settings;
-    settings.setBlocked(NqControlLoopSettings::Hold);
-    settings.setJointWeights(NqXmlRealVector{1.0, 2.5});
-    NqControlLoopSettings::Labels held;
-    held.pushBack(NqXmlBasicType<std::string>("joint4"));
-    settings.setHeldJoints(held);
-    settings.setIsBaseFixed(false);
-    const std::string text = nqWritten(settings);
-    EXPECT_NE(text.find("<blocked>hold</blocked>"), std::string::npos) << text;
-    EXPECT_TRUE(nqThroughXml(settings) == settings);
-    const NqSchemaValidator schema(settings, "settings");
-    ASSERT_TRUE(schema.isGood());
-    EXPECT_TRUE(schema.accepts(text));
 }
 
 TEST(NqControlLoop, TakesTargetsByNameInBothFrames) {

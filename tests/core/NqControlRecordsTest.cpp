@@ -24,15 +24,18 @@ std::string elements(const NqXmlObject& object) {
     return names;
 }
 
-/// Each of the changes makes an object differ from a default one, and goes along into its copies.
+/// An object has these elements. Each of the changes makes it differ from a default one, and goes along into
+/// copies.
 template <typename Object, typename... Changes>
-void expectCompared(const Changes&... changes) {
+void expectRecord(const std::string& names, const Changes&... changes) {
+    if constexpr (std::is_base_of_v<NqXmlObject, Object>) {
+        EXPECT_EQ(elements(Object()), names);
+    }
     const auto expectDiffers = [](const auto& change) {
         Object changed, assigned;
         change(changed);
         assigned = changed;
-        EXPECT_TRUE(changed == assigned && changed == Object(changed));
-        EXPECT_FALSE(changed == Object());
+        EXPECT_TRUE(changed == assigned && changed == Object(changed) && !(changed == Object()));
     };
     (expectDiffers(changes), ...);
 }
@@ -40,31 +43,29 @@ void expectCompared(const Changes&... changes) {
 TEST(ControlRecords, HaveTheirElementsAndCompareTheirFields) {
     const NqXmlVectorType<NqXmlRealVector> vectors{NqXmlRealVector{1.0}};
     const NqXmlRealVector vector{1.0};
-    EXPECT_EQ(elements(NqCoreResult()),
-              "coreResultToken baseComponent nullSpaceComponent primaryDeterminant coreIsAB ");
-    expectCompared<NqCoreResult>([&](auto& result) { result.setBaseComponent(vector); },
-                                 [&](auto& result) { result.setNullSpaceComponent(vector); },
-                                 [&](auto& result) { result.setPrimaryDeterminant(1.0); });
-    EXPECT_EQ(elements(NqControlParameters()),
-              "controlParameters accelerationLimits decelerationLimits velocityLimits ");
-    expectCompared<NqControlParameters>([&](auto& limits) { limits.setAccelerationLimits(vector); },
-                                        [&](auto& limits) { limits.setDecelerationLimits(vector); },
-                                        [&](auto& limits) { limits.setVelocityLimits(vector); },
-                                        [&](auto& limits) { limits.setSingularityProximityThreshold(1.0); });
-    EXPECT_EQ(elements(NqManipulatorEndEffectorVelocity()),
-              "manipulatorEndEffectorVelocityToken generalEndEffectorVelocities ");
-    expectCompared<NqManipulatorEndEffectorVelocity>(
+    expectRecord<NqCoreResult>(
+        "coreResultToken baseComponent nullSpaceComponent primaryDeterminant coreIsAB ",
+        [&](auto& result) { result.setBaseComponent(vector); },
+        [&](auto& result) { result.setNullSpaceComponent(vector); },
+        [&](auto& result) { result.setPrimaryDeterminant(1.0); });
+    expectRecord<NqControlParameters>(
+        "controlParameters accelerationLimits decelerationLimits velocityLimits ",
+        [&](auto& limits) { limits.setAccelerationLimits(vector); },
+        [&](auto& limits) { limits.setDecelerationLimits(vector); },
+        [&](auto& limits) { limits.setVelocityLimits(vector); },
+        [&](auto& limits) { limits.setSingularityProximityThreshold(1.0); });
+    expectRecord<NqManipulatorEndEffectorVelocity>(
+        "manipulatorEndEffectorVelocityToken generalEndEffectorVelocities ",
         [&](auto& velocity) { velocity.setGeneralEndEffectorVelocities(vectors); });
-    EXPECT_EQ(elements(NqManipulatorEndEffectorForce()),
-              "manipulatorEndEffectorForce generalEndEffectorForces ");
-    expectCompared<NqManipulatorEndEffectorForce>(
+    expectRecord<NqManipulatorEndEffectorForce>(
+        "manipulatorEndEffectorForce generalEndEffectorForces ",
         [&](auto& force) { force.setGeneralEndEffectorForces(vectors); });
-    EXPECT_EQ(elements(NqManipulatorEndEffectorAcceleration()),
-              "manipulatorEndEffectorAcceleration offsetTransformations generalEndEffectorAccelerations ");
-    expectCompared<NqManipulatorEndEffectorAcceleration>(
+    expectRecord<NqManipulatorEndEffectorAcceleration>(
+        "manipulatorEndEffectorAcceleration offsetTransformations generalEndEffectorAccelerations ",
         [&](auto& acceleration) { acceleration.generalEndEffectorAccelerations() = vectors; },
         [&](auto& acceleration) { acceleration.setOffsetTransformations({{}}); });
-    expectCompared<NqSupplementalControlState>(
+    expectRecord<NqSupplementalControlState>(
+        "",
         [&](auto& state) { state.setPreviousEndEffectorVelocities({NqManipulatorEndEffectorVelocity()}); },
         [&](auto& state) { state.setPreviousActualVelocityStates({NqVelocityState()}); },
         [&](auto& state) { state.previousState().setPositionStates({NqPositionState()}); });
@@ -152,10 +153,6 @@ TEST(NqMotionSets, StackTheirVectors) {
     NqManipulatorEndEffectorAcceleration acceleration;
     acceleration.setGeneralEndEffectorAccelerations(velocity.generalEndEffectorVelocities());
     EXPECT_TRUE(acceleration.offsetTransformations().size() == 2 && acceleration.doc() == 2);
-    EXPECT_EQ(nqThroughXml(acceleration), acceleration);
-    NqManipulatorEndEffectorForce force;
-    force.setGeneralEndEffectorForces(velocity.generalEndEffectorVelocities());
-    EXPECT_EQ(nqThroughXml(force), force);
 }
 
 } // namespace

@@ -21,7 +21,7 @@ double angleBetween(const NqOrientation& a, const NqOrientation& b) {
 }
 
 /// A frame turns about the axes of the system while two joints change what is between them, and all stay
-/// within their limits. The report has the greatest values of what was recorded.
+/// within their limits.
 TEST_F(NqDriveKinds, FrameAndCoupledJointsReachTheirTargetsWithinTheirLimits) {
     load("arm7.urdf", "arm7.frame.endeffectors.xml",
          {"--start", kBent, "--relative", "0.05,0.2,-0.1@0,0,45/hold", "--relative", "@20,0,0/0.3"});
@@ -40,69 +40,12 @@ TEST_F(NqDriveKinds, FrameAndCoupledJointsReachTheirTargetsWithinTheirLimits) {
     EXPECT_NEAR(run.loop().positions()[2] - run.loop().positions()[4], 0.3, 1.0e-4);
 
     ASSERT_EQ(run.record().parts.size(), 3u);
-    ASSERT_EQ(run.recorder().stride(), 1u);
     for (std::size_t p = 0; p < 3; ++p) {
         const NqDriveRecord::Part& part = run.record().parts[p];
         EXPECT_LE(part.peakSpeed, part.limits.speedLimit * (1.0 + 1.0e-9)) << part.name;
         EXPECT_LE(part.peakAcceleration, part.limits.accelerationLimit * (1.0 + 1.0e-6)) << part.name;
-        double peakSpeed = 0.0, peakAcceleration = 0.0;
-        for (std::size_t row = 1; row < run.recorder().rows(); ++row) {
-            const double speed = run.recorder().speed(row, p);
-            peakSpeed = std::max(peakSpeed, speed);
-            if (speed >= 2.0 * part.limits.approach / task.options().rate) {
-                peakAcceleration = std::max(peakAcceleration, run.recorder().acceleration(row, p));
-            }
-        }
-        EXPECT_EQ(part.peakSpeed, peakSpeed);
-        EXPECT_EQ(part.peakAcceleration, peakAcceleration);
-        EXPECT_GT(peakAcceleration, 0.9 * part.limits.accelerationLimit) << part.name;
+        EXPECT_GT(part.peakAcceleration, 0.9 * part.limits.accelerationLimit) << part.name;
     }
-}
-
-/// Speed against what is left, near the end: a power that the profile is known by.
-TEST_F(NqDriveKinds, ProfilesApproachInTheirOwnWays) {
-    const std::pair<const char*, double> powers[] = {
-        {"proportional", 1.0}, {"trapezoidal", 0.5}, {"threehalves", 2.0 / 3.0}};
-    struct Case {
-        const char* effectors;
-        const char* target;
-        std::size_t part; ///< the one that takes longer, which another of the same frame doesn't slow
-    };
-    const Case cases[] = {{"arm7.endeffectors.xml", "0,0.2,0", 0},
-                          {"arm7.orientation.endeffectors.xml", "@0,0,60", 0},
-                          {"arm7.frame.endeffectors.xml", "0,0.2,0@0,0,60/hold", 1},
-                          {"arm7.frame.endeffectors.xml", "hold/0.3", 2}};
-    for (const auto& [profile, power] : powers) {
-        for (const Case& each : cases) {
-            load("arm7.urdf", each.effectors,
-                 {"--start", kBent, "--relative", each.target, "--profile", profile});
-            const NqDriveRun run = reachAll();
-            // The speed of a row belongs to what was left in the row before.
-            std::size_t row = 1;
-            const auto logarithmsAt = [&](double left) {
-                while (run.recorder().error(row - 1, each.part) > left) {
-                    ++row;
-                }
-                return std::pair(std::log(run.recorder().speed(row, each.part)),
-                                 std::log(run.recorder().error(row - 1, each.part)));
-            };
-            const auto far = logarithmsAt(0.01), near = logarithmsAt(0.001);
-            EXPECT_NEAR((far.first - near.first) / (far.second - near.second), power, 0.01)
-                << profile << " " << run.record().parts[each.part].name;
-        }
-    }
-}
-
-/// A soft elbow that cannot reach its target stops short of it. The hand does not notice.
-TEST_F(NqDriveKinds, SoftEndEffectorComesAsNearAsTheHardOnesAllow) {
-    load("arm7.urdf", "arm7.elbow.endeffectors.xml",
-         {"--start", kBent, "--relative", "0.05,0.2,-0.1@0,0,45/0,-0.3,-0.1", "--posture", "none",
-          "--soft-gain", "2000"});
-    const NqDriveRun run = reachAll();
-    EXPECT_EQ(run.loop().settings().softGain(), 2000.0);
-    EXPECT_NE(run.record().verdict.find("'link4' (soft) within 0."), std::string::npos);
-    EXPECT_LE(std::max(run.loop().errors()[0], run.loop().errors()[1]), 1.0e-4);
-    EXPECT_EQ(run.loop().rows(), 6u);
 }
 
 /// The straight way drives the fourth joint into the end of its range; the metric leads around it.
@@ -111,6 +54,7 @@ TEST_F(NqDriveKinds, JointsNearTheirLimitsLeaveSoftEndEffectorsToTheOthers) {
     const NqDriveRun run = reachAll();
     EXPECT_LE(run.loop().errors()[0], 1.0e-4);
     EXPECT_LT(run.record().joints[3].least, -3.0) << "which is near its limit of -3.07";
+    EXPECT_EQ(run.record().parts[0].name, "hand");
 }
 
 TEST_F(NqDriveKinds, SoftEndEffectorsAloneMeetTheirTargetsAndShareByTheirWeights) {
@@ -122,30 +66,6 @@ TEST_F(NqDriveKinds, SoftEndEffectorsAloneMeetTheirTargetsAndShareByTheirWeights
     EXPECT_LE(run.recorder().error(rowsOfFirstWay(run) - 1, 0), 1.0e-4);
     EXPECT_NEAR(run.loop().errors()[0], 0.03, 1.0e-3) << "weighs 1: three quarters of the 0.04 m";
     EXPECT_NEAR(run.loop().errors()[1], 0.01, 1.0e-3) << "weighs 3";
-}
-
-TEST_F(NqDriveKinds, TargetsAreInTheFrameOfTheRelativeLink) {
-    for (const char* mode : {"relativeModeInternal", "relativeModeExternal"}) {
-        std::string right = pointXml("right_tip", "0 0 0", 0.4, 2.0);
-        right.insert(right.find("<pointMotion"),
-                     std::string("<relativeLinkData><relativeMode>") + mode +
-                         "</relativeMode><relativeLinkId>left_tip</relativeLinkId>"
-                         "</relativeLinkData>");
-        loadPoints("twin9.urdf", pointXml("left_tip", "0 0 0", 0.4, 2.0) + right,
-                   {"--relative", "0.05,-0.1,0.1/hold", "--relative", "0.05,-0.1,0.1/0,0.05,0.02"});
-        const auto inLeftHand = [&](const std::vector<double>& positions) {
-            NqManipulatorActivePositionState state(task.manipulator());
-            state.setPositionState(NqPositionState(positions));
-            const auto tip = [&](const char* label) {
-                return task.manipulator().linkByLabel(label)->primaryFrameInSystem(state);
-            };
-            return tip("left_tip").inverse() * tip("right_tip").translation();
-        };
-        const NqDriveRun run = reachAll();
-        const NqVector wanted = inLeftHand(task.start()) + NqVector(0.0, 0.05, 0.02);
-        EXPECT_LT((inLeftHand(run.loop().positions()) - wanted).mag(), 1.0e-4) << mode;
-        EXPECT_LE(run.record().parts[1].peakSpeed, 0.4 * (1.0 + 1.0e-6)) << "relative in internal mode";
-    }
 }
 
 TEST_F(NqDriveKinds, OrientationAndDistanceLeaveTheRestFree) {

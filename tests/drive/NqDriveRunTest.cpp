@@ -4,20 +4,6 @@ namespace {
 
 class NqDrive : public NqDriveFixture {};
 
-TEST_F(NqDrive, SlowsAtRateLimitsAndStaysOnTheStraightWay) {
-    loadPoints("arm7.urdf", pointXml("hand", "0 0 0", 3.0, 15.0),
-               {"--relative", "0.1,0.5,-0.3", "--rate", "4000"});
-    const NqDriveRun run = reachAll();
-    const NqVector start = run.recorder().point(0, 0), way(0.1, 0.5, -0.3);
-    EXPECT_GT(watcher.slowed, 100u);
-    for (std::size_t row = 0; row < run.recorder().rows(); ++row) {
-        ASSERT_LT((run.recorder().point(row, 0) - start).cross(way.unitVector()).mag(), 1.0e-3)
-            << run.recorder().time(row);
-    }
-    EXPECT_LE(run.record().parts[0].error, 1.0e-4);
-    EXPECT_NEAR(run.record().parts[0].pathLength, way.mag(), 2.0e-3);
-}
-
 TEST_F(NqDrive, HoldsOneEndEffectorWhileAnotherMoves) {
     loadPoints("twin9.urdf",
                pointXml("left_tip", "0 0 0", 0.4, 2.0) + pointXml("right_tip", "0 0 0", 0.4, 2.0),
@@ -45,15 +31,6 @@ TEST_F(NqDrive, PostureAndMetricRuleTheFreeJoints) {
     EXPECT_LT(std::abs(lazy[6]), 1.0e-9);
 }
 
-TEST_F(NqDrive, SaysThatThePostureIsSingular) {
-    loadPoints("planar3.urdf", pointXml("tip", "0 0 0", 1.0, 5.0),
-               {"--start", "0,0,0", "--target", "0.6,0,0"});
-    NqDriveRun run(task);
-    run.execute(watcher);
-    EXPECT_NE(run.record().verdict.find("the posture is singular (no joint moves 'tip' along x)"),
-              std::string::npos);
-}
-
 /// Near singular postures a soft elbow that pulls the other way doesn't take the hard tip from its target.
 TEST_F(NqDrive, SoftEndEffectorsDontOutweighWhatIsDamped) {
     std::string elbow = pointXml("forearm", "0 0 0", 0.5, 2.0);
@@ -74,15 +51,6 @@ TEST_F(NqDrive, NamesTheLimitsOfADampedDirection) {
     run.execute(watcher);
     EXPECT_NE(run.record().verdict.find("joint 'joint4' slowed the arm"), std::string::npos)
         << run.record().verdict;
-}
-
-/// What limits block from where the arm is it reaches through another posture.
-TEST_F(NqDrive, GoesThroughAnotherPosture) {
-    loadPoints("planar3.urdf", pointXml("tip", "0 0 0", 1.0, 5.0),
-               {"--start", "joint1=2.6,joint2=0.1", "--target", "-0.94,-0.342,0"});
-    const NqDriveRun run = reachAll();
-    EXPECT_EQ(run.record().detours, 1u);
-    EXPECT_NE(run.record().verdict.find("after a detour"), std::string::npos);
 }
 
 TEST_F(NqDrive, RefusesWhatCannotBeStacked) {

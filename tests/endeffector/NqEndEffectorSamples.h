@@ -16,25 +16,21 @@ struct NqEndEffectorTraits {
         std::function<std::vector<double>(const NqEndEffector&, const NqGeneralMotion&, const NqRowAxes&)>;
 
     enum Exception : unsigned {
-        OwnAxes = 1u << 0,               ///< the rows are in the frame's own axes, which turn with it
-        PresentLessDesired = 1u << 1,    ///< the error is the negative of the ordinary one
-        LostLinkKeepsVelocity = 1u << 2, ///< a link that is not found leaves it as it was
-        LostLinkKeepsError = 1u << 3,    ///< the same
-        NoOffset = 1u << 4,              ///< an external offset doesn't move the end-effector
-        NoVelocity = 1u << 5,            ///< velocities aren't those of the Jacobian
-        NoError = 1u << 6,               ///< errors aren't those of the placement
-        NoBaseMotion = 1u << 7,          ///< the columns of the base aren't its motion
-        NoAcceleration = 1u << 8,        ///< accelerations aren't those of the velocity
-        NotDriven = 1u << 9,             ///< the filter doesn't lead to a placement
-        NoThreeHalves = 1u << 10,        ///< no mode word stands for that profile
-        NoRelativeMotion = 1u << 11,     ///< relative modes play no part
-        OnlyTheFirstRow = 1u << 12,      ///< rows behind the first aren't rates of anything
-        Silent = 1u << 13,               ///< unknown links go unreported, and have no entries in lists
-        HasNumber = 1u << 14,            ///< the first row drives the number in the placement's z translation
-        NoSliding = 1u << 15,            ///< the columns of sliding joints aren't their motion
-        OnlyFromSystem = 1u << 16,       ///< relative rows are right for a base in the system frame alone
-        NoLostLink = 1u << 17,           ///< no link is missed
-        NoPlacement = 1u << 18           ///< the placement isn't what the rows drive
+        OwnAxes = 1u << 0,            ///< the rows are in the frame's own axes, which turn with it
+        PresentLessDesired = 1u << 1, ///< the error is the negative of the ordinary one
+        NoOffset = 1u << 2,           ///< an external offset doesn't move the end-effector
+        NoVelocity = 1u << 3,         ///< velocities aren't those of the Jacobian
+        NoError = 1u << 4,            ///< errors aren't those of the placement
+        NoBaseMotion = 1u << 5,       ///< the columns of the base aren't its motion
+        NoAcceleration = 1u << 6,     ///< accelerations aren't those of the velocity
+        NotDriven = 1u << 7,          ///< the filter doesn't lead to a placement
+        NoThreeHalves = 1u << 8,      ///< no mode word stands for that profile
+        NoRelativeMotion = 1u << 9,   ///< relative modes play no part
+        OnlyTheFirstRow = 1u << 10,   ///< rows behind the first aren't rates of anything
+        HasNumber = 1u << 11,         ///< the first row drives the number in the placement's z translation
+        NoSliding = 1u << 12,         ///< the columns of sliding joints aren't their motion
+        OnlyFromSystem = 1u << 13,    ///< relative rows are right for a base in the system frame alone
+        NoPlacement = 1u << 14        ///< the placement isn't what the rows drive
     };
 
     /// The rows as a function of the motion of the end-effector's frame, in the axes of the system; empty
@@ -90,14 +86,13 @@ inline std::vector<double> nqProjected(const NqEndEffector& any, const NqGeneral
 inline const NqEndEffectorTraits& nqTraitsOf(const std::string& name) {
     using enum NqEndEffectorTraits::Exception;
     // The error of partial frames is the beginning of that of the whole frame, in the system frame.
-    constexpr unsigned partial = OwnAxes | LostLinkKeepsVelocity | NoError;
+    constexpr unsigned partial = OwnAxes | NoError;
     constexpr unsigned coordinates = NoThreeHalves;
     // A number's acceleration is zero by definition, and only links that the type names itself count.
     constexpr unsigned number = PresentLessDesired | NoOffset | NoAcceleration | NoRelativeMotion | HasNumber;
-    // No acceleration is written, the columns of sliding joints leave out how much mass they move, the
-    // relative link's part takes the centre of mass as the base frame has it, and all links count.
-    constexpr unsigned massCenter =
-        NoOffset | NoAcceleration | NoThreeHalves | NoSliding | OnlyFromSystem | NoLostLink;
+    // No acceleration is written, the columns of sliding joints leave out how much mass they move, and
+    // the relative link's part takes the centre of mass as the base frame has it.
+    constexpr unsigned massCenter = NoOffset | NoAcceleration | NoThreeHalves | NoSliding | OnlyFromSystem;
     static const std::map<std::string, NqEndEffectorTraits> theTraits{
         {"point", {nqComponentsOf<0, 1, 2>}},
         {"frame", {nqComponentsOf<0, 1, 2, 3, 4, 5>}},
@@ -110,8 +105,7 @@ inline const NqEndEffectorTraits& nqTraitsOf(const std::string& name) {
         {"rcm", {nqOwnComponentsOf<1, 2>, partial, nqComponentsOf<0, 1>}},
         // The offset of the filter is on the z axis in the sample: the spin that is left would move any
         // other.
-        {"freeSpinInZ",
-         {nqOwnComponentsOf<0, 1, 2, 3, 4>, OwnAxes | LostLinkKeepsVelocity | LostLinkKeepsError}},
+        {"freeSpinInZ", {nqOwnComponentsOf<0, 1, 2, 3, 4>, OwnAxes}},
         // A base that moves goes unseen, the acceleration is zero by definition, the target is one of the
         // system: no link's motion is taken away.
         {"lookAt",
@@ -129,26 +123,22 @@ inline const NqEndEffectorTraits& nqTraitsOf(const std::string& name) {
         {"sewAngle", {{}, number | NoVelocity | NoError | NotDriven}},
         // The acceleration of joints is zero by definition, their positions are the same in every frame, and
         // a model without some of them is one to drive with the others.
-        {"coordinatedJoint", {{}, NoOffset | NoAcceleration | NoRelativeMotion | Silent}},
+        {"coordinatedJoint", {{}, NoOffset | NoAcceleration | NoRelativeMotion}},
         // The rows of slaves say how far these stray from the master, and they count as though nothing
         // strayed.
-        {"oneDofGripper", {{}, number | OnlyTheFirstRow | Silent}},
+        {"oneDofGripper", {{}, number | OnlyTheFirstRow}},
         {"centerOfMass", {nqComponentsOf<0, 1, 2>, massCenter}},
         // The error is in the axes of the system and not projected.
         {"projectedCenterOfMass", {nqProjected, massCenter | NoError, nqComponentsOf<0, 1>}},
         // The velocity is the momentum that is wanted, whatever moves: there is no placement to err from or
         // to be led to.
         {"spatialMomentum",
-         {{}, NoOffset | NoVelocity | NoError | NotDriven | NoRelativeMotion | NoLostLink | NoPlacement}},
+         {{}, NoOffset | NoVelocity | NoError | NotDriven | NoRelativeMotion | NoPlacement}},
         // Residuals are led to zero and not to a target, though turning the base turns gravity.
-        {"sag",
-         {{},
-          LostLinkKeepsVelocity | NoOffset | NoError | NoBaseMotion | NoAcceleration | NotDriven |
-              NoRelativeMotion}},
+        {"sag", {{}, NoOffset | NoError | NoBaseMotion | NoAcceleration | NotDriven | NoRelativeMotion}},
         // While it is off joints are driven to zero, though the placement is what the sensor reads; sag
         // joints that aren't there are left out in silence.
-        {"accelerometer",
-         {{}, NoOffset | NoError | NotDriven | NoRelativeMotion | NoLostLink | NoPlacement}}};
+        {"accelerometer", {{}, NoOffset | NoError | NotDriven | NoRelativeMotion | NoPlacement}}};
     return theTraits.at(name);
 }
 

@@ -21,17 +21,6 @@ struct NqCoordinatedJoints : NqEndEffectorTest {
     NqCoordinatedJointEndEffector joints;
 };
 
-TEST_F(NqCoordinatedJoints, ByDefaultTheModelLimitsAllJoints) {
-    joints = NqCoordinatedJointEndEffector::defaultJointControlEndEffector(manipulator, 0.5);
-    ASSERT_EQ(rows(joints).rows(), 7U);
-    const Reals rates = limited(joints, Reals(7, 99.0), {}, 0.1);
-    for (unsigned j = 0; j < 7; ++j) {
-        const double limit = 0.5 * manipulator.linkByIndex(j)->joint().rateLimit();
-        EXPECT_NEAR(rates[j], 0.1 * 2.0 * limit, 1e-12) << "half a second to full speed";
-        EXPECT_NEAR(limited(joints, Reals(7, 99.0), {}, 10.0)[j], limit, 1e-12);
-    }
-}
-
 TEST_F(NqCoordinatedJoints, TargetsAreOfTheListedJointsOrOfAll) {
     const Reals all = {0.1, 0.2, 0.3, 0.4, 0.5, 0.6, 0.7};
     joints.setLinkLabels(
@@ -180,17 +169,6 @@ TEST_F(NqGripper, SlavesFollowInTheirRatios) {
     EXPECT_EQ(acceleration(gripper, Reals(8, 7.0), 1), Reals({7.0, 0.0})) << "of the master alone";
     EXPECT_EQ(filtered(gripper, at(0.5), {}, {}, 0.1), Reals({-1.0, 0.0, 0.0}));
     EXPECT_EQ(limited(gripper, {9.0, 9.0}, {1.0}), Reals({1.0, 0.0, 0.0}));
-}
-
-TEST_F(NqGripper, LostSlavesLeaveTheLastRows) {
-    NqPrintCapture capture;
-    gripper.setSlaveJointLabels(
-        {std::string("lost"), std::string("base"), std::string("upper"), std::string("upper")});
-    gripper.setSlaveJointWeights({0.5, 4.0, 8.0, 8.0});
-    EXPECT_EQ(rows(gripper), nqArray({{0.0, 1.0}, {-2.0, 1.0}, {-0.25, 1.0}, {0.0, 0.0}, {0.0, 0.0}}));
-    EXPECT_EQ(velocity(gripper), Reals({-1.0, 0.0, 0.0}));
-    EXPECT_EQ(filtered(gripper, at(0.5)).size(), 5U);
-    EXPECT_EQ(capture.text(), "");
 }
 
 TEST_F(NqGripper, SlavesPileUpWhileTheMasterIsLost) {

@@ -27,55 +27,6 @@ struct NqPartialFrames : NqEndEffectorTest {
     Pose here;
 };
 
-TEST_F(NqPartialFrames, CommandsAreTheRowsInTheFramesOwnAxes) {
-    const double way[] = {0.02, -0.01, 0.03, 0.2, -0.1, 0.3};
-    const NqVector turn(way[3], way[4], way[5]);
-    const Placement target = away({way[0], way[1], way[2]}, NqOrientation(turn.mag(), turn));
-    const auto check = [&](NqFrameBasedEndEffector& e, std::initializer_list<unsigned> rows) {
-        Row expected;
-        for (const unsigned row : rows) {
-            expected.push_back(way[row]);
-        }
-        Reals fast(expected.size());
-        fast[0] = 1.0;
-        expectNear(filtered(e, here, expected, {}, 1.0), expected); // as feed-forward
-        EXPECT_NEAR(filtered(e, here, fast, fast)[0], 0.08, 1e-12) << "every step is from rest";
-        e.setFilteringActive(false);
-        expectNear(filtered(e, target, fast, {}, 1.0), expected);
-    };
-    check(planar, {2, 3, 4});
-    check(sliding, {1, 2, 3, 4, 5});
-    check(slideSpin, {1, 2, 3, 4});
-}
-
-TEST_F(NqPartialFrames, VelocitiesOfTheWrongSizeAndLostLinksAreRefused) {
-    NqPrintCapture capture;
-    const auto expectRefused = [&](const NqEndEffector& e, unsigned desired, unsigned previous) {
-        EXPECT_EQ(filtered(e, {}, Reals(desired), Reals(previous), 0.01, {9.0}), Reals({9.0}));
-    };
-    expectRefused(planar, 4, 0);
-    expectRefused(sliding, 4, 0);
-    expectRefused(slideSpin, 5, 0);
-    expectRefused(freeSpin, 5, 4);
-    const std::string tail = "EndEffector::filterEndEffectorVelocity input velocity size wrong.";
-    EXPECT_EQ(capture.text(),
-              "NqPlanar" + tail + "NqSliding" + tail + "NqSlideXSpinZ" + tail + "NqFreeSpinInZ" + tail);
-    capture.clear();
-    for (NqFrameBasedEndEffector* each : all) {
-        each->setLinkIdentifier("lost");
-    }
-    expectRefused(sliding, 5, 0);
-    expectRefused(freeSpin, 6, 5);
-    EXPECT_EQ(filtered(rcm, {}).size(), 2u);
-    rows(planar);
-    rows(freeSpin);
-    placement(rcm);
-    EXPECT_EQ(capture.text(),
-              "NqFrameEndEffector::insertJacobianComponent(): bad label on frame end effector: lost.\n"
-              "NqFreeSpinInZEndEffector::insertJacobianComponent(): bad label on frame end effector: lost.\n"
-              "NqRCMEndEffector::calculateFramePlacement():  bad label on frame end effector: lost.\n");
-}
-
 TEST_F(NqPartialFrames, AFreeSpinIsNeitherAskedForNorCommanded) {
     const Placement spun = away({}, NqOrientation::aboutZ(1.2));
     expectNear(error(freeSpin, spun), {0.0, 0.0, 0.0, 0.0, 0.0});
@@ -120,23 +71,6 @@ TEST_F(NqPartialFrames, DifferencesAndTimesGoTheirOwnWays) {
     EXPECT_NEAR(sliding.minimumTime(here, target), 1.3, 1e-12) << "the speed factor doesn't count";
 }
 
-TEST_F(NqPartialFrames, BitsOfAnEarlierCallAreCleared) {
-    Sparsity sparsity(1, std::vector<bool>(9, true));
-    planar.setLinkIdentifier(manipulator.linkByIndex(0)->linkLabel());
-    planar.insertSparsityComponent(manipulator, 0, {}, true, sparsity);
-    std::vector<bool> row(7, false);
-    row[0] = true;
-    EXPECT_EQ(sparsity[1], row);
-    row.insert(row.end(), {true, true});
-    EXPECT_EQ(sparsity[0], row) << "what lies behind the columns stays";
-}
-
-/// With an angular scale, which files don't have.
-class ScaledLookAt : public NqLookAtEndEffector {
-public:
-    ScaledLookAt() { m_AngularScale = 3.0; }
-};
-
 TEST_F(NqPartialFrames, ACameraSeesOnlyWhatIsAcross) {
     lookAt.setFocusDistance(2.0);
     const Pose focus = placement(lookAt);
@@ -149,9 +83,6 @@ TEST_F(NqPartialFrames, ACameraSeesOnlyWhatIsAcross) {
 
     const Placement aside = away({2.0, 2.0, 0.0});
     EXPECT_EQ(lookAt.difference(focus, aside), 0.0);
-    ScaledLookAt scaled;
-    scaled.setFocusDistance(2.0);
-    EXPECT_NEAR(scaled.difference(focus, aside), 3.0 * std::atan(1.0), 1e-12);
 
     // It knows no relative link and no base.
     const NqReArray plain = rows(lookAt, {}, false);

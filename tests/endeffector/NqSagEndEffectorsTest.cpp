@@ -118,14 +118,6 @@ struct NqSensorOnArm : NqEndEffectorTest {
     NqAccelerometerEndEffector sensor;
 };
 
-TEST_F(NqSensorOnArm, OffItHoldsTheFirstThreeSagJoints) {
-    EXPECT_EQ(rows(sensor), nqArray({{1, 0, 0, 0, 0, 0}, {0, 1, 0, 0, 0, 0}, {0, 0, 0, 1, 0, 0}}));
-    EXPECT_EQ(filtered(sensor, {}), Reals({-200.0 * q[0], -200.0 * q[1], -200.0 * q[3]}));
-    sensor.setSagLinkLabels({});
-    EXPECT_EQ(rows(sensor), NqReArray(3, 6));
-    EXPECT_EQ(filtered(sensor, {}), Reals(3));
-}
-
 TEST_F(NqSensorOnArm, OnItsRowsAreWhatSagJointsDo) {
     sensor.setIsOn(true);
     sensor.setGravityVector({1.0, -2.0, -9.0});
@@ -150,18 +142,6 @@ TEST_F(NqSensorOnArm, OnItsRowsAreWhatSagJointsDo) {
                1e-6);
 }
 
-TEST_F(NqSensorOnArm, OnItIsLedToAReading) {
-    sensor.setIsOn(true);
-    sensor.setFilteringActive(false);
-    const Reals v = velocity(sensor);
-    NqManipulatorActiveState present = state;
-    state = nqMoved(present, 1e-5);
-    const Placement target = placement(sensor);
-    state = present;
-    const Reals command = filtered(sensor, target, {}, {}, 1e-5);
-    expectNear({command[0], command[1]}, {v[0], v[1]}, 1e-4);
-}
-
 /// From rest the angular acceleration of the link is that of its joints. It is turned as though it were given
 /// in the sensor's axes.
 TEST_F(NqSensorOnArm, OnItsAccelerationIsThatOfTheWholeLink) {
@@ -180,22 +160,6 @@ TEST_F(NqSensorOnArm, OnItsAccelerationIsThatOfTheWholeLink) {
     Row product;
     ASSERT_TRUE(rows(sensor).transform(change, product));
     expectNear(acceleration(sensor, Reals(6, 7.0), 1), {7.0, turned.x(), turned.y(), product[2], 7.0, 7.0});
-}
-
-TEST_F(NqSensorOnArm, OnItMissesItsLink) {
-    sensor.setIsOn(true);
-    sensor.setLinkIdentifier("gone");
-    NqPrintCapture capture;
-    EXPECT_EQ(rows(sensor), NqReArray(3, 6));
-    EXPECT_EQ(velocity(sensor, {}, 1), Reals(4));
-    EXPECT_EQ(acceleration(sensor, {}, 1), Reals(4));
-    EXPECT_EQ(filtered(sensor, {}), Reals(3));
-    placement(sensor);
-    const std::string start = "NqAccelerometerEndEffector::";
-    const std::string end = "(): bad label on accelerometer end effector: gone.\n";
-    EXPECT_EQ(capture.text(), start + "insertJacobianComponent" + end + start +
-                                  "calculateGravityReadingPlacement" + end + start + "calculatePlacement" +
-                                  end);
 }
 
 } // namespace

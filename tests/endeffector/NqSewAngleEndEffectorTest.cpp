@@ -89,25 +89,4 @@ TEST_F(NqSewAngle, LinksMustFollowEachOtherWhenFirstFound) {
     EXPECT_EQ(capture.text(), message + "shoulder, swing, or wrist.\n");
 }
 
-/// The arm of 7 joints as a man's arm: shoulder in link 2, elbow in link 4, wrist in link 6.
-struct NqSewAngleOfArm7 : NqEndEffectorTest {
-    NqSewAngleOfArm7() : NqEndEffectorTest(nqTestModels()[2], 11) {}
-};
-
-TEST_F(NqSewAngleOfArm7, RateIsThatOfTheRowWithTheShoulderAtRest) {
-    NqSewAngleEndEffector sew;
-    sew.setShoulderLink("link2");
-    sew.setElbowLink("link4");
-    sew.setWristLink("link6");
-    for (unsigned pose = 0; pose < 20; ++pose) {
-        state = nqRandomState(nqTestModels()[2], random);
-        NqVelocityState rates = state.velocityState();
-        rates.setJointVelocity(1, 0.0); // joint 1, before the shoulder, moves
-        state.setVelocityState(rates);
-        Row product;
-        ASSERT_TRUE(rows(sew).transform(rates.jointVelocities().values(), product));
-        expectNear(velocity(sew), product, 1e-10 * (1.0 + std::fabs(product[0])));
-    }
-}
-
 } // namespace

@@ -44,16 +44,6 @@ TEST_F(NqXyOnHand, TheRelativeLinkTurnsTheAxesAndOnlyTheRowsMoveWithIt) {
     expectNear(velocity(xy, Reals(4, 9.0), 1), {9.0, 1.8, 0.0, 9.0}, 1e-15);
     expectNear(acceleration(xy, Reals(4, 9.0), 1), {9.0, 0.0, 3.6}, 1e-15);
     EXPECT_NEAR(rows(xy, internalTo("upper"))[0][1], 0.4, 1e-15);
-
-    // A link that isn't there turns nothing, and only rows and bits say so.
-    NqPrintCapture capture;
-    xy.setRelativeLinkData(internalTo("lost"));
-    xy.calculate2DPointPlacement(manipulator, state, at);
-    EXPECT_NEAR((at - NqPlanarVector(0.9, 0.0)).mag(), 0.0, 1e-15);
-    EXPECT_EQ(capture.text(), "");
-    rows(xy, internalTo("lost"));
-    EXPECT_EQ(capture.text(),
-              "NqXyEndEffector::insertJacobianComponent(): bad index on relative link: lost.\n");
 }
 
 TEST_F(NqXyOnHand, TheDifferenceAlongOneAxisHasASign) {
@@ -63,22 +53,6 @@ TEST_F(NqXyOnHand, TheDifferenceAlongOneAxisHasASign) {
     x.setMotionThreshold(0.5);
     x.setSpeedFactor(0.5);
     EXPECT_NEAR(x.minimumTime({}, target), -1.2, 1e-14);
-}
-
-TEST_F(NqXyOnHand, ALostLinkIsNamedByEachClass) {
-    NqPrintCapture capture;
-    x.setLinkIdentifier("lost");
-    xy.setLinkIdentifier("lost");
-    Sparsity sparsity(1, std::vector<bool>(2, true));
-    xy.insertSparsityComponent(manipulator, 0, {}, true, sparsity);
-    EXPECT_TRUE(sparsity[0][0] && !sparsity[1][0]) << "a row that was there keeps its bits";
-    double height = 7.0;
-    x.calculate1DPointPlacement(manipulator, state, height);
-    EXPECT_TRUE(height == 7.0 && placement(x, target) == target);
-    EXPECT_EQ(capture.text(),
-              "NqXyEndEffector::insertSparsityComponent(): bad label on end effector: lost.\n"
-              "NqXEndEffector::calculate1DPointPlacement(): bad label on point end effector: lost.\n"
-              "NqXEndEffector::calculatePlacement(): bad label on end effector: lost.\n");
 }
 
 } // namespace

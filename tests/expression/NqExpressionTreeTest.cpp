@@ -1,12 +1,8 @@
 #include "NqExpressionTesting.h"
 
 #include <nqControlCore/expression/NqBaseSoftConstraintHandler.h>
-#include <nqControlCore/expression/NqExpressionDiagonalMatrix.h>
-#include <nqControlCore/expression/NqExpressionGeneralColumn.h>
 #include <nqControlCore/expression/NqExpressionMinus.h>
 #include <nqControlCore/expression/NqExpressionNegative.h>
-#include <nqControlCore/expression/NqExpressionSingleElementColumn.h>
-#include <nqControlCore/expression/NqExpressionSingleElementMatrix.h>
 
 namespace {
 
@@ -46,7 +42,6 @@ TEST(NqExpressionTree, BelongsAsAWholeToItsContainer) {
     expectOwn(expression = NqExpressionContainer(expression));
     *dynamic_cast<NqExpressionNegative*>(expression.topElement()) = tree;
     expectOwn(expression);
-    expression.setAndDeleteTopElementPointer(static_cast<NqExpressionElement*>(tree.clone()));
     expression.setAndDeleteTopElementPointer(expression.topElement());
     expectOwn(expression);
     expression.setAndDeleteTopElementPointer(nullptr);
@@ -67,66 +62,6 @@ TEST(NqExpressionTree, MayBeReplacedByAPartOfItself) {
     expression.setTopElement(minus);
     expression.setTopElement(*dynamic_cast<NqExpressionMinus*>(expression.topElement())->right());
     EXPECT_TRUE(expression.topElement()->equality(&inner));
-}
-
-TEST(NqExpressionLeaf, KeepsAValueOfTheRightShape) {
-    NqExpressionGeneralColumn column, other;
-    const auto expectValue = [](const NqExpressionElement& leaf, const char* value) {
-        EXPECT_EQ(textOf(leaf.value()), value);
-    };
-    column.assign(2, 3.0);
-    expectValue(column, "3;3;");
-    EXPECT_TRUE(column.setValue(1, 4.0) && !column.setValue(2, 4.0));
-    expectValue(column, "3;3;");
-    expectValue(NqExpressionGeneralColumn(column), "3;4;");
-    column.setColumn({5.0, 6.0, 7.0});
-    expectValue(column, "5;6;7;");
-    other.assign(3, 1.0);
-    expectValue(column = other, "1;1;1;");
-
-    NqExpressionDiagonalMatrix diagonal;
-    diagonal.assign(2, 3, 3.0);
-    expectValue(diagonal, "3 0 0;0 3 0;");
-    diagonal.setDiagonal({4.0, 5.0});
-    expectValue(diagonal, "3 0 0;0 3 0;");
-    diagonal.setRowSize(1);
-    expectValue(diagonal, "4 0 0;");
-
-    NqExpressionSingleElementMatrix matrix;
-    expectValue(matrix, "0;");
-    matrix.setElementValue(6.0);
-    expectValue(matrix, "0;");
-    matrix.setColumnSize(2);
-    matrix.setColumnPosition(1);
-    expectValue(matrix, "0 6;");
-
-    NqExpressionSingleElementColumn single; // which is written in every call
-    single.setSize(2);
-    expectValue(single, "0;0;");
-    single.setElementValue(8.0);
-    single.setPosition(1);
-    expectValue(single, "0;8;");
-
-    NqPrintCapture print;
-    column.assign(4294967295U, 2.0);
-    diagonal.assign(4294967295U, 4294967295U, 2.0);
-    EXPECT_TRUE(column == other && diagonal.rowSize() == 1 && print.lines().size() == 2) << "too much";
-}
-
-TEST(NqExpressionReading, NeedsAContainer) {
-    NqPrintCapture print;
-    NqExpressionNegative negative;
-    negative.setChild(Constant());
-    EXPECT_FALSE(NqXmlDocument::readString("<negative>\n<plus/></negative>", negative));
-    EXPECT_EQ(negative.child(), nullptr);
-    EXPECT_EQ(print.text(), "Bad token: plus on line 2\n");
-
-    const NqExpressionContainer container;
-    NqExpressionMinus minus(&container);
-    for (int i = 0; i < 2; ++i) {
-        EXPECT_TRUE(NqXmlDocument::readString(element("minus", number("5") + number("3")), minus));
-        EXPECT_EQ(textOf(minus.value()), "2;");
-    }
 }
 
 class Handler : public NqXmlConcrete<Handler, NqBaseSoftConstraintHandler> {

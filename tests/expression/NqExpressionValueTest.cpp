@@ -1,8 +1,6 @@
 #include "NqExpressionTesting.h"
 #include "support/NqSchemaValidator.h"
 
-#include <nqControlCore/expression/NqExpressionBaseBinary.h>
-
 #include <pthread.h>
 
 namespace {
@@ -127,7 +125,7 @@ INSTANTIATE_TEST_SUITE_P(Trees, NqExpressionValue, testing::ValuesIn(kValues), n
 
 TEST_P(NqExpressionValue, IsThatOfTheTree) {
     const NqExpressionContainer expression = goThrough(GetParam());
-    static const NqSchemaValidator theSchema(expression, "expression");
+    static const NqSchemaValidator theSchema(expression);
     EXPECT_TRUE(theSchema.accepts(nqWritten(expression)));
 }
 
@@ -210,21 +208,6 @@ TEST(NqExpressionReading, TheDeepestTreeNeedsLittleStack) {
     ASSERT_EQ(pthread_create(&thread, &attributes, run, nullptr), 0);
     pthread_join(thread, nullptr);
     pthread_attr_destroy(&attributes);
-}
-
-TEST(NqExpressionBinary, HasAValueOfItsOwnForAMissingLeftChild) {
-    unsigned operations = 0;
-    NqExpressionContainer container;
-    for (const auto& [token, create] : container.creatorMap()) {
-        const std::unique_ptr<NqXmlObject> made(create());
-        if (auto* node = dynamic_cast<NqExpressionBaseBinary*>(made.get())) {
-            ++operations;
-            EXPECT_EQ(textOf(node->value()), "");
-            node->setRight(NqExpressionScalarConstant::objectWithValue(4.0));
-            EXPECT_EQ(textOf(node->value()), token.names("plus") ? "4;" : token.names("minus") ? "-4;" : "");
-        }
-    }
-    EXPECT_EQ(operations, 12U);
 }
 
 } // namespace

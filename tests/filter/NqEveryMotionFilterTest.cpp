@@ -1,9 +1,4 @@
-#include "support/NqTesting.h"
-
-#include <nqControlCore/filter/NqGeneralMotionFilter.h>
-#include <nqControlCore/filter/NqPointMotionFilter.h>
-#include <nqControlCore/filter/NqRotationMotionFilter.h>
-#include <nqControlCore/filter/NqScalarMotionFilter.h>
+#include "filter/NqFilterTesting.h"
 
 namespace {
 
@@ -308,20 +303,6 @@ TEST_P(EveryMotionFilter, SpeedFactorScalesLimitsAndNotGains) {
             expectSpeeds(gain * linearDistance(), gain * angularDistance());
         }
     }
-}
-
-TEST_P(EveryMotionFilter, SwitchedOffItGoesTheWholeWayInOneStep) {
-    configure({1.0, 8.0, 8.0, 200.0}, {1.0, 8.0, 8.0, 200.0}, 0.5, 0.0);
-    for (NqBaseMotionFilter* filter : m_Filters.all()) {
-        filter->setFilteringActive(false);
-    }
-    start(0.9, 0.9);
-    m_Pose.feedForward = m_Pose.linear = m_Pose.angular = {9.0, 9.0, 9.0}; // nothing of it counts
-    NqVector linear, angular;
-    ASSERT_TRUE(m_Kind.ask(m_Kind, m_Filters, m_Pose, kStep, linear, angular));
-    move(linear, angular);
-    EXPECT_LT(linearDistance(), 1e-14);
-    EXPECT_LT(angularDistance(), 1e-14);
 }
 
 /// Where there are angles a bad mode fails even if filtering is switched off.

@@ -43,18 +43,6 @@ TEST(NqGeneralMotionAccFilter, OneFactorLimitsTheWeightedNormOfBothParts) {
     expectNear(out, {1.5, 7.0, 2.0});
 }
 
-TEST(NqGeneralMotionAccFilter, TurningAboutTheOffsetPointLeavesItInPlace) {
-    Filter filter = Filter::nullObject();
-    const NqVector o(0.4, -0.3, 0.2);
-    filter.setOffset(o);
-    const NqOrientation turn(0.8, {0.0, 0.6, 0.8});
-    const NqGeneralMotion out = accelerationFor(filter, Pose(o - turn * o, turn));
-    expectNear(out.angular(), {0.0, 0.48, 0.64});
-    expectNear(out.linear() + out.angular().cross(o), {});
-    const NqGeneralMotion desired({1.0, 2.0, 3.0}, {4.0, 5.0, 6.0});
-    expectNear(accelerationFor(filter, Pose(), 1e-3, desired).linear(), desired.linear());
-}
-
 TEST(NqGeneralMotionAccFilter, TakesTheAngleOfTheQuaternionAsItStands) {
     const Filter filter = Filter::nullObject();
     const double pi = std::numbers::pi;

@@ -1,6 +1,4 @@
-#include "support/NqTesting.h"
-
-#include <nqControlCore/filter/NqPointMotionFilter.h>
+#include "filter/NqFilterTesting.h"
 
 namespace {
 
@@ -25,20 +23,6 @@ Filter unlimited(unsigned mode) {
     filter.setFilteringMode(mode);
     filter.setLinearGain(200.0);
     return filter;
-}
-
-TEST(NqPointMotionFilter, ProportionalGainIsTheLeastOfThree) {
-    Filter filter;
-    filter.setFilteringMode(Filter::Proportional);
-    const NqVector e(1e-3, 0.0, 0.0);
-    // Acceleration over speed, 8 / 1; one over the time step, 1 / 0.2; and the gain itself. Starting from the
-    // velocity that results, the limit of acceleration is out of play.
-    EXPECT_DOUBLE_EQ(velocityIn3D(filter, e, {}, {8e-3, 0.0, 0.0}, 0.1).x(), 8e-3);
-    EXPECT_DOUBLE_EQ(velocityIn3D(filter, e, {}, {5e-3, 0.0, 0.0}, 0.2).x(), 5e-3);
-    filter.setLinearGain(3.0);
-    EXPECT_DOUBLE_EQ(velocityIn3D(filter, e, {}, {3e-3, 0.0, 0.0}, 0.1).x(), 3e-3);
-    filter.setSpeedFactor(0.5); // scales acceleration and speed alike, and not the gain
-    EXPECT_DOUBLE_EQ(velocityIn3D(filter, e, {}, {3e-3, 0.0, 0.0}, 0.1).x(), 3e-3);
 }
 
 TEST(NqPointMotionFilter, TrapezoidalSpeedIsThatOfConstantDeceleration) {
@@ -68,24 +52,6 @@ TEST(NqPointMotionFilter, ThreeHalvesTakesExponentAndFeedForwardByDimension) {
     const double w = 0.01, previous3D = speed(0.75) + 2.0 * w, previous2D = speed(0.5) + w;
     EXPECT_NEAR(velocityIn3D(filter, {d, 0, 0}, {w, 0, 0}, {previous3D, 0, 0}, 1e-3).x(), previous3D, 1e-14);
     EXPECT_NEAR(velocityIn2D(filter, {d, 0}, {w, 0}, {previous2D, 0}, 1e-3).x(), previous2D, 1e-14);
-}
-
-TEST(NqPointMotionFilter, ValuesThatStayAndValuesThatPass) {
-    Filter filter;
-    filter.setExponent(-3.0);
-    EXPECT_EQ(filter.exponent(), -3.0);
-    filter.setExponent(std::numeric_limits<double>::quiet_NaN());
-    EXPECT_EQ(filter.exponent(), -3.0);
-
-    Filter other;
-    other.setSpeedFactor(0.5);
-    EXPECT_EQ(Filter(other).speedFactor(), 0.5);
-
-    const Filter none = Filter::nullObject();
-    EXPECT_EQ(velocityIn3D(none, {}, {}, {}, 0.01), NqVector()) << "an infinite gain asks for one step";
-    EXPECT_NEAR(velocityIn3D(none, {1e-9, 0.0, 0.0}, {}, {}, 0.01).x(), 1e-7, 1e-20);
-    EXPECT_TRUE(none.filteringMode() == Filter::Trapezoidal && none.threshold() == 1e300 &&
-                none.linearGain() == 1.0);
 }
 
 TEST(NqPointMotionFilter, LimitsShortenWithoutTurning) {

@@ -45,26 +45,4 @@ TEST(NqRotationMotionFilter, ZAxisAloneLeavesRotationAboutItFree) {
     }
 }
 
-TEST(NqRotationMotionFilter, FeedForwardComesInTheFrameOfTheCaller) {
-    Filter filter;
-    filter.setAngularDecelerationThreshold(4.0);
-    filter.setSpeedFactor(0.5);
-    const NqVector axis(0.0, 0.6, 0.8);
-    const NqOrientation desired = NqOrientation(0.01, axis) * kTurn;
-    const double speed = std::sqrt(2.0 * 2.0 * 2.0 * std::sin(0.005));
-    const NqVector across(0.04, 0.0, 0.0);
-    NqVector out; // starting from what results, so that the limit of acceleration is out of play
-    ASSERT_TRUE(filter.calculateRotationMotion(kTurn, desired, across, speed * axis + across, 1e-3, out,
-                                               false, true));
-    expectNear(out, speed * axis + across);
-    ASSERT_TRUE(filter.filterVelocity({7.0, 0.0, 0.0}, {0.0, 0.25, 0.0}, 1e-2, out));
-    expectNear(out, NqVector(0.0, 0.25, 0.0) + 0.04 * NqVector(0.5, -0.25, 0.0).unitVector());
-}
-
-TEST(NqRotationMotionFilter, NullObjectDiffersInItsGainAlone) {
-    Filter filter;
-    filter.setAngularGain(1.0);
-    EXPECT_TRUE(filter == Filter::nullObject() && !(filter == Filter()));
-}
-
 } // namespace

@@ -1,6 +1,4 @@
-#include "support/NqTesting.h"
-
-#include <nqControlCore/filter/NqScalarMotionFilter.h>
+#include "filter/NqFilterTesting.h"
 
 namespace {
 
@@ -36,13 +34,6 @@ TEST(NqScalarMotionFilter, ChangeIsFreeBelowTwiceTheThresholdOfTheMode) {
     EXPECT_NEAR(out, 0.92, 1e-14);
     ASSERT_TRUE(filter.filterVelocity(-9.0, -4.0, h, out));
     EXPECT_EQ(out, -4.0);
-}
-
-TEST(NqScalarMotionFilter, NullObjectKeepsItsDeceleration) {
-    const Filter none = Filter::nullObject();
-    EXPECT_EQ(none.decelerationThreshold(), 40.0);
-    EXPECT_DOUBLE_EQ(velocityOf(none, 20.0, 0.0, 0.1), 40.0); // sqrt(2 x 40 x 20), at once
-    EXPECT_TRUE(none.threshold() == 1e300 && none.accelerationThreshold() == 1e300 && none.gain() == 1.0);
 }
 
 } // namespace

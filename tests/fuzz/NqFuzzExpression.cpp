@@ -1,4 +1,5 @@
 #include "NqFuzzTarget.h"
+#include "matrix/NqArrayTesting.h"
 
 #include <nqControlCore/expression/NqExpressionContainer.h>
 #include <nqControlCore/foundation/xml/NqXmlDocument.h>
@@ -8,7 +9,7 @@ namespace {
 bool areSame(const NqReArray& a, const NqReArray& b) {
     bool isSame = a.size() == b.size();
     for (std::size_t i = 0; isSame && i < a.size(); ++i) {
-        isSame = nqAreSame(a[i], b[i]);
+        isSame = nqSameBits(a[i], b[i]);
     }
     return isSame;
 }

@@ -1,14 +1,7 @@
 #include "NqFuzzTarget.h"
+#include "filter/NqFilterTesting.h"
 
-#include <nqControlCore/filter/NqGeneralMotionAccFilter.h>
-#include <nqControlCore/filter/NqGeneralMotionFilter.h>
-#include <nqControlCore/filter/NqPointMotionFilter.h>
-#include <nqControlCore/filter/NqRotationMotionFilter.h>
-#include <nqControlCore/filter/NqScalarMotionFilter.h>
 #include <nqControlCore/filter/NqTrapezoidalProfileTool.h>
-
-#include <initializer_list>
-#include <type_traits>
 
 namespace {
 

@@ -1,36 +1,15 @@
 #include "NqFuzzTarget.h"
 
 #include "support/NqNamedRobot.h"
-
-#include <nqControlLoop/NqControlLoop.h>
-
-#include <algorithm>
+#include "support/NqStepCheck.h"
 
 namespace {
 
-/// Makes steps, and checks that each keeps the limits or leaves everything where it was.
 void step(NqControlLoop& loop, unsigned steps) {
     for (unsigned i = 0; i < steps; ++i) {
         const std::vector<double> before = loop.positions();
-        const bool isMade = loop.step();
-        nqHolds(isMade || (nqAreSame(before, loop.positions()) &&
-                           loop.status().kind == NqControlLoopStatus::BadInput),
-                "a step that isn't made leaves the joints where they are");
-        if (!isMade) {
-            continue;
-        }
-        nqHolds(nqAreFinite(loop.positions()) && nqAreFinite(loop.rates()), "positions and rates are finite");
-        for (unsigned j = 0; j < loop.joints(); ++j) {
-            const NqJointDescription& joint = loop.manipulator().linkByIndex(j)->joint();
-            const double slack = 1.0e-9;
-            nqHolds(std::fabs(loop.rates()[j]) <= joint.rateLimit() + slack, "rates keep their limits");
-            const bool wasWithin =
-                before[j] >= joint.lowerPositionLimit() && before[j] <= joint.upperPositionLimit();
-            nqHolds(!wasWithin || (loop.positions()[j] >= joint.lowerPositionLimit() - slack &&
-                                   loop.positions()[j] <= joint.upperPositionLimit() + slack),
-                    "joints keep their ranges");
-        }
-        nqHolds(loop.slowing() >= 0.0 && loop.slowing() <= 1.0, "the slowing is a share");
+        const std::string fault = nqFaultOf(loop, loop.step(), before, {}, 1.0e-9);
+        nqHolds(fault.empty(), ("no fault: " + fault).c_str());
     }
 }
 

@@ -1,4 +1,5 @@
 #include "NqFuzzTarget.h"
+#include "filter/NqFilterTesting.h"
 
 #include <nqControlCore/core/NqControlParameters.h>
 #include <nqControlCore/core/NqCoreResult.h>
@@ -8,19 +9,12 @@
 #include <nqControlCore/endeffector/NqEndEffectorMap.h>
 #include <nqControlCore/endeffector/NqEndEffectorTypes.h>
 #include <nqControlCore/endeffector/NqEndEffectorVector.h>
-#include <nqControlCore/filter/NqGeneralMotionAccFilter.h>
-#include <nqControlCore/filter/NqGeneralMotionFilter.h>
-#include <nqControlCore/filter/NqPointMotionFilter.h>
-#include <nqControlCore/filter/NqRotationMotionFilter.h>
-#include <nqControlCore/filter/NqScalarMotionFilter.h>
 #include <nqControlCore/foundation/manipulator/NqAccelerationState.h>
 #include <nqControlCore/foundation/manipulator/NqPositionState.h>
 #include <nqControlCore/foundation/manipulator/NqVelocityState.h>
 #include <nqControlCore/xml/NqXmlMapType.h>
 #include <nqControlCore/xml/NqXmlSetType.h>
 #include <nqControlLoop/NqControlLoopSettings.h>
-
-#include <memory>
 
 namespace {
 

@@ -2,7 +2,6 @@
 
 #include "NqFuzzInput.h"
 
-#include <nqControlCore/foundation/matrix/NqReArray.h>
 #include <nqControlCore/foundation/xml/NqXmlObject.h>
 
 #include <span>
@@ -44,10 +43,3 @@ std::string nqWrittenAndReadBack(const NqXmlObject& object, bool isAllWritten = 
 /// Reads a document into a new object, and checks it as above. A document that is valid by the schema must
 /// be read without complaint (but for counts), unless the schema leaves part of it open.
 std::string nqReadAndCheck(std::string_view document, NqXmlObject& object, bool isSchemaWhole = true);
-
-/// Whether all are finite.
-bool nqAreFinite(const std::vector<double>& values);
-bool nqIsFinite(const NqReArray& matrix);
-
-/// The same bits, or not a number both.
-bool nqAreSame(const std::vector<double>& a, const std::vector<double>& b);

@@ -89,29 +89,6 @@ TEST_P(EveryManipulator, VelocitiesAndAccelerationsAreThoseOfTheFrames) {
     });
 }
 
-TEST_P(EveryManipulator, CompositeMassIsTheSumOfTheLinks) {
-    NqManipulatorActivePositionState& positions = m_State.activePositionState();
-    forEachLink([&](const NqManipulatorLink& top) {
-        NqRigidBodyMassProperties sum;
-        forEachLink([&](const NqManipulatorLink& link) {
-            const NqManipulatorLink* walk = &link;
-            while (walk->parentLink() && walk->jointIndex() != top.jointIndex()) {
-                walk = walk->parentLink();
-            }
-            if (!top.parentLink() || walk->parentLink()) {
-                NqRigidBodyMassProperties own = link.massProperties();
-                sum += own.transformBy(link.primaryFrameInSystem(positions));
-            }
-        });
-        NqRigidBodyMassProperties composite = top.compositeMassProperties(m_State);
-        composite.transformBy(top.linkFrameInSystem(positions));
-        const NqVector probe(0.3, -0.5, 0.8);
-        EXPECT_NEAR(composite.mass(), sum.mass(), 1e-13);
-        expectNear(sum.firstMoment(), composite.firstMoment(), 1e-13, "first moment");
-        expectNear(sum.secondMoment() * probe, composite.secondMoment() * probe, 1e-13, "second moment");
-    });
-}
-
 TEST_P(EveryManipulator, CenterOfMassAndMomentaAreSumsOverLinks) {
     NqManipulatorActivePositionState& positions = m_State.activePositionState();
     const NqCoordinateSystemTransformation base = m_Manipulator.baseFrameInSystem(positions);
@@ -134,24 +111,6 @@ TEST_P(EveryManipulator, CenterOfMassAndMomentaAreSumsOverLinks) {
                1e-13);
     expectNear(linear, m_Manipulator.linearMomentum(m_State), 1e-13);
     expectNear(angular, m_Manipulator.angularMomentum(m_State), 1e-13);
-
-    // What the base's motion adds is that of one rigid body.
-    const NqGeneralMotion& baseMotion = m_State.velocityState().baseMotion();
-    NqVector ofJoints = linear - mass * baseMotion.linear() -
-                        baseMotion.angular().cross(m_Manipulator.compositeFirstMoment(positions));
-    NqVector turnOfJoints = angular -
-                            m_Manipulator.compositeFirstMoment(positions).cross(baseMotion.linear()) -
-                            m_Manipulator.compositeSecondMoment(positions) * baseMotion.angular();
-    for (const NqOrientation& orientation : {base.orientation(), NqOrientation()}) {
-        NqReArray matrix(m_Joints + 1, 6);
-        m_Momenta.momentumMatrix(m_Momenta.compositeMoments(m_State), orientation, matrix);
-        ASSERT_EQ(matrix.rows(), m_Joints);
-        std::vector<double> x;
-        ASSERT_TRUE(matrix.leftTransposeTransform(m_State.velocityState().jointVelocities(), x));
-        const NqOrientation toSystem = base.orientation() * orientation.inverse();
-        expectNear(ofJoints, toSystem * NqVector(x[0], x[1], x[2]), 1e-13);
-        expectNear(turnOfJoints, toSystem * NqVector(x[3], x[4], x[5]), 1e-13);
-    }
 }
 
 TEST_P(EveryManipulator, GravityTorquesAreDerivativesOfThePotentialEnergy) {

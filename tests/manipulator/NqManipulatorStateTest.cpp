@@ -131,17 +131,4 @@ TEST_F(ManipulatorState, MissingJointsCountAsZero) {
     EXPECT_TRUE(prints.contains("NqPositionState::setJointPosition(): no joint 3 among 3.\n"));
 }
 
-TEST_F(ManipulatorState, XmlKeepsStates) {
-    const std::pair<const NqXmlObject*, const char*> states[] = {{&m_Position, "positionState"},
-                                                                 {&m_Velocity, "velocityState"},
-                                                                 {&m_Acceleration, "accelerationState"}};
-    for (const auto& [state, name] : states) {
-        EXPECT_NE(nqWritten(*state).find("<" + std::string(name)), std::string::npos);
-    }
-    NqVelocityState velocity = nqThroughXml(m_Velocity);
-    EXPECT_EQ(velocity, m_Velocity);
-    velocity.setBaseMotion(NqGeneralMotion());
-    EXPECT_NE(velocity, m_Velocity);
-}
-
 } // namespace

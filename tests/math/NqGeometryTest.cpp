@@ -103,10 +103,4 @@ TEST(SpatialMatrix, OfACrossProductIsSkew) {
     EXPECT_EQ((skew * skew) * w, v.cross(v.cross(w)));
 }
 
-TEST(PlanarVector, IsTheProjectionOnXAndY) {
-    NqPlanarVector projection(9.0, 9.0);
-    projection.setToProjectionOf(NqVector(1.0, 2.0, 3.0));
-    EXPECT_EQ(projection, NqPlanarVector(1.0, 2.0));
-}
-
 } // namespace

@@ -20,7 +20,7 @@ TEST_P(NullSpace, FactorsTheRowsAndSpansWhatTheyLeaveFree) {
     const auto [m, n] = GetParam();
     NqRandom random(17);
     for (unsigned round = 0; round < 20; ++round) {
-        const NqReArray jacobian = nqRandomArray(random, n, n);
+        const NqReArray jacobian = nqRandomArray(random, m > 0 && round % 2 ? m : n, n);
         NqReArray factored(jacobian), basis;
         Indices indices;
         ASSERT_TRUE(factored.nullSpace(basis, m, indices));
@@ -48,7 +48,8 @@ TEST_P(NullSpace, FactorsTheRowsAndSpansWhatTheyLeaveFree) {
         for (unsigned i = m; i < n; ++i) {
             EXPECT_TRUE(std::count(basis[i].begin(), basis[i].end(), 0.0) + 1 == n - m &&
                         basis[i][i - m] == 1.0);
-            EXPECT_TRUE(indices[i] == i && factored[i] == jacobian[i]) << "not among the rows of J";
+            EXPECT_TRUE(indices[i] == i && (jacobian.rows() == m || factored[i] == jacobian[i]))
+                << "not among the rows of J";
         }
     }
 }
@@ -73,28 +74,19 @@ TEST(NullSpace, TakesTheFirstOfEqualColumnsAndRefusesWhatDoesNotFit) {
     EXPECT_EQ(capture.lines().size(), 3u);
 }
 
-class SparseNullSpace : public testing::TestWithParam<std::string> {
-protected:
-    /// Whether a constraint of one of four branches depends on a joint.
-    bool depends(unsigned r, unsigned j, unsigned m, unsigned n, NqRandom& random) const {
-        const std::string& kind = GetParam();
-        const unsigned shared = n / 6, branch = kind == "reversed" ? 3 - 4 * r / m : 4 * r / m;
-        const bool own = branch == std::min(3u, 4 * j / (n - shared));
-        return kind == "dense" ||
-               (kind == "random" ? nqUniform(random) > 0.4 : own || (kind == "base" && j >= n - shared));
-    }
-};
-
-TEST_P(SparseNullSpace, IsTheDenseOneBitForBit) {
+/// Constraints of four branches, with a base that they share or without one, or of any joints.
+TEST(SparseNullSpace, IsTheDenseOneBitForBit) {
     NqRandom random(5);
     unsigned regularRounds = 0;
-    for (unsigned round = 0; round < 300; ++round) {
-        const unsigned m = 4 + round % 21, n = m + (m + round) % 20 + 2;
+    for (unsigned round = 0; round < 900; ++round) {
+        const unsigned m = 4 + round % 21, n = m + (m + round) % 20 + 2, shared = n / 6;
         Bits bits(m, std::vector<bool>(n));
         NqReArray dense = nqRandomArray(random, m, n);
         for (unsigned r = 0; r < m; ++r) {
             for (unsigned j = 0; j < n; ++j) {
-                bits[r][j] = depends(r, j, m, n, random);
+                const bool isOwn = 4 * r / m == std::min(3u, 4 * j / (n - shared));
+                bits[r][j] =
+                    round % 5 == 0 ? nqUniform(random) > 0.4 : isOwn || (round % 5 < 3 && j >= n - shared);
                 // Some of few different values, so that magnitudes tie and rows cancel.
                 dense[r][j] = bits[r][j] ? (round % 3 ? dense[r][j] : std::round(2.0 * dense[r][j])) : 0.0;
             }
@@ -105,11 +97,6 @@ TEST_P(SparseNullSpace, IsTheDenseOneBitForBit) {
                               : dense.calculateZeroStartIndices(m, first, second));
         const bool regular = dense.nullSpace(basis, m, indices);
         EXPECT_EQ(sparse.nullSpaceSparse(sparseBasis, m, sparseIndices, first, second), regular);
-        const NqReArray spread = basis * NqReArray(n - m, 1),
-                        sparseSpread = sparseBasis * NqReArray(n - m, 1);
-        for (unsigned i = 0; i < n; ++i) {
-            EXPECT_TRUE(nqSameBits(sparseSpread[i], spread[i])) << "infinities differ";
-        }
         if (regular) {
             EXPECT_TRUE(sparseIndices == indices && sparse == dense && sparseBasis == basis) << round;
             ++regularRounds;
@@ -117,9 +104,6 @@ TEST_P(SparseNullSpace, IsTheDenseOneBitForBit) {
     }
     EXPECT_GT(regularRounds, 100u);
 }
-
-INSTANTIATE_TEST_SUITE_P(Structures, SparseNullSpace,
-                         testing::Values("dense", "random", "branches", "reversed", "base"));
 
 TEST(ZeroStartIndices, NameTheRunThatRowsShareAndAreNotTrusted) {
     Indices first, second, indices;
@@ -144,31 +128,6 @@ TEST(ZeroStartIndices, NameTheRunThatRowsShareAndAreNotTrusted) {
         EXPECT_TRUE(again.nullSpaceSparse(itsBasis, 6, indices, start, end));
         EXPECT_TRUE(again == factored && itsBasis == basis);
     }
-}
-
-TEST(CombinedIndices, HaveTheEffectOfBothLists) {
-    NqRandom random(11);
-    for (unsigned round = 0; round < 200; ++round) {
-        // Every other pair shares no step, as in a factoring in two stages; the others mix freely.
-        const unsigned n = 1 + round % 12, split = round % 2 ? round % (n + 1) : n;
-        Indices first(n), second(n), combined, places(n);
-        for (unsigned i = 0; i < n; ++i) {
-            first[i] = i < split ? static_cast<unsigned>(random() % n) : i;
-            second[i] = i < split && round % 2 ? i : static_cast<unsigned>(random() % n);
-        }
-        std::iota(places.begin(), places.end(), 0u);
-        Indices expected(places);
-        ASSERT_TRUE(NqReArray().combineIndices(first, second, combined));
-        interchange(expected, first);
-        interchange(expected, second);
-        interchange(places, combined);
-        EXPECT_EQ(places, expected);
-    }
-    NqPrintCapture capture;
-    Indices untouched{7};
-    EXPECT_FALSE(NqReArray().combineIndices({0, 1}, {0}, untouched) ||
-                 NqReArray().combineIndices({0, 2}, {0, 1}, untouched));
-    EXPECT_EQ(untouched, Indices{7});
 }
 
 TEST(JacobianState, IsTheSameForKnownZerosAndEmptyForATallJacobian) {

@@ -49,15 +49,6 @@ TEST(ReArray, SumsAndProducts) {
     EXPECT_EQ(square, nqArray({{3.0, 2.0}, {2.0, 5.0}}));
 }
 
-TEST(ReArray, FunctionsOfAllEntries) {
-    EXPECT_TRUE(kSquare.trace() == 7.0 && (-kWide).infinityNorm() == 15.0 && kWide.sum() == 21.0);
-    const NqReArray near = nqArray({{1.0, 2.0, 3.1}, {4.0, 5.0, 6.0}});
-    const NqReArray holed = nqArray({{1.0, NAN}, {3.0, 2.0}});
-    EXPECT_TRUE(kWide.approxEq(near, 0.11) && !kWide.approxEq(near, 0.09) && !holed.approxEq(holed, 1.0));
-    EXPECT_TRUE(kWide.maximum() == 6.0 && kWide.minimum() == 1.0);
-    EXPECT_TRUE(std::isnan(holed.maximum()) && std::isnan(holed.infinityNorm()));
-}
-
 TEST(ReArray, Factorings) {
     NqRandom random(23);
     for (unsigned n = 1; n <= 12; ++n) {

@@ -2,7 +2,7 @@
 // constraints that change on the way, and watches what must hold: see docs/reliability.md.
 // usage: nqSoak STEPS [SEED]     so many steps in all
 #include "support/NqAllocationCount.h"
-#include "support/NqTesting.h"
+#include "support/NqStepCheck.h"
 
 #include <nqControlCore/endeffector/NqEndEffectorVector.h>
 #include <nqControlCore/foundation/manipulator/NqUrdfReader.h>
@@ -10,12 +10,12 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
+#include <stdexcept>
 #include <unistd.h>
 
 namespace {
 
-constexpr double kSlack = 1.0e-9;
+const std::vector<double> kNone;
 /// Steps between changes, at most.
 constexpr unsigned kLongestWay = 1500;
 
@@ -27,42 +27,38 @@ public:
     struct Record {
         unsigned long long steps = 0, targets = 0, changes = 0;
         unsigned long long kinds[NqControlLoopStatus::BadInput + 1] = {}; ///< how often each was the status
-        std::string fault;                                                ///< what didn't hold
     };
 
-    NqSoakDrive(const std::string& endEffectors, std::uint64_t seed, Record& record)
-        : m_Record(record), m_Random(seed),
-          m_Robot(nqTestManipulator(endEffectors.substr(0, endEffectors.find('.')))), m_There(m_Robot) {
-        m_IsRead = m_Robot.numberOfJoints() > 0 &&
-                   NqXmlDocument::readFile(nqModelFile() + "/" + endEffectors, m_EndEffectors);
+    NqSoakDrive(const std::string& file, std::uint64_t seed, Record& record)
+        : m_File(file), m_Record(record), m_Random(seed),
+          m_Robot(nqTestManipulator(file.substr(0, file.find('.')))), m_There(m_Robot) {
+        check(m_Robot.numberOfJoints() > 0 &&
+                  NqXmlDocument::readFile(nqModelFile("/") + file, m_EndEffectors),
+              "it can't be read");
         start();
     }
 
     /// Of all steps: the fewer the more joints there are, since theirs take longer.
     double share() const { return 1.0 / (1.0 + m_Robot.numberOfJoints()); }
 
-    /// False with a fault in the record.
-    bool run(std::uint64_t steps) {
-        if (!m_IsRead) {
-            return fail("it can't be read");
-        }
+    /// Throws where something doesn't hold.
+    void run(std::uint64_t steps) {
         std::uint64_t next = 0;
         for (std::uint64_t i = 0; i < steps; ++i) {
             if (i == next) {
                 changeSomething();
                 next = i + 1 + m_Random() % kLongestWay;
             }
-            if (!step()) {
-                return false;
-            }
+            step();
         }
-        return true;
     }
 
 private:
-    bool fail(const std::string& what) {
-        m_Record.fault = what + ", in step " + std::to_string(m_Record.steps);
-        return false;
+    void check(bool holds, std::string_view fault) const {
+        if (!holds) {
+            throw std::runtime_error(m_File + ": " + std::string(fault) + ", in step " +
+                                     std::to_string(m_Record.steps));
+        }
     }
 
     double within(double least, double greatest) { return nqDrawn(m_Random, least, greatest); }
@@ -179,68 +175,38 @@ private:
         }
     }
 
-    bool step() {
+    void step() {
         NqControlLoop& loop = *m_Loop;
-        m_Before = loop.positions();
-        m_RatesBefore = loop.rates();
+        m_Positions = loop.positions();
+        m_Rates = loop.rates();
         const std::size_t allocations = nqAllocations();
         const bool isMade = loop.step(), hasAllocated = nqAllocations() != allocations;
         ++m_Record.steps;
         ++m_Record.kinds[loop.status().kind];
-        if (hasAllocated && m_Warm > 1) {
-            return fail("a step allocates");
-        }
+        check(!hasAllocated || m_Warm < 2, "a step allocates");
         ++m_Warm;
-        if (!isMade) {
-            return loop.status().kind == NqControlLoopStatus::BadInput && m_Before == loop.positions()
-                       ? true
-                       : fail("a step that isn't made moves the joints");
+        const std::string fault =
+            nqFaultOf(loop, isMade, m_Positions, m_IsAccelerationKnown ? m_Rates : kNone, 1.0e-9);
+        check(fault.empty(), fault);
+        const auto& causes = loop.status().joints;
+        for (const NqControlLoopStatus::Joint& cause : causes) {
+            check(!isMade || (cause.joint < loop.joints() && cause.multiplier >= 0.0),
+                  "a cause names no joint");
         }
-        const double time = loop.settings().timeStep();
-        for (unsigned j = 0; j < loop.joints(); ++j) {
-            const NqJointDescription& joint = m_Robot.linkByIndex(j)->joint();
-            const double position = loop.positions()[j], rate = loop.rates()[j];
-            const std::string name = " of " + joint.name();
-            if (!std::isfinite(position) || !std::isfinite(rate)) {
-                return fail("position or rate" + name + " is not finite");
-            }
-            if (position < joint.lowerPositionLimit() - kSlack ||
-                position > joint.upperPositionLimit() + kSlack) {
-                return fail("the range" + name + " is left");
-            }
-            if (std::fabs(rate) > joint.rateLimit() + kSlack) {
-                return fail("the rate" + name + " is above its limit");
-            }
-            const double limit = loop.settings().accelerationTime() > 0.0
-                                     ? joint.rateLimit() / loop.settings().accelerationTime()
-                                     : std::numeric_limits<double>::infinity();
-            if (m_IsAccelerationKnown && std::fabs(rate - m_RatesBefore[j]) > limit * time + kSlack) {
-                return fail("the acceleration" + name + " is above its limit");
-            }
-        }
-        for (const NqControlLoopStatus::Joint& joint : loop.status().joints) {
-            if (joint.joint >= loop.joints() || !(joint.multiplier >= 0.0)) {
-                return fail("a cause names no joint");
-            }
-        }
-        if (loop.status().kind == NqControlLoopStatus::Held && loop.status().joints.empty()) {
-            return fail("it is held by nothing");
-        }
-        return true;
+        check(loop.status().kind != NqControlLoopStatus::Held || !causes.empty(), "it is held by nothing");
     }
 
+    const std::string m_File;
     Record& m_Record;
     std::mt19937_64 m_Random;
     NqIndividualManipulator m_Robot;
     NqEndEffectorVector m_EndEffectors;
     NqControlLoopSettings m_Settings;
     std::unique_ptr<NqControlLoop> m_Loop;
-    NqManipulatorActiveState m_There; ///< where targets are taken from
-    std::vector<double> m_Before;     ///< positions before the step
-    std::vector<double> m_RatesBefore;
+    NqManipulatorActiveState m_There;         ///< where targets are taken from
+    std::vector<double> m_Positions, m_Rates; ///< before the step
     bool m_IsAccelerationKnown = false; ///< whether its limits are those that all steps so far have kept
     unsigned m_Warm = 0;                ///< steps since something that may allocate
-    bool m_IsRead = false;
 };
 
 /// kB.
@@ -250,41 +216,27 @@ long residentMemory() {
     return resident * (sysconf(_SC_PAGESIZE) / 1024);
 }
 
-std::vector<std::string> filesOfEndEffectors() {
-    std::vector<std::string> names;
-    for (const auto& file : std::filesystem::directory_iterator(nqModelFile())) {
-        if (file.path().string().ends_with(".endeffectors.xml")) {
-            names.push_back(file.path().filename());
-        }
-    }
-    std::ranges::sort(names);
-    return names;
-}
-
 } // namespace
 
-int main(int argc, char** argv) {
-    const std::vector<std::string> names = filesOfEndEffectors();
+int main(int argc, char** argv) try {
+    const std::vector<std::string> files = nqFilesIn(nqModelFile(), ".endeffectors.xml");
     const auto steps = static_cast<std::uint64_t>(argc > 1 ? std::atof(argv[1]) : 1.0e6);
     const auto seed = static_cast<std::uint64_t>(argc > 2 ? std::atol(argv[2]) : 1);
     constexpr std::uint64_t rounds = 8;
     constexpr long mostGrowth = 4096; // kB, after the first two rounds
     Nq::Print::instance().setSink([](unsigned, const std::string&) {});
 
-    std::vector<NqSoakDrive::Record> records(names.size());
+    std::vector<NqSoakDrive::Record> records(files.size());
     double shares = 0.0;
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        shares += NqSoakDrive(names[i], seed, records[i]).share();
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        shares += NqSoakDrive(files[i], seed, records[i]).share();
     }
     const double each = static_cast<double>(steps) / rounds;
     long warm = 0;
     for (std::uint64_t round = 0; round < rounds; ++round) {
-        for (std::size_t i = 0; i < names.size(); ++i) {
-            NqSoakDrive drive(names[i], seed * rounds + round, records[i]);
-            if (!drive.run(static_cast<std::uint64_t>(drive.share() / shares * each) + 1)) {
-                std::fprintf(stderr, "soak: %s: %s\n", names[i].c_str(), records[i].fault.c_str());
-                return 1;
-            }
+        for (std::size_t i = 0; i < files.size(); ++i) {
+            NqSoakDrive drive(files[i], seed * rounds + round, records[i]);
+            drive.run(static_cast<std::uint64_t>(drive.share() / shares * each) + 1);
         }
         warm = round < 2 ? residentMemory() : warm;
         std::fprintf(stderr, "soak: round %d of %d, %ld kB\n", static_cast<int>(round + 1),
@@ -293,10 +245,10 @@ int main(int argc, char** argv) {
     std::uint64_t all = 0;
     std::printf("%-40s %11s %9s %9s %9s %9s %9s %9s %9s\n", "file", "steps", "targets", "changes", "reached",
                 "slowed", "held", "singular", "refused");
-    for (std::size_t i = 0; i < names.size(); ++i) {
+    for (std::size_t i = 0; i < files.size(); ++i) {
         const NqSoakDrive::Record& r = records[i];
         using Status = NqControlLoopStatus;
-        std::printf("%-40s %11llu %9llu %9llu %9llu %9llu %9llu %9llu %9llu\n", names[i].c_str(), r.steps,
+        std::printf("%-40s %11llu %9llu %9llu %9llu %9llu %9llu %9llu %9llu\n", files[i].c_str(), r.steps,
                     r.targets, r.changes, r.kinds[Status::Reached], r.kinds[Status::Slowed],
                     r.kinds[Status::Held],
                     r.kinds[Status::Singular] + r.kinds[Status::OutOfReach] + r.kinds[Status::Contradictory],
@@ -305,9 +257,8 @@ int main(int argc, char** argv) {
     }
     const long growth = residentMemory() - warm;
     std::printf("%llu steps; memory grew by %ld kB\n", static_cast<unsigned long long>(all), growth);
-    if (growth > mostGrowth) {
-        std::fprintf(stderr, "soak: memory grows\n");
-        return 1;
-    }
-    return 0;
+    return growth > mostGrowth ? throw std::runtime_error("memory grows") : 0;
+} catch (const std::exception& fault) {
+    std::fprintf(stderr, "soak: %s\n", fault.what());
+    return 1;
 }

@@ -1,5 +1,7 @@
 #include "support/NqTestFiles.h"
 
+#include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -18,6 +20,16 @@ std::string nqHeaderFile(const std::string& name) {
 }
 std::string nqCorpusFolder() {
     return NQ_PROJECT "/tests/fuzz/corpus/";
+}
+std::vector<std::string> nqFilesIn(const std::string& folder, const std::string& ending) {
+    std::vector<std::string> names;
+    for (const auto& file : std::filesystem::directory_iterator(folder)) {
+        if (file.path().string().ends_with(ending)) {
+            names.push_back(file.path().filename());
+        }
+    }
+    std::ranges::sort(names);
+    return names;
 }
 std::string nqContentOf(const std::string& fileName) {
     std::ifstream stream(fileName, std::ios::binary);

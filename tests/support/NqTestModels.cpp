@@ -65,6 +65,8 @@ const std::vector<NqTestModel>& nqTestModels() {
         const auto labelOf = [](const NqIndividualManipulator& arm, unsigned joint) {
             return arm.linkByIndex(joint)->linkLabel();
         };
+        const NqCoordinateSystemTransformation hung(NqVector(0.3, -0.8, 1.2),
+                                                    NqOrientation(2.1, {1.0, -2.0, 0.5}));
         return std::vector<NqTestModel>{
             {"planar", planarArm(), "hand", "upper", "upper"},
             {"arm6", arm6, labelOf(*arm6, 5), labelOf(*arm6, 2), labelOf(*arm6, 1)},
@@ -72,13 +74,7 @@ const std::vector<NqTestModel>& nqTestModels() {
             {"tree", tree, "left_slide", "right_tip", "right"},
             {"freeTree", tree, "left_slide", "right_tip", "right", true},
             {"bracket", bracketArm(), "tool", "bracket", "bracket"},
-            {"hungArm",
-             arm7,
-             labelOf(*arm7, 6),
-             labelOf(*arm7, 3),
-             labelOf(*arm7, 2),
-             false,
-             {NqVector(0.3, -0.8, 1.2), NqOrientation(2.1, {1.0, -2.0, 0.5})}},
+            {"hungArm", arm7, labelOf(*arm7, 6), labelOf(*arm7, 3), labelOf(*arm7, 2), false, hung},
         };
     }();
     return theModels;

@@ -1,6 +1,5 @@
 #include "support/NqTesting.h"
 
-#include <nqControlCore/xml/NqControlCoreInfo.h>
 #include <nqControlCore/xml/NqControlCoreTokens.h>
 
 #include <nqControlCore/endeffector/NqEndEffectorMap.h>
@@ -59,14 +58,6 @@ TEST(NqToken, OwnsWhatIsNoConstant) {
     EXPECT_TRUE(copy.token() == kMineText + "/" + before && copy.localName() == before);
     EXPECT_TRUE(copy == late && copy == NqToken(copy.c_str())) << "wherever the text is divided";
     EXPECT_TRUE(kMine < copy && !(copy < kMine) && NqToken("a") < NqToken("\xC3"));
-}
-
-TEST(NqControlCoreInfo, IsThatOfALibraryAndNoPlugin) {
-    using namespace Nq::controlCoreInfo;
-    EXPECT_FALSE(projectIsPlugin());
-    EXPECT_EQ(pluginLibraryFileName() + projectName() + " " + repositoryName() + " " + solutionName(),
-              "controlCore toolkits tarvo");
-    EXPECT_EQ(xmlNamespace(), "http://nq.example/toolkits/tarvo/controlCore/nq#");
 }
 
 TEST(NqToken, NamesWithoutNamespaceAreThoseOfTheParent) {

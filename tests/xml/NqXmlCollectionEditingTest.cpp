@@ -85,26 +85,6 @@ TYPED_TEST(NqXmlBothVectors, AreWrittenInParts) {
     EXPECT_EQ(writer, nullptr);
 }
 
-TEST(NqXmlVectorType, GrowsAndShrinks) {
-    NqTestReals reals{1.0, 2.0};
-    reals.resizeToAtLeast(1);
-    EXPECT_EQ(reals.size(), 2U);
-    reals.resizeToAtLeast(4);
-    EXPECT_EQ(reals, (NqTestReals{1.0, 2.0, 0.0, 0.0}));
-    reals.resize(1);
-    reals.append(reals);
-    EXPECT_EQ(reals, (NqTestReals{1.0, 1.0}));
-    reals.assign(3, reals[0]);
-    EXPECT_EQ(reals, NqTestReals(3, 1.0));
-}
-
-TEST(NqXmlSetType, TellsWhatIsNew) {
-    NqTestSet set;
-    EXPECT_TRUE(set.add("b") && set.add("a") && set.find("b"));
-    EXPECT_FALSE(set.add("b") || set.find("c") || set.erase("c"));
-    EXPECT_TRUE(set.erase("b") && !set.find("b") && set.size() == 1);
-}
-
 TEST(NqXmlVariableVectorType, ChecksIndices) {
     NqPrintCapture print;
     NqTestShapeVector shapes;
@@ -131,19 +111,6 @@ TEST(NqXmlMapType, FindsByKeyAndPosition) {
     EXPECT_TRUE(map.lookup(30, value) && map.indexKey(1, key) && map.keyIndex(10, index));
     EXPECT_TRUE(value == 5.0 && key == 30 && index == 0);
     EXPECT_TRUE(map.erase(10) && !map.keyIndex(10, index));
-}
-
-TEST(NqXmlVariableMapType, OwnsClones) {
-    NqTestShapeMap shapes;
-    NqTestSquare square(2.0);
-    shapes.add("a", square);
-    square.m_Side = 5.0;
-    NqTestShapeMap copy = shapes;
-    shapes.add("a", square);
-    EXPECT_TRUE(copy.lookup("a")->area() == 4.0 && shapes.lookup("a")->area() == 25.0);
-    copy = shapes;
-    EXPECT_EQ(copy, shapes);
-    EXPECT_TRUE(copy.erase("a") && !copy.erase("a") && !copy.lookup("a"));
 }
 
 } // namespace

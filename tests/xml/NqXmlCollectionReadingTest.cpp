@@ -149,42 +149,4 @@ TEST(NqXmlReader, TellsTheLineOfEachTagAndText) {
     EXPECT_EQ(places, " 10\n 70002\n 70005\n 140005\n 140006\n") << print.text();
 }
 
-/// A container around others, that knows a class which those within don't.
-class NqOuterVector : public NqXmlConcrete<NqOuterVector, NqXmlVariableVectorType<NqXmlObject>> {
-public:
-    static const NqToken& classToken() { return NqXml::NqVarVectorTypeToken; }
-    void registerComponentCreators() override {
-        registerComponentCreator("star", NqTestCircle::creator);
-        registerComponentCreator("endEffectorVector", NqTestShapeVector::creator);
-        registerComponentCreator("endEffectorMap", NqTestShapeMap::creator);
-    }
-};
-
-TEST(NqXmlVariableVectorType, AsksTheContainerAroundIt) {
-    NqOuterVector outer;
-    ASSERT_TRUE(NqXmlDocument::readString(
-        "<varVectorType count='3'><endEffectorVector count='1'><star/></endEffectorVector>"
-        "<endEffectorMap><element><key>k</key><star/></element></endEffectorMap><star/></varVectorType>",
-        outer));
-    ASSERT_EQ(outer.size(), 3U);
-    EXPECT_EQ(dynamic_cast<NqTestShapeVector&>(*outer[0]).size(), 1U);
-    EXPECT_TRUE(dynamic_cast<NqTestShapeMap&>(*outer[1]).lookup("k"));
-}
-
-TEST(NqXmlVariableVectorType, KeepsCreatorsOfItsUser) {
-    NqTestShapeVector shapes;
-    shapes.registerComponentCreator(NqTestSquare::classToken(), NqTestCircle::creator); // before the class's
-    const std::unique_ptr<NqXmlObject> square(shapes.newObjectFromToken("square"));
-    EXPECT_TRUE(dynamic_cast<NqTestCircle*>(square.get()));
-    shapes.registerComponentCreator("star", NqTestSquare::creator);
-    NqTestShapeVector assigned;
-    assigned = shapes;
-    for (NqTestShapeVector copy : {shapes, assigned}) {
-        EXPECT_TRUE(NqXmlDocument::readString(
-            "<endEffectorVector count='2'><square/><star/></endEffectorVector>", copy));
-        EXPECT_EQ(copy[0]->area(), 3.0);
-        EXPECT_EQ(copy[1]->area(), 1.0);
-    }
-}
-
 } // namespace

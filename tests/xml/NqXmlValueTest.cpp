@@ -51,7 +51,7 @@ TEST(NqXmlValue, WholeNumbersMayHaveASign) {
     expectRead(std::numeric_limits<int>::min(), "-2147483648");
     expectRead(4294967295U, "+4294967295");
     expectRead(std::uint16_t{65535}, "65535");
-    EXPECT_TRUE(NqSchemaValidator(NqXmlBasicType<int>(), "int").accepts("<value>+5</value>"));
+    EXPECT_TRUE(NqSchemaValidator(NqXmlBasicType<int>()).accepts("<value>+5</value>"));
 }
 
 TEST(NqXmlValue, EveryRealIsAKey) {
@@ -175,18 +175,6 @@ TEST(NqXmlWriter, RefusesWhatXmlCannotHold) {
         EXPECT_FALSE(NqXmlDocument::writeString(document, NqTestTexts{"fine", text}));
         EXPECT_TRUE(print.contains("a text holds characters that XML cannot") && document == "kept");
     }
-}
-
-TEST(NqXmlWriter, KeepsATallyOfLinks) {
-    std::ostringstream stream;
-    NqXmlWriter writer("links.xml", stream);
-    EXPECT_FALSE(writer.schemaWriter());
-    writer.setLinkTotal(3);
-    writer.incrementLinkCount();
-    writer.incrementLinkCount();
-    EXPECT_TRUE(writer.linkCount() == 2 && writer.linkTotal() == 3);
-    writer.resetLinkCount();
-    EXPECT_TRUE(writer.linkCount() == 0 && writer.linkTotal() == 3);
 }
 
 } // namespace

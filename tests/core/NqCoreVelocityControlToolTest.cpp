@@ -352,6 +352,20 @@ TEST(CoreVelocityControlTool, SubclassesHaveTheirWay) {
     EXPECT_EQ(both.rates, problem.solve(plain).nullRates) << "written last";
 }
 
+TEST(CoreVelocityControlTool, MatricesFromOutsideMayBeRagged) {
+    NqRandom random(8);
+    const Problem problem(random, 6, 2);
+    NqCoreVelocityControlTool plain, tool;
+    const Outcome expected = problem.solve(plain);
+    for (const unsigned row : {1u, 5u}) {
+        NqReArray ragged(6, 6);
+        ragged.assign(row, Numbers(5 - row)); // too short, or empty
+        tool.setPrimaryMatrix(ragged);
+        expectSame(problem.solve(tool), expected);
+        EXPECT_EQ(tool.primaryMatrix(), plain.primaryMatrix());
+    }
+}
+
 /// Equal but for the sign of zeros; any NaN equals any other.
 bool sameValues(const Numbers& a, const Numbers& b) {
     return std::ranges::equal(a, b,

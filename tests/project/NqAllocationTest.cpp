@@ -7,6 +7,7 @@
 #include <nqControlCore/expression/NqExpressionContainer.h>
 #include <nqControlCore/expression/NqExpressionIdentityMatrix.h>
 #include <nqControlCore/foundation/manipulator/NqJacobianState.h>
+#include <nqControlLoop/NqControlLoop.h>
 
 #include <cstdlib>
 #include <iterator>
@@ -201,5 +202,36 @@ TEST_P(ControlStep, AllocatesNothingOnceWarm) {
 
 INSTANTIATE_TEST_SUITE_P(Models, ControlStep, testing::Range<std::size_t>(0, nqTestModels().size()),
                          [](const auto& model) { return nqTestModels()[model.param].name; });
+
+/// With joints at limits, off the path, near singularities and at rest out of reach: all that a loop can
+/// meet.
+TEST(NqControlLoop, AllocatesNothingAfterTheFirstStep) {
+    const NqIndividualManipulator robot = nqTestManipulator("arm7");
+    NqFrameEndEffector hand;
+    hand.setLinkIdentifier("hand");
+    NqPointEndEffector elbow;
+    elbow.setLinkIdentifier("link4");
+    elbow.setIsHardConstraint(false);
+    NqControlLoop loop(robot);
+    loop.addEndEffector("hand", hand);
+    loop.addEndEffector("elbow", elbow);
+    loop.setPositions({0.0, 0.3, 0.2, -1.8, 0.2, 2.0, 0.8});
+    ASSERT_TRUE(loop.step());
+    bool hasSlowed = false, isStuck = false;
+    for (const NqVector& place :
+         {NqVector(0.5, 0.3, 0.6), NqVector(-0.9, -0.5, 0.2), NqVector(2.0, 0.0, 1.0)}) {
+        const NqControlTarget target = NqControlTarget::place(place);
+        const std::size_t allocations = allocationsOf([&] {
+            loop.setTarget(0, target);
+            for (unsigned i = 0; i < 6000; ++i) {
+                loop.step();
+                hasSlowed = hasSlowed || loop.slowing() < 0.9;
+                isStuck = isStuck || loop.status().isStuck();
+            }
+        });
+        EXPECT_EQ(allocations, 0u);
+    }
+    EXPECT_TRUE(hasSlowed && isStuck);
+}
 
 } // namespace

@@ -149,4 +149,20 @@ TEST(NqXmlReader, TellsTheLineOfEachTagAndText) {
     EXPECT_EQ(places, " 10\n 70002\n 70005\n 140005\n 140006\n") << print.text();
 }
 
+TEST(NqXmlVariableVectorType, KeepsCreatorsOfItsUser) {
+    NqTestShapeVector shapes;
+    shapes.registerComponentCreator(NqTestSquare::classToken(), NqTestCircle::creator); // before the class's
+    const std::unique_ptr<NqXmlObject> square(shapes.newObjectFromToken("square"));
+    EXPECT_TRUE(dynamic_cast<NqTestCircle*>(square.get()));
+    shapes.registerComponentCreator("star", NqTestSquare::creator);
+    NqTestShapeVector assigned;
+    assigned = shapes;
+    for (NqTestShapeVector copy : {shapes, assigned}) {
+        EXPECT_TRUE(NqXmlDocument::readString(
+            "<endEffectorVector count='2'><square/><star/></endEffectorVector>", copy));
+        EXPECT_EQ(copy[0]->area(), 3.0);
+        EXPECT_EQ(copy[1]->area(), 1.0);
+    }
+}
+
 } // namespace

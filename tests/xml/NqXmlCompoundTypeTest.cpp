@@ -93,4 +93,27 @@ TEST(NqXmlCompoundType, ReadsWhatItDoesNotWrite) {
     EXPECT_EQ(tagged.specialDescriptorMap().at(NqXml::NqCountToken), 4U);
 }
 
+TEST(NqXmlCompoundType, AssignmentKeepsTheNamesOfValues) {
+    NqTestSquare square;
+    ASSERT_NE(nqWritten(square).find("trapezoidal"), std::string::npos);
+    square.m_Mode = NqXmlEnumType<unsigned int>(0U);
+    EXPECT_EQ(nqThroughXml(square), square);
+    EXPECT_NE(nqWritten(square).find("proportional"), std::string::npos);
+    square = NqTestSquare(2.0);
+    EXPECT_NE(nqWritten(square).find("trapezoidal"), std::string::npos);
+}
+
+/// Below a concrete class.
+class NqTestTile : public NqXmlConcrete<NqTestTile, NqTestSquare> {
+public:
+    static const NqToken& classToken() { return NqControlCore::NqColumnToken; }
+};
+
+TEST(NqXmlCompoundType, ComparesObjectsOfOneClass) {
+    const NqTestSquare square;
+    const NqTestTile tile;
+    EXPECT_FALSE(square.equality(&tile) || tile.equality(&square));
+    EXPECT_TRUE(tile.equality(std::make_unique<NqTestTile>().get()));
+}
+
 } // namespace

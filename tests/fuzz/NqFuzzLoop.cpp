@@ -47,6 +47,7 @@ void addEndEffector(NqControlLoop& loop, NqFuzzInput& input) {
     const std::string name = std::to_string(input.below(6));
     const bool isTaken = loop.find(name) != loop.endEffectors();
     nqHolds(loop.addEndEffector(name, *endEffector, input.flag()) != isTaken, "a name is taken once");
+    nqHolds(!isTaken || loop.removeEndEffector(name), "what is there can be taken out");
 }
 
 void setTarget(NqControlLoop& loop, NqFuzzInput& input, bool isSane) {

@@ -115,7 +115,8 @@ public:
 
     /// Of all steps so far, s.
     double time() const {
-        return m_TimeBefore + static_cast<double>(m_Steps - m_StepsBefore) * m_Settings.timeStep();
+        const std::uint64_t steps = m_Steps - m_StepsBefore; // none by settings that are refused
+        return steps == 0 ? m_TimeBefore : m_TimeBefore + static_cast<double>(steps) * m_Settings.timeStep();
     }
     std::uint64_t steps() const { return m_Steps; }
     NqManipulatorActiveState& state() { return m_State; }

@@ -45,6 +45,7 @@ TEST(NqControlLoop, TakesTargetsByNameInBothFrames) {
     EXPECT_EQ(messages.lines().size(), 7u);
 
     const double time = loop.time();
+    loop.setSettings(nqSettingsOf(std::nan("")));
     loop.setSettings(nqSettingsOf(0.02));
     EXPECT_EQ(loop.time(), time) << "longer steps don't change those that were made";
 }

@@ -137,6 +137,10 @@ void NqControlLoop::setSettings(const NqControlLoopSettings& settings) {
     }
     m_TimeBefore = time();
     m_StepsBefore = m_Steps;
+    if (settings.isBaseFixed() && !m_Settings.isBaseFixed()) {
+        m_Velocity.setBaseMotion(NqGeneralMotion()); // it stands still from now on
+        m_State.setVelocityState(m_Velocity);
+    }
     m_Settings = settings;
     resize();
 }

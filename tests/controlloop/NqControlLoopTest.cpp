@@ -112,6 +112,15 @@ TEST(NqControlLoop, MovesAFreeBase) {
     EXPECT_LT((arm.robot.linkByLabel("hand")->primaryFrameInSystem(at).translation() - target).mag(), 1.1e-4);
     EXPECT_GT(arm.robot.baseFrameInSystem(at).translation().mag(), 0.1);
     EXPECT_NEAR(loop.positions()[1], 0.3, 1.0e-2) << "the joints are heavy";
+
+    loop.setTarget("hand", NqControlTarget::place(target + NqVector(0.1, 0.0, 0.0)));
+    ASSERT_TRUE(nqMakesSteps(loop, 50));
+    settings.setIsBaseFixed(true);
+    loop.setSettings(settings);
+    ASSERT_TRUE(loop.step());
+    NqXmlRealVector velocity;
+    loop.endEffector(0).calculateVelocity(arm.robot, loop.state(), velocity, 0);
+    EXPECT_NEAR(velocity[0], loop.speeds()[0], 1.0e-2) << "of the joints alone";
 }
 
 } // namespace

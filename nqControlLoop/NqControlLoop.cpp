@@ -234,14 +234,19 @@ void NqControlLoop::setState(const NqPositionState& position, const NqVelocitySt
     }
     m_Position = position;
     m_Velocity = velocity;
-    std::copy_n(velocity.jointVelocities().begin(), m_Joints, m_Rates.begin());
-    for (unsigned i = m_Joints; i < columns(); ++i) {
-        m_Rates[i] = velocity.baseMotion()[i - m_Joints];
-    }
+    takeOverRates();
     m_State.setPositionState(m_Position);
     m_State.setVelocityState(m_Velocity);
     m_IsRefused = false;
     observe();
+}
+
+/// The rates as the state has them.
+void NqControlLoop::takeOverRates() {
+    std::copy_n(m_Velocity.jointVelocities().begin(), m_Joints, m_Rates.begin());
+    for (unsigned i = m_Joints; i < columns(); ++i) {
+        m_Rates[i] = m_Velocity.baseMotion()[i - m_Joints];
+    }
 }
 
 bool NqControlLoop::setTarget(const std::string& name, const NqControlTarget& target) {
@@ -399,8 +404,9 @@ bool NqControlLoop::step() {
                                         "or are not numbers: no step is made.\n");
         }
         m_Status.kind = NqControlLoopStatus::BadInput;
-        std::transform(m_Velocity.jointVelocities().begin(), m_Velocity.jointVelocities().end(),
-                       m_Rates.begin(), [](double rate) { return std::isfinite(rate) ? rate : 0.0; });
+        takeOverRates();
+        std::replace_if(
+            m_Rates.begin(), m_Rates.end(), [](double rate) { return !std::isfinite(rate); }, 0.0);
         return false;
     }
     measureVelocities();

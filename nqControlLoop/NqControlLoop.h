@@ -201,6 +201,7 @@ private:
     void holdWithoutTarget();
     bool isThere(std::size_t endEffector) const;
     void resize();
+    void takeOverRates();
     void stackConstraints();
     void commandVelocities();
     void weighSoftConstraints();

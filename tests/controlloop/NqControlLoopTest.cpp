@@ -113,6 +113,15 @@ TEST(NqControlLoop, MovesAFreeBase) {
     EXPECT_GT(arm.robot.baseFrameInSystem(at).translation().mag(), 0.1);
     EXPECT_NEAR(loop.positions()[1], 0.3, 1.0e-2) << "the joints are heavy";
 
+    const NqPrintCapture messages;
+    loop.addEndEffector("far", nqOn("link1"), false);
+    for (const double far : {1.0e308}) {
+        loop.setTarget("far", NqControlTarget::place(NqVector(far, 0.0, 0.0)));
+        EXPECT_FALSE(loop.step());
+        EXPECT_TRUE(std::isfinite(loop.rates()[7])) << "of the base";
+    }
+    loop.removeEndEffector("far");
+
     loop.setTarget("hand", NqControlTarget::place(target + NqVector(0.1, 0.0, 0.0)));
     ASSERT_TRUE(nqMakesSteps(loop, 50));
     settings.setIsBaseFixed(true);

@@ -423,6 +423,12 @@ bool NqControlLoop::staysFinite() const {
     for (unsigned j = 0; j < m_Joints; ++j) {
         result = result && std::isfinite(m_Position.jointPositions()[j] + m_Rates[j] * m_Settings.timeStep());
     }
+    if (!m_Settings.isBaseFixed()) {
+        const double* rates = m_Rates.data() + m_Joints;
+        result = result && std::isfinite(NqVector(rates[0], rates[1], rates[2]).mag() +
+                                         NqVector(rates[3], rates[4], rates[5]).mag() +
+                                         m_Position.baseFrame().translation().mag());
+    }
     return result;
 }
 
@@ -626,7 +632,12 @@ double NqControlLoop::largestError() const {
     double error = 0.0;
     for (std::size_t p = 0; p < m_Parts.size(); ++p) {
         const bool counts = m_Hard.rows == 0 || m_Constraints[m_Parts[p].endEffector].isHard;
-        error = counts ? std::max(error, m_Errors[p]) : error;
+        if (counts && !(m_Errors[p] <= error)) {
+            error = m_Errors[p];
+        }
+        if (std::isnan(error)) {
+            break;
+        }
     }
     return error;
 }

@@ -157,7 +157,7 @@ public:
     const std::vector<Part>& parts() const { return m_Parts; }
     /// What is left to the target, in the part's unit.
     const std::vector<double>& errors() const { return m_Errors; }
-    /// The largest of the hard end-effectors, or of all where none is hard.
+    /// The largest of the hard end-effectors, or of all where none is hard; NaN where one is no number.
     double largestError() const;
     /// Speed in the last step, as the motion filter limits it: relative to the relative link in internal
     /// mode.

@@ -279,10 +279,13 @@ bool NqControlLoop::setTarget(std::size_t e, const NqControlTarget& target) {
                                     constraint.name, objection);
         return false;
     }
-    if (target.isInSystem() != constraint.isTargetInSystem) {
-        constraint.target = target.isInSystem() ? constraint.systemTarget : constraint.target;
-        constraint.isTargetInSystem = target.isInSystem();
+    if (target.isInSystem() && !constraint.isTargetInSystem) {
+        constraint.target = constraint.systemTarget;
+    } else if (!target.isInSystem() && constraint.isTargetInSystem) {
+        constraint.kind.toRelative(*constraint.endEffector, m_Manipulator, constraint.systemTarget, m_State,
+                                   constraint.target);
     }
+    constraint.isTargetInSystem = target.isInSystem();
     target.apply(constraint.target);
     constraint.hasTarget = true;
     constraint.desired = target.velocity();

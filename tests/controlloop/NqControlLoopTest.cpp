@@ -1,6 +1,8 @@
 #include "controlloop/NqControlLoopTesting.h"
 #include "support/NqTesting.h"
 
+#include <nqControlCore/endeffector/NqFrameEndEffector.h>
+
 namespace {
 
 /// Steps until the first part is at its target.
@@ -35,6 +37,14 @@ TEST(NqControlLoop, TakesTargetsByNameInBothFrames) {
     ASSERT_TRUE(loop.setTarget("right", NqControlTarget::place(inLeft)));
     ASSERT_TRUE(reaches(loop, 10.0));
     EXPECT_LT((loop.relativePlacement(0).coordSysXForm().translation() - inLeft).mag(), 1.1e-4);
+
+    auto turned = nqOn<NqFrameEndEffector>("right_tip");
+    turned.setRelativeLinkData(relative);
+    loop.addEndEffector("turned", turned);
+    loop.setTarget("turned", NqControlTarget::frame(loop.placements()[2]).inSystem());
+    loop.setTarget("turned", NqControlTarget::place(inLeft));
+    EXPECT_NEAR(loop.errors()[3], 0.0, 1.0e-9) << "the orientation stays what it was in the system";
+    loop.removeEndEffector("turned");
 
     EXPECT_FALSE(loop.setTarget("middle", NqControlTarget::place(inLeft)));
     EXPECT_FALSE(loop.setTarget("left", NqControlTarget::number(1.0)));

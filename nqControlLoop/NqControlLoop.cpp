@@ -740,13 +740,25 @@ void NqControlLoop::judgeLostDirection() {
                                     m_Status.distance < kSmallTurn * m_Status.leastSingularValue)) {
         m_Solver.findLimits(m_Status.joints);
     }
-    if (m_Status.joints.empty() && !m_IsProbed) {
+    if (m_Status.joints.empty() && !isProbed()) {
         m_CanComeNearer = canComeNearer();
         m_IsProbed = true;
+        m_ProbedError = m_Status.distance;
+        for (Constraint& probed : m_Constraints) {
+            probed.probed = probed.systemTarget.coordSysXForm();
+        }
     }
     m_Status.kind = !m_Status.joints.empty() ? NqControlLoopStatus::Held
                     : m_CanComeNearer        ? NqControlLoopStatus::Singular
                                              : NqControlLoopStatus::OutOfReach;
+}
+
+/// Whether canComeNearer() was asked where arm and targets are.
+bool NqControlLoop::isProbed() const {
+    return m_IsProbed && std::abs(m_Status.distance - m_ProbedError) < kRest &&
+           std::all_of(m_Constraints.begin(), m_Constraints.end(), [](const Constraint& constraint) {
+               return constraint.probed == constraint.systemTarget.coordSysXForm();
+           });
 }
 
 /// Whether some motion that the rows don't notice in first order brings the end-effectors nearer in second.

@@ -188,6 +188,8 @@ private:
         bool isTargetInSystem = false;
         NqEndEffectorPlacement present;
         NqEndEffectorPlacement systemTarget;
+        /// That target, when canComeNearer() was asked.
+        NqCoordinateSystemTransformation probed;
         NqXmlRealVector desired;  ///< feed-forward velocity
         NqXmlRealVector previous; ///< what became of the velocity commanded in the step before
         NqXmlRealVector filtered;
@@ -212,6 +214,7 @@ private:
     bool staysFinite() const;
     void judge();
     void judgeLostDirection();
+    bool isProbed() const;
     bool canComeNearer();
     void goOn();
     bool isReady();
@@ -254,6 +257,7 @@ private:
     bool m_IsRefused = false;    ///< and found something
     NqPositionState m_Here;      ///< where canComeNearer() probes from
     bool m_IsProbed = false;     ///< whether canComeNearer() was asked since the arm moved
+    double m_ProbedError = 0.0;  ///< what was left then
     bool m_CanComeNearer = true; ///< what it said
     NqSingularityFilter m_Probe; ///< for what is computed on request
     std::vector<NqCoordinateSystemTransformation> m_Placements;

@@ -113,6 +113,10 @@ TEST(NqControlLoopStatus, NamesTheCause) {
     EXPECT_EQ(line.status().kind, Status::Singular);
     EXPECT_NEAR(std::abs(line.status().direction.x()), 1.0, 1.0e-9);
     EXPECT_LT(line.leastSingularValue(), 1.0e-12);
+    line.setTarget("tip",
+                   NqControlTarget::place(line.placements()[0].translation() + NqVector(0.3, 0.0, 0.0)));
+    ASSERT_TRUE(nqMakesSteps(line, 100));
+    EXPECT_EQ(line.status().kind, Status::OutOfReach) << "of the new target";
 
     // Nearly so, with joints that may not move: with them the little outwards would be a small turn.
     labels = {};

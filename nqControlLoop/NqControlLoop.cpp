@@ -170,6 +170,7 @@ void NqControlLoop::resize() {
     m_Straight.assign(columns(), 0.0);
     m_Hard.command.resize(m_Hard.rows);
     m_Braking.assign(m_Hard.rows, 0.0);
+    m_Vanished = m_Braking;
     m_Probe.prepare(m_Hard.rows, columns());
     m_Status.joints.reserve(m_Joints);
     m_Soft.command.resize(m_Soft.rows);
@@ -730,7 +731,7 @@ void NqControlLoop::judgeLostDirection() {
     m_Status.isAngular = second.mag() > first.mag() ||
                          (!constraint.kind.parts().empty() && constraint.kind.parts()[0].isAngular);
     m_Status.direction = second.mag() > first.mag() ? second : first;
-    if (m_Status.leastSingularValue < kDependent && next > kDependent) {
+    if (m_Status.leastSingularValue < kDependent && next > kDependent && excludeEachOther()) {
         m_Status.kind = NqControlLoopStatus::Contradictory;
         return;
     }
@@ -759,6 +760,31 @@ bool NqControlLoop::isProbed() const {
            std::all_of(m_Constraints.begin(), m_Constraints.end(), [](const Constraint& constraint) {
                return constraint.probed == constraint.systemTarget.coordSysXForm();
            });
+}
+
+/// Whether end-effectors ask the joints for opposite motions, rather than all for one that there isn't: what
+/// the command has along the directions that no joint moves is then, of one alone, a motion.
+bool NqControlLoop::excludeEachOther() {
+    const NqSingularityFilter& singularities = m_Solver.singularities();
+    std::fill(m_Vanished.begin(), m_Vanished.end(), 0.0);
+    for (unsigned i = 0; i < m_Solver.lost() && singularities.singularValue(i) < kDependent; ++i) {
+        const double asked = singularities.along(i, m_Hard.command);
+        for (unsigned r = 0; r < m_Hard.rows; ++r) {
+            m_Vanished[r] += asked * singularities.direction(i)[r];
+        }
+    }
+    for (const Constraint& constraint : m_Constraints) {
+        for (unsigned k = 0; constraint.isHard && k < columns(); ++k) {
+            double motion = 0.0;
+            for (unsigned r = 0; r < constraint.velocity.size(); ++r) {
+                motion += m_Hard.jacobian[constraint.row + r][k] * m_Vanished[constraint.row + r];
+            }
+            if (std::abs(motion) > kIdle) {
+                return true;
+            }
+        }
+    }
+    return false;
 }
 
 /// Whether some motion that the rows don't notice in first order brings the end-effectors nearer in second.

@@ -214,6 +214,7 @@ private:
     bool staysFinite() const;
     void judge();
     void judgeLostDirection();
+    bool excludeEachOther();
     bool isProbed() const;
     bool canComeNearer();
     void goOn();
@@ -243,6 +244,7 @@ private:
 
     NqRateSolver m_Solver;
     std::vector<double> m_Braking;  ///< of the hard rows
+    std::vector<double> m_Vanished; ///< what the command asks of these along directions that no joint moves
     std::vector<double> m_Straight; ///< rates that go to a posture
     Stack m_Hard;
     Stack m_Soft;

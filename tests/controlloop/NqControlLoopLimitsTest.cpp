@@ -142,6 +142,10 @@ TEST(NqControlLoopStatus, NamesTheCause) {
     ASSERT_TRUE(nqMakesSteps(twice, 1000));
     EXPECT_EQ(twice.status().kind, Status::Contradictory);
     EXPECT_NE(twice.status().endEffector, twice.status().other);
+    twice.setTarget("hand", NqControlTarget::place({1.0, 0.0, 0.5}));
+    twice.setTarget("other", NqControlTarget::place({1.0, 0.0, 0.5}));
+    ASSERT_TRUE(nqMakesSteps(twice, 4000));
+    EXPECT_EQ(twice.status().kind, Status::OutOfReach) << "they agree";
 }
 
 /// Where limits block the way, holding stays on it and sliding comes nearer.

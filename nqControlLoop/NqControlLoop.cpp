@@ -629,6 +629,11 @@ void NqControlLoop::goOn() {
     }
     std::fill(m_Rates.begin() + m_Joints, m_Rates.end(), 0.0);
     m_Status.joints.clear();
+    for (unsigned j = 0; j < m_Joints; ++j) {
+        if (limits()[j].rate == 0.0 && std::abs(m_Straight[j]) > kGoingGain * m_Settings.tolerance()) {
+            m_Status.joints.push_back({j, NqJointBounds::Cause::Rate, m_Straight[j] > 0.0, 0.0});
+        }
+    }
     m_Solver.passOver();
 }
 
@@ -678,7 +683,7 @@ void NqControlLoop::judge() {
         m_Status.kind = NqControlLoopStatus::Reached;
     } else if (m_Solver.lost() > 0 && m_Status.isAtRest) {
         judgeLostDirection();
-    } else if (m_Solver.leaving() > 0.0 && hasLimits) {
+    } else if ((m_IsGoing || m_Solver.leaving() > 0.0) && hasLimits) {
         m_Status.kind = NqControlLoopStatus::Held;
     } else {
         const bool isLess = m_Solver.isSlowed() || m_Solver.leaving() > 0.0;

@@ -85,12 +85,19 @@ TEST(NqControlLoop, GoesOnWithoutAnEndEffector) {
     EXPECT_EQ(loop.status().kind, NqControlLoopStatus::Running) << "it is still far from there";
     ASSERT_TRUE(nqMakesSteps(loop, 5000));
     EXPECT_EQ(loop.status().kind, NqControlLoopStatus::Reached);
+    std::vector<double> other = start;
+    other[1] += 0.3;
+    ASSERT_TRUE(loop.goTo(other));
+    ASSERT_TRUE(loop.step());
     NqControlLoopSettings settings = loop.settings();
     NqControlLoopSettings::Labels held;
     held.pushBack(NqXmlBasicType<std::string>(robot.linkByIndex(1)->joint().name()));
     settings.setHeldJoints(held);
     loop.setSettings(settings);
-    EXPECT_FALSE(loop.goTo(std::vector<double>(9, 0.0)));
+    ASSERT_TRUE(nqMakesSteps(loop, 5000));
+    EXPECT_TRUE(loop.status().isStuck()) << "a joint on the way can't move any more";
+    EXPECT_EQ(loop.status().joints.at(0).joint, 1u);
+    EXPECT_FALSE(loop.goTo(other));
     EXPECT_EQ(messages.lines().size(), 2u);
 }
 

@@ -59,7 +59,11 @@ std::vector<std::string> NqControlLoop::uniqueNames(const NqEndEffectorVector& e
 void NqControlLoop::addEndEffectors(const NqEndEffectorVector& endEffectors) {
     const std::vector<std::string> names = uniqueNames(endEffectors);
     for (unsigned e = 0; e < endEffectors.size(); ++e) {
-        add(names[e], *endEffectors[e]);
+        std::string name = names[e];
+        for (unsigned number = 2; find(name) != m_Constraints.size(); ++number) {
+            name = names[e] + " " + std::to_string(number);
+        }
+        add(name, *endEffectors[e]);
     }
     arrange();
 }

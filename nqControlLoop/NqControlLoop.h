@@ -50,7 +50,7 @@ public:
     /// at first where the end-effector is.
     /// `isFiltered` false switches its motion filter off: it then asks for the whole way in one step.
     bool addEndEffector(const std::string& name, const NqEndEffector& endEffector, bool isFiltered = true);
-    /// All of a collection, named by uniqueNames().
+    /// All of a collection, named by uniqueNames(), with further numbers where these are taken.
     void addEndEffectors(const NqEndEffectorVector& endEffectors);
     /// Takes an end-effector out; those behind it move up. False, with a message, for a name that isn't
     /// there.

@@ -53,6 +53,10 @@ TEST(NqControlLoop, TakesTargetsByNameInBothFrames) {
     EXPECT_FALSE(loop.setTarget(2, NqControlTarget::place(inLeft))) << "there are two";
     EXPECT_FALSE(loop.setTarget(1, NqEndEffectorPlacement(NqVector(std::nan(""), 0.0, 0.0))));
     EXPECT_EQ(messages.lines().size(), 7u);
+    NqEndEffectorVector more;
+    more.pushBack(nqOn("left"));
+    loop.addEndEffectors(more);
+    EXPECT_LT(loop.find("left 2"), loop.endEffectors());
 
     const double time = loop.time();
     loop.setSettings(nqSettingsOf(std::nan("")));

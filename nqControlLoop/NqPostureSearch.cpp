@@ -24,6 +24,7 @@ NqControlLoopSettings searching(NqControlLoopSettings settings) {
     settings.setAccelerationTime(0.0);
     settings.setAccelerationLimits({});
     settings.setPosture({});
+    settings.setPostureGain(0.0);
     settings.setApproach(1.0 / kTimeStep);
     settings.setBlocked(NqControlLoopSettings::Slide);
     settings.setIsBaseFixed(true); // a posture is of the joints alone

@@ -210,6 +210,7 @@ TEST(NqPostureSearch, FindsAWayAroundLimits) {
     held.pushBack(NqXmlBasicType<std::string>("joint3"));
     settings.setHeldJoints(held);
     settings.setIsBaseFixed(false);
+    settings.setPostureGain(20.0);
     NqArm7Loop arm(settings);
     NqPositionState elsewhere{NqXmlRealVector(arm.loop.positions())};
     elsewhere.setBaseFrame(NqVector(3.0, 0.0, 0.0));

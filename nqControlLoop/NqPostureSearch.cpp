@@ -147,6 +147,10 @@ bool NqPostureSearch::find(std::vector<double>& posture, bool isThorough) {
             ++found;
             std::vector<double> there = m_Loop.positions();
             turnNearest(there);
+            for (unsigned j = 0; j < there.size(); ++j) { // one that was measured beyond its range and stays
+                const NqJointBounds::Limits& limits = m_Loop.limits()[j];
+                there[j] = std::min(std::max(there[j], limits.lower), limits.upper);
+            }
             if (const double time = travel(there); time < least) {
                 least = time;
                 posture = there;

@@ -213,13 +213,14 @@ TEST(NqPostureSearch, FindsAWayAroundLimits) {
     settings.setPostureGain(20.0);
     NqArm7Loop arm(settings);
     NqPositionState elsewhere{NqXmlRealVector(arm.loop.positions())};
+    elsewhere.setJointPosition(2, arm.loop.limits()[2].upper + 1.0e-6); // as measured
     elsewhere.setBaseFrame(NqVector(3.0, 0.0, 0.0));
     arm.loop.setState(elsewhere, NqVelocityState(7));
     const NqVector target(3.3, 0.4, 0.5);
     arm.loop.setTarget("hand", NqControlTarget::place(target));
     std::vector<double> posture;
     ASSERT_TRUE(NqPostureSearch(arm.loop).find(posture));
-    EXPECT_EQ(posture[2], arm.loop.positions()[2]) << "a joint that is held stays";
+    EXPECT_EQ(posture[2], arm.loop.limits()[2].upper) << "a joint that is held stays";
     EXPECT_TRUE(arm.loop.goTo(posture));
     ASSERT_TRUE(nqMakesSteps(arm.loop, 3000));
     EXPECT_LT((arm.loop.placements()[0].translation() - target).mag(), 2.0e-4) << "from where the base is";

@@ -2,6 +2,7 @@
 #include "support/NqStepCheck.h"
 
 #include <nqControlCore/endeffector/NqFrameEndEffector.h>
+#include <nqControlCore/endeffector/NqLinearConstraintEndEffector.h>
 #include <nqControlCore/endeffector/NqOrientationEndEffector.h>
 #include <nqControlLoop/NqPostureSearch.h>
 
@@ -224,6 +225,20 @@ TEST(NqPostureSearch, FindsAWayAroundLimits) {
     EXPECT_TRUE(arm.loop.goTo(posture));
     ASSERT_TRUE(nqMakesSteps(arm.loop, 3000));
     EXPECT_LT((arm.loop.placements()[0].translation() - target).mag(), 2.0e-4) << "from where the base is";
+}
+
+TEST(NqPostureSearch, KeepsTurnsThatAreAskedFor) {
+    NqIndividualManipulator robot("robot", "base");
+    robot.addLink("base", "wheel", NqJointDescription(NqJointDescription::Revolute, "axle"), {});
+    NqControlLoop loop(robot);
+    NqLinearConstraintEndEffector axle;
+    axle.setLinkLabels({NqXmlBasicType<std::string>("wheel")});
+    axle.setLinkWeights({1.0});
+    loop.addEndEffector("axle", axle);
+    loop.setTarget("axle", NqControlTarget::number(6.0));
+    std::vector<double> posture;
+    ASSERT_TRUE(NqPostureSearch(loop).find(posture));
+    EXPECT_NEAR(posture[0], 6.0, 1.0e-4);
 }
 
 TEST(NqControlLoopCheck, ListsAllThatIsWrongAtOnce) {

@@ -243,6 +243,9 @@ void NqControlLoop::setState(const NqPositionState& position, const NqVelocitySt
     m_State.setPositionState(m_Position);
     m_State.setVelocityState(m_Velocity);
     m_IsRefused = false;
+    if (m_Steps == 0) {
+        holdWithoutTarget();
+    }
     observe();
 }
 

@@ -67,7 +67,8 @@ public:
     void setPositions(const std::vector<double>& positions);
     /// Takes over a measured state for the next step, whose rates may differ from the given ones by what the
     /// limits of acceleration allow. Where drives lag behind their commands pass measured positions with the
-    /// last rates(), as the measured ones would hold the arm back.
+    /// last rates(), as the measured ones would hold the arm back. Before the first step end-effectors
+    /// without a target are to stay there.
     void setState(const NqPositionState& position, const NqVelocityState& velocity);
 
     /// Where an end-effector is to go. False, with a message and the target as it was, for a name that isn't

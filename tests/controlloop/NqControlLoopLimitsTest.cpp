@@ -217,6 +217,7 @@ TEST(NqPostureSearch, FindsAWayAroundLimits) {
     elsewhere.setJointPosition(2, arm.loop.limits()[2].upper + 1.0e-6); // as measured
     elsewhere.setBaseFrame(NqVector(3.0, 0.0, 0.0));
     arm.loop.setState(elsewhere, NqVelocityState(7));
+    EXPECT_EQ(arm.loop.largestError(), 0.0) << "no step and no target yet";
     const NqVector target(3.3, 0.4, 0.5);
     arm.loop.setTarget("hand", NqControlTarget::place(target));
     std::vector<double> posture;

@@ -92,7 +92,6 @@ void NqControlLoop::add(const std::string& name, const NqEndEffector& endEffecto
     constraint.isHard = own.isHardConstraint();
     constraint.desired.assign(own.doc(), 0.0);
     constraint.previous = constraint.filtered = constraint.desired;
-    constraint.velocity.resize(own.doc());
     constraint.change.resize(own.doc());
 }
 
@@ -125,6 +124,15 @@ void NqControlLoop::arrange() {
         }
     }
     resize();
+    for (Constraint& constraint : m_Constraints) {
+        if (constraint.velocity.empty()) { // a new one goes on as its link moves
+            for (unsigned i = 0; i < constraint.change.size(); ++i) {
+                constraint.velocity.push_back(velocityOf(constraint, i));
+                constraint.previous[i] = constraint.velocity[i];
+            }
+        }
+    }
+    measureParts();
     holdWithoutTarget();
     observe();
 }
@@ -225,7 +233,9 @@ void NqControlLoop::setPositions(const std::vector<double>& positions) {
     for (Constraint& constraint : m_Constraints) {
         std::fill(constraint.previous.begin(), constraint.previous.end(), 0.0);
         std::fill(constraint.velocity.begin(), constraint.velocity.end(), 0.0);
+        std::fill(constraint.change.begin(), constraint.change.end(), 0.0);
     }
+    measureParts();
     holdWithoutTarget();
     observe();
 }
@@ -865,17 +875,26 @@ void NqControlLoop::integrate() {
     ++m_Steps;
 }
 
+/// What the rates make of a row of an end-effector.
+double NqControlLoop::velocityOf(const Constraint& constraint, unsigned i) const {
+    const NqReArray& jacobian = constraint.isHard ? m_Hard.jacobian : m_Soft.jacobian;
+    const auto& row = jacobian[constraint.row + i];
+    return std::inner_product(row.begin(), row.end(), m_Rates.begin(), 0.0);
+}
+
 /// What the rates make of each end-effector, and how that differs from the step before.
 void NqControlLoop::measureVelocities() {
     for (Constraint& constraint : m_Constraints) {
-        const NqReArray& jacobian = stackOf(constraint).jacobian;
         for (unsigned i = 0; i < constraint.velocity.size(); ++i) {
-            const auto& row = jacobian[constraint.row + i];
-            const double velocity = std::inner_product(row.begin(), row.end(), m_Rates.begin(), 0.0);
+            const double velocity = velocityOf(constraint, i);
             constraint.change[i] = velocity - constraint.velocity[i];
             constraint.velocity[i] = velocity;
         }
     }
+    measureParts();
+}
+
+void NqControlLoop::measureParts() {
     for (std::size_t p = 0; p < m_Parts.size(); ++p) {
         const Constraint& constraint = m_Constraints[m_Parts[p].endEffector];
         m_Speeds[p] = m_Parts[p].part.size(constraint.velocity.data());

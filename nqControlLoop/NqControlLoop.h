@@ -222,7 +222,9 @@ private:
     bool isReady();
     void adviseOnRows(NqControlLoopCheck& check);
     void integrate();
+    double velocityOf(const Constraint& constraint, unsigned row) const;
     void measureVelocities();
+    void measureParts();
     void observe();
     unsigned columns() const;
     NqJointBounds::Limits limitsOf(unsigned joint) const;

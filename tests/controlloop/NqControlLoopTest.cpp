@@ -76,6 +76,10 @@ TEST(NqControlLoop, GoesOnWithoutAnEndEffector) {
     ASSERT_TRUE(nqMakesSteps(loop, 60));
     const double speed = loop.speeds()[1];
     EXPECT_TRUE(loop.removeEndEffector("left"));
+    EXPECT_EQ(loop.speeds()[0], speed);
+    loop.addEndEffector("also", nqOn("right_tip"));
+    EXPECT_NEAR(loop.speeds()[1], speed, 0.01) << "it moves already";
+    loop.removeEndEffector("also");
     ASSERT_TRUE(loop.step());
     EXPECT_EQ(loop.jacobian().rows(), 3u);
     EXPECT_GT(loop.speeds()[0], speed);

@@ -2,6 +2,7 @@
 #include "support/NqTesting.h"
 
 #include <nqControlCore/endeffector/NqFrameEndEffector.h>
+#include <nqControlCore/endeffector/special/NqCoordinatedJointEndEffector.h>
 
 namespace {
 
@@ -45,6 +46,12 @@ TEST(NqControlLoop, TakesTargetsByNameInBothFrames) {
     loop.setTarget("turned", NqControlTarget::place(inLeft));
     EXPECT_NEAR(loop.errors()[3], 0.0, 1.0e-9) << "the orientation stays what it was in the system";
     loop.removeEndEffector("turned");
+
+    auto listed = NqCoordinatedJointEndEffector::defaultJointControlEndEffector(robot, 1.0);
+    listed.setLinkLabels({listed.linkLabels()[5]});
+    loop.addEndEffector("listed", listed);
+    loop.setTarget("listed", NqControlTarget::values(loop.positions()));
+    EXPECT_EQ(loop.errors()[2], 0.0) << "of the listed joint among all";
 
     EXPECT_FALSE(loop.setTarget("middle", NqControlTarget::place(inLeft)));
     EXPECT_FALSE(loop.setTarget("left", NqControlTarget::number(1.0)));

@@ -323,6 +323,12 @@ bool NqControlLoop::setTarget(std::size_t e, const NqEndEffectorPlacement& targe
                                     constraint.name);
         return false;
     }
+    if (target.dataVector().size() < constraint.kind.values()) {
+        Nq::Print::instance().write(Nq::PrintFailure,
+                                    "NqControlLoop::setTarget(): the target of %s needs %s.\n",
+                                    constraint.name, std::string(constraint.kind.form().syntax));
+        return false;
+    }
     constraint.target = target;
     constraint.hasTarget = true;
     constraint.isTargetInSystem = isInSystem;

@@ -59,7 +59,8 @@ TEST(NqControlLoop, TakesTargetsByNameInBothFrames) {
     EXPECT_FALSE(loop.setTarget("left", NqControlTarget::place(inLeft).withVelocity({1.0})));
     EXPECT_FALSE(loop.setTarget(2, NqControlTarget::place(inLeft))) << "there are two";
     EXPECT_FALSE(loop.setTarget(1, NqEndEffectorPlacement(NqVector(std::nan(""), 0.0, 0.0))));
-    EXPECT_EQ(messages.lines().size(), 7u);
+    EXPECT_FALSE(loop.setTarget(2, NqEndEffectorPlacement(inLeft))) << "it takes values";
+    EXPECT_EQ(messages.lines().size(), 8u);
     NqEndEffectorVector more;
     more.pushBack(nqOn("left"));
     loop.addEndEffectors(more);

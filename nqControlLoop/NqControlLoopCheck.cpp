@@ -120,7 +120,9 @@ void NqControlLoopCheck::checkEndEffector(const std::string& name, const NqEndEf
     if (endEffector.linkIdentifier().empty() && isOnLink) {
         add(true, "end-effector " + quoted(name) + " has no link: its link identifier is empty");
     }
-    checkLabel(name, endEffector.linkIdentifier());
+    if (kind.form().content != NqTargetForm::Values) { // lists of joints may be named otherwise
+        checkLabel(name, endEffector.linkIdentifier());
+    }
     for (const NqTargetKind::Tie& tie : kind.ties()) {
         if (tie.link != endEffector.linkIdentifier()) {
             checkLabel(name, tie.link);

@@ -146,6 +146,11 @@ void NqControlLoopCheck::checkBaseColumns(const std::string& name, const NqEndEf
     if (NqTargetType::of(endEffector).content == NqTargetForm::Nothing) {
         return;
     }
+    // Relative to a link that the base carries along nothing moves with the base; but relative rows of all
+    // masses are right at the origin only.
+    const bool isOfLink = endEffector.relativeLinkData().relativeMode() ==
+                              NqEndEffectorRelativeLinkData::relativeModeInternal &&
+                          !NqTargetType::of(endEffector).isOfAllMass;
     const unsigned joints = m_Manipulator.numberOfJoints();
     NqManipulatorActiveState state(m_Manipulator);
     state.setPositionState(NqPositionState(NqXmlRealVector(joints, 0.3)));
@@ -160,6 +165,9 @@ void NqControlLoopCheck::checkBaseColumns(const std::string& name, const NqEndEf
         state.setVelocityState(moving);
         NqXmlRealVector velocity;
         endEffector.calculateVelocity(m_Manipulator, state, velocity, 0);
+        if (isOfLink) {
+            std::fill(velocity.begin(), velocity.end(), 0.0);
+        }
         for (unsigned i = 0; i < std::min<std::size_t>(jacobian.rows(), velocity.size()); ++i) {
             if (!(std::abs(velocity[i] - jacobian[i][joints + k]) <= 1.0e-9)) {
                 add(true, "end-effector " + quoted(name) +

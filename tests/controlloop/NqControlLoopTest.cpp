@@ -65,6 +65,11 @@ TEST(NqControlLoop, TakesTargetsByNameInBothFrames) {
     more.pushBack(nqOn("left"));
     loop.addEndEffectors(more);
     EXPECT_LT(loop.find("left 2"), loop.endEffectors());
+    loop.removeEndEffector("left 2");
+    NqControlLoopSettings settings;
+    settings.setIsBaseFixed(false);
+    loop.setSettings(settings);
+    EXPECT_TRUE(loop.step()) << "one link moves against the other as before";
 
     const double time = loop.time();
     loop.setSettings(nqSettingsOf(std::nan("")));

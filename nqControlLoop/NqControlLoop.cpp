@@ -247,12 +247,12 @@ void NqControlLoop::setState(const NqPositionState& position, const NqVelocitySt
             position.jointPositions().size(), velocity.jointVelocities().size(), m_Joints);
         return;
     }
+    m_IsRefused = m_IsRefused && isStateFinite(); // or it may have been for the state
     m_Position = position;
     m_Velocity = velocity;
     takeOverRates();
     m_State.setPositionState(m_Position);
     m_State.setVelocityState(m_Velocity);
-    m_IsRefused = false;
     if (m_Steps == 0) {
         holdWithoutTarget();
     }
@@ -365,16 +365,20 @@ std::vector<NqControlLoopCheck::Issue> NqControlLoop::validate() {
             check.checkBaseColumns(constraint.name, *constraint.endEffector);
         }
     }
-    const auto areFinite = [](const auto& values) {
-        return std::all_of(values.begin(), values.end(), [](double value) { return std::isfinite(value); });
-    };
-    if (!areFinite(m_Position.jointPositions()) || !areFinite(m_Rates)) {
+    if (!isStateFinite()) {
         check.add(true, "the state is not finite");
     }
     if (check.issues().empty()) {
         adviseOnRows(check);
     }
     return check.issues();
+}
+
+bool NqControlLoop::isStateFinite() const {
+    const auto areFinite = [](const auto& values) {
+        return std::all_of(values.begin(), values.end(), [](double value) { return std::isfinite(value); });
+    };
+    return areFinite(m_Position.jointPositions()) && areFinite(m_Rates);
 }
 
 /// Rows that depend on each other where the arm is now.

@@ -220,6 +220,7 @@ private:
     bool canComeNearer();
     void goOn();
     bool isReady();
+    bool isStateFinite() const;
     void adviseOnRows(NqControlLoopCheck& check);
     void integrate();
     double velocityOf(const Constraint& constraint, unsigned row) const;

@@ -147,6 +147,15 @@ TEST(NqControlLoopStatus, NamesTheCause) {
     twice.setTarget("other", NqControlTarget::place({1.0, 0.0, 0.5}));
     ASSERT_TRUE(nqMakesSteps(twice, 4000));
     EXPECT_EQ(twice.status().kind, Status::OutOfReach) << "they agree";
+    settings = nqSettingsOf(0.002);
+    settings.setSingularityThreshold(0.0);
+    settings.setBlocked(NqControlLoopSettings::Hold);
+    twice.setSettings(settings);
+    for (const char* name : {"hand", "other"}) {
+        twice.setTarget(name, NqControlTarget::place({0.5, 0.1, 0.5}));
+    }
+    ASSERT_TRUE(nqMakesSteps(twice, 3000));
+    EXPECT_EQ(twice.status().kind, Status::Reached) << "without damping";
 }
 
 /// Where limits block the way, holding stays on it and sliding comes nearer.

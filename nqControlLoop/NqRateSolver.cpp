@@ -111,6 +111,12 @@ void NqRateSolver::solve(const Task& task, std::vector<double>& rates) {
         findHeld(tool->holds(), m_HeldJoints);
     }
     double leaving = shareOffPath(scale);
+    if (outcome == Outcome::Slowed && task.settings.blocked() == NqControlLoopSettings::Hold &&
+        std::all_of(m_HeldJoints.begin(), m_HeldJoints.end(), [](const NqControlLoopStatus::Joint& held) {
+            return held.cause == NqJointBounds::Cause::Acceleration;
+        })) {
+        leaving = 0.0; // the way isn't blocked: the joints only have to gather speed
+    }
     if (leaving < 1.0 && scale > greatest) {
         outcome = tool->solveAgain(greatest, m_Lower, m_Upper);
         leaving = outcome == Outcome::Blocked ? 1.0 : leaving;

@@ -181,6 +181,20 @@ TEST(NqControlLoop, HoldsOrSlides) {
         ASSERT_TRUE(status.kind == Status::Held && !status.joints.empty());
         EXPECT_TRUE(status.joints[0].joint == 0u && status.joints[0].cause == NqJointBounds::Cause::Range);
     }
+    NqControlLoopSettings settings = nqSettingsOf(0.002);
+    settings.setBlocked(NqControlLoopSettings::Hold);
+    NqControlLoopSettings::Labels labels;
+    for (const char* name : {"joint2", "joint3", "joint4", "joint6"}) {
+        labels.pushBack(NqXmlBasicType<std::string>(name));
+    }
+    settings.setHeldJoints(labels);
+    NqArm7Loop arm(settings);
+    arm.loop.setTarget("hand", NqControlTarget::place({0.4, 0.1, 0.6}));
+    ASSERT_TRUE(nqMakesSteps(arm.loop, 1000));
+    settings.setHeldJoints({});
+    arm.loop.setSettings(settings);
+    ASSERT_TRUE(nqMakesSteps(arm.loop, 3000));
+    EXPECT_EQ(arm.loop.status().kind, Status::Reached) << "nothing holds it any more";
     EXPECT_LT(aside[NqControlLoopSettings::Hold], 0.01);
     EXPECT_LT(statuses[NqControlLoopSettings::Slide].distance,
               statuses[NqControlLoopSettings::Hold].distance - 0.01);

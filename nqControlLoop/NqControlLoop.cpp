@@ -14,6 +14,8 @@ constexpr double kRest = 0.01;
 /// The joints are at rest when they have been that slow for so long, s, and no faster from step to step.
 constexpr double kRestTime = 0.05;
 constexpr double kSpeedingUp = 1.01;
+/// So many steps of that in a row are a beginning; fewer come from noise of what is measured.
+constexpr unsigned kBeginning = 8;
 /// Of joints that could make all that is left, if it weren't for their limits, rad or m.
 constexpr double kSmallTurn = 0.1;
 /// A speed below this needs no stopping.
@@ -686,10 +688,12 @@ void NqControlLoop::judge() {
     const double fastest = std::accumulate(m_Rates.begin(), m_Rates.end(), 0.0, [](double most, double rate) {
         return std::max(most, std::abs(rate));
     });
-    const bool isSlow = fastest < kRest && fastest < kSpeedingUp * m_FastestBefore + kIdle;
+    const bool isFaster = fastest >= kSpeedingUp * m_FastestBefore + kIdle;
+    m_FasterSteps = isFaster ? m_FasterSteps + 1 : 0;
+    const bool isSlow = fastest < kRest && m_FasterSteps < kBeginning;
     m_RestTime = isSlow ? m_RestTime + m_Settings.timeStep() : 0.0;
     m_FastestBefore = fastest;
-    m_Status.isAtRest = m_RestTime > kRestTime;
+    m_Status.isAtRest = m_RestTime > kRestTime && !isFaster;
     m_IsProbed = m_IsProbed && fastest < kRest;
     double residual = 0.0;
     for (std::size_t e = 0; e < m_Constraints.size(); ++e) {

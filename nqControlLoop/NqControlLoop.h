@@ -242,6 +242,7 @@ private:
     double m_TimeBefore = 0.0;       ///< and their time
     double m_RestTime = 0.0;         ///< since when the joints have been at rest
     double m_FastestBefore = 0.0;    ///< rate in the last step
+    unsigned m_FasterSteps = 0;      ///< in which it has risen
     NqPositionState m_Position;
     NqVelocityState m_Velocity;
     NqManipulatorActiveState m_State;

@@ -156,6 +156,25 @@ TEST(NqControlLoopStatus, NamesTheCause) {
     }
     ASSERT_TRUE(nqMakesSteps(twice, 3000));
     EXPECT_EQ(twice.status().kind, Status::Reached) << "without damping";
+
+    NqArm7Loop noisy;
+    noisy.loop.setTarget("hand", NqControlTarget::place({1.0, 0.0, 0.5}));
+    std::mt19937_64 random(3);
+    std::vector<double> truth = noisy.loop.positions();
+    unsigned stuck = 0;
+    for (unsigned i = 0; i < 4000; ++i) {
+        std::vector<double> measured = truth;
+        for (double& position : measured) {
+            position += nqDrawn(random, -1.0e-6, 1.0e-6);
+        }
+        noisy.loop.setState(NqPositionState(measured), NqVelocityState(noisy.loop.rates()));
+        ASSERT_TRUE(noisy.loop.step());
+        for (unsigned j = 0; j < 7; ++j) {
+            truth[j] += 0.002 * noisy.loop.rates()[j];
+        }
+        stuck += i >= 3000 && noisy.loop.status().isStuck() ? 1 : 0;
+    }
+    EXPECT_GT(stuck, 100u) << "though what is measured trembles";
 }
 
 /// Where limits block the way, holding stays on it and sliding comes nearer.

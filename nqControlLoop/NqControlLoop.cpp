@@ -14,6 +14,8 @@ constexpr double kRest = 0.01;
 /// The joints are at rest when they have been that slow for so long, s, and no faster from step to step.
 constexpr double kRestTime = 0.05;
 constexpr double kSpeedingUp = 1.01;
+/// So many steps of that in a row are a beginning; fewer come from noise of what is measured.
+constexpr unsigned kBeginning = 8;
 /// Of joints that could make all that is left, if it weren't for their limits, rad or m.
 constexpr double kSmallTurn = 0.1;
 /// A speed below this needs no stopping.
@@ -59,7 +61,11 @@ std::vector<std::string> NqControlLoop::uniqueNames(const NqEndEffectorVector& e
 void NqControlLoop::addEndEffectors(const NqEndEffectorVector& endEffectors) {
     const std::vector<std::string> names = uniqueNames(endEffectors);
     for (unsigned e = 0; e < endEffectors.size(); ++e) {
-        add(names[e], *endEffectors[e]);
+        std::string name = names[e];
+        for (unsigned number = 2; find(name) != m_Constraints.size(); ++number) {
+            name = names[e] + " " + std::to_string(number);
+        }
+        add(name, *endEffectors[e]);
     }
     arrange();
 }
@@ -88,7 +94,6 @@ void NqControlLoop::add(const std::string& name, const NqEndEffector& endEffecto
     constraint.isHard = own.isHardConstraint();
     constraint.desired.assign(own.doc(), 0.0);
     constraint.previous = constraint.filtered = constraint.desired;
-    constraint.velocity.resize(own.doc());
     constraint.change.resize(own.doc());
 }
 
@@ -121,6 +126,15 @@ void NqControlLoop::arrange() {
         }
     }
     resize();
+    for (Constraint& constraint : m_Constraints) {
+        if (constraint.velocity.empty()) { // a new one goes on as its link moves
+            for (unsigned i = 0; i < constraint.change.size(); ++i) {
+                constraint.velocity.push_back(velocityOf(constraint, i));
+                constraint.previous[i] = constraint.velocity[i];
+            }
+        }
+    }
+    measureParts();
     holdWithoutTarget();
     observe();
 }
@@ -137,6 +151,10 @@ void NqControlLoop::setSettings(const NqControlLoopSettings& settings) {
     }
     m_TimeBefore = time();
     m_StepsBefore = m_Steps;
+    if (settings.isBaseFixed() && !m_Settings.isBaseFixed()) {
+        m_Velocity.setBaseMotion(NqGeneralMotion()); // it stands still from now on
+        m_State.setVelocityState(m_Velocity);
+    }
     m_Settings = settings;
     resize();
 }
@@ -166,6 +184,7 @@ void NqControlLoop::resize() {
     m_Straight.assign(columns(), 0.0);
     m_Hard.command.resize(m_Hard.rows);
     m_Braking.assign(m_Hard.rows, 0.0);
+    m_Vanished = m_Braking;
     m_Probe.prepare(m_Hard.rows, columns());
     m_Status.joints.reserve(m_Joints);
     m_Soft.command.resize(m_Soft.rows);
@@ -216,7 +235,9 @@ void NqControlLoop::setPositions(const std::vector<double>& positions) {
     for (Constraint& constraint : m_Constraints) {
         std::fill(constraint.previous.begin(), constraint.previous.end(), 0.0);
         std::fill(constraint.velocity.begin(), constraint.velocity.end(), 0.0);
+        std::fill(constraint.change.begin(), constraint.change.end(), 0.0);
     }
+    measureParts();
     holdWithoutTarget();
     observe();
 }
@@ -228,16 +249,24 @@ void NqControlLoop::setState(const NqPositionState& position, const NqVelocitySt
             position.jointPositions().size(), velocity.jointVelocities().size(), m_Joints);
         return;
     }
+    m_IsRefused = m_IsRefused && isStateFinite(); // or it may have been for the state
     m_Position = position;
     m_Velocity = velocity;
-    std::copy_n(velocity.jointVelocities().begin(), m_Joints, m_Rates.begin());
-    for (unsigned i = m_Joints; i < columns(); ++i) {
-        m_Rates[i] = velocity.baseMotion()[i - m_Joints];
-    }
+    takeOverRates();
     m_State.setPositionState(m_Position);
     m_State.setVelocityState(m_Velocity);
-    m_IsRefused = false;
+    if (m_Steps == 0) {
+        holdWithoutTarget();
+    }
     observe();
+}
+
+/// The rates as the state has them.
+void NqControlLoop::takeOverRates() {
+    std::copy_n(m_Velocity.jointVelocities().begin(), m_Joints, m_Rates.begin());
+    for (unsigned i = m_Joints; i < columns(); ++i) {
+        m_Rates[i] = m_Velocity.baseMotion()[i - m_Joints];
+    }
 }
 
 bool NqControlLoop::setTarget(const std::string& name, const NqControlTarget& target) {
@@ -270,10 +299,13 @@ bool NqControlLoop::setTarget(std::size_t e, const NqControlTarget& target) {
                                     constraint.name, objection);
         return false;
     }
-    if (target.isInSystem() != constraint.isTargetInSystem) {
-        constraint.target = target.isInSystem() ? constraint.systemTarget : constraint.target;
-        constraint.isTargetInSystem = target.isInSystem();
+    if (target.isInSystem() && !constraint.isTargetInSystem) {
+        constraint.target = constraint.systemTarget;
+    } else if (!target.isInSystem() && constraint.isTargetInSystem) {
+        constraint.kind.toRelative(*constraint.endEffector, m_Manipulator, constraint.systemTarget, m_State,
+                                   constraint.target);
     }
+    constraint.isTargetInSystem = target.isInSystem();
     target.apply(constraint.target);
     constraint.hasTarget = true;
     constraint.desired = target.velocity();
@@ -291,6 +323,12 @@ bool NqControlLoop::setTarget(std::size_t e, const NqEndEffectorPlacement& targe
         Nq::Print::instance().write(Nq::PrintFailure,
                                     "NqControlLoop::setTarget(): the target of %s is not a number.\n",
                                     constraint.name);
+        return false;
+    }
+    if (target.dataVector().size() < constraint.kind.values()) {
+        Nq::Print::instance().write(Nq::PrintFailure,
+                                    "NqControlLoop::setTarget(): the target of %s needs %s.\n",
+                                    constraint.name, std::string(constraint.kind.form().syntax));
         return false;
     }
     constraint.target = target;
@@ -329,16 +367,20 @@ std::vector<NqControlLoopCheck::Issue> NqControlLoop::validate() {
             check.checkBaseColumns(constraint.name, *constraint.endEffector);
         }
     }
-    const auto areFinite = [](const auto& values) {
-        return std::all_of(values.begin(), values.end(), [](double value) { return std::isfinite(value); });
-    };
-    if (!areFinite(m_Position.jointPositions()) || !areFinite(m_Rates)) {
+    if (!isStateFinite()) {
         check.add(true, "the state is not finite");
     }
     if (check.issues().empty()) {
         adviseOnRows(check);
     }
     return check.issues();
+}
+
+bool NqControlLoop::isStateFinite() const {
+    const auto areFinite = [](const auto& values) {
+        return std::all_of(values.begin(), values.end(), [](double value) { return std::isfinite(value); });
+    };
+    return areFinite(m_Position.jointPositions()) && areFinite(m_Rates);
 }
 
 /// Rows that depend on each other where the arm is now.
@@ -395,8 +437,9 @@ bool NqControlLoop::step() {
                                         "or are not numbers: no step is made.\n");
         }
         m_Status.kind = NqControlLoopStatus::BadInput;
-        std::transform(m_Velocity.jointVelocities().begin(), m_Velocity.jointVelocities().end(),
-                       m_Rates.begin(), [](double rate) { return std::isfinite(rate) ? rate : 0.0; });
+        takeOverRates();
+        std::replace_if(
+            m_Rates.begin(), m_Rates.end(), [](double rate) { return !std::isfinite(rate); }, 0.0);
         return false;
     }
     measureVelocities();
@@ -412,6 +455,12 @@ bool NqControlLoop::staysFinite() const {
         std::all_of(m_Rates.begin(), m_Rates.end(), [](double rate) { return std::isfinite(rate); });
     for (unsigned j = 0; j < m_Joints; ++j) {
         result = result && std::isfinite(m_Position.jointPositions()[j] + m_Rates[j] * m_Settings.timeStep());
+    }
+    if (!m_Settings.isBaseFixed()) {
+        const double* rates = m_Rates.data() + m_Joints;
+        result = result && std::isfinite(NqVector(rates[0], rates[1], rates[2]).mag() +
+                                         NqVector(rates[3], rates[4], rates[5]).mag() +
+                                         m_Position.baseFrame().translation().mag());
     }
     return result;
 }
@@ -609,6 +658,11 @@ void NqControlLoop::goOn() {
     }
     std::fill(m_Rates.begin() + m_Joints, m_Rates.end(), 0.0);
     m_Status.joints.clear();
+    for (unsigned j = 0; j < m_Joints; ++j) {
+        if (limits()[j].rate == 0.0 && std::abs(m_Straight[j]) > kGoingGain * m_Settings.tolerance()) {
+            m_Status.joints.push_back({j, NqJointBounds::Cause::Rate, m_Straight[j] > 0.0, 0.0});
+        }
+    }
     m_Solver.passOver();
 }
 
@@ -616,7 +670,12 @@ double NqControlLoop::largestError() const {
     double error = 0.0;
     for (std::size_t p = 0; p < m_Parts.size(); ++p) {
         const bool counts = m_Hard.rows == 0 || m_Constraints[m_Parts[p].endEffector].isHard;
-        error = counts ? std::max(error, m_Errors[p]) : error;
+        if (counts && !(m_Errors[p] <= error)) {
+            error = m_Errors[p];
+        }
+        if (std::isnan(error)) {
+            break;
+        }
     }
     return error;
 }
@@ -629,10 +688,12 @@ void NqControlLoop::judge() {
     const double fastest = std::accumulate(m_Rates.begin(), m_Rates.end(), 0.0, [](double most, double rate) {
         return std::max(most, std::abs(rate));
     });
-    const bool isSlow = fastest < kRest && fastest < kSpeedingUp * m_FastestBefore + kIdle;
+    const bool isFaster = fastest >= kSpeedingUp * m_FastestBefore + kIdle;
+    m_FasterSteps = isFaster ? m_FasterSteps + 1 : 0;
+    const bool isSlow = fastest < kRest && m_FasterSteps < kBeginning;
     m_RestTime = isSlow ? m_RestTime + m_Settings.timeStep() : 0.0;
     m_FastestBefore = fastest;
-    m_Status.isAtRest = m_RestTime > kRestTime;
+    m_Status.isAtRest = m_RestTime > kRestTime && !isFaster;
     m_IsProbed = m_IsProbed && fastest < kRest;
     double residual = 0.0;
     for (std::size_t e = 0; e < m_Constraints.size(); ++e) {
@@ -653,7 +714,7 @@ void NqControlLoop::judge() {
         m_Status.kind = NqControlLoopStatus::Reached;
     } else if (m_Solver.lost() > 0 && m_Status.isAtRest) {
         judgeLostDirection();
-    } else if (m_Solver.leaving() > 0.0 && hasLimits) {
+    } else if ((m_IsGoing || m_Solver.leaving() > 0.0) && hasLimits) {
         m_Status.kind = NqControlLoopStatus::Held;
     } else {
         const bool isLess = m_Solver.isSlowed() || m_Solver.leaving() > 0.0;
@@ -706,7 +767,7 @@ void NqControlLoop::judgeLostDirection() {
     m_Status.isAngular = second.mag() > first.mag() ||
                          (!constraint.kind.parts().empty() && constraint.kind.parts()[0].isAngular);
     m_Status.direction = second.mag() > first.mag() ? second : first;
-    if (m_Status.leastSingularValue < kDependent && next > kDependent) {
+    if (m_Status.leastSingularValue < kDependent && next > kDependent && excludeEachOther()) {
         m_Status.kind = NqControlLoopStatus::Contradictory;
         return;
     }
@@ -716,13 +777,50 @@ void NqControlLoop::judgeLostDirection() {
                                     m_Status.distance < kSmallTurn * m_Status.leastSingularValue)) {
         m_Solver.findLimits(m_Status.joints);
     }
-    if (m_Status.joints.empty() && !m_IsProbed) {
+    if (m_Status.joints.empty() && !isProbed()) {
         m_CanComeNearer = canComeNearer();
         m_IsProbed = true;
+        m_ProbedError = m_Status.distance;
+        for (Constraint& probed : m_Constraints) {
+            probed.probed = probed.systemTarget.coordSysXForm();
+        }
     }
     m_Status.kind = !m_Status.joints.empty() ? NqControlLoopStatus::Held
                     : m_CanComeNearer        ? NqControlLoopStatus::Singular
                                              : NqControlLoopStatus::OutOfReach;
+}
+
+/// Whether canComeNearer() was asked where arm and targets are.
+bool NqControlLoop::isProbed() const {
+    return m_IsProbed && std::abs(m_Status.distance - m_ProbedError) < kRest &&
+           std::all_of(m_Constraints.begin(), m_Constraints.end(), [](const Constraint& constraint) {
+               return constraint.probed == constraint.systemTarget.coordSysXForm();
+           });
+}
+
+/// Whether end-effectors ask the joints for opposite motions, rather than all for one that there isn't: what
+/// the command has along the directions that no joint moves is then, of one alone, a motion.
+bool NqControlLoop::excludeEachOther() {
+    const NqSingularityFilter& singularities = m_Solver.singularities();
+    std::fill(m_Vanished.begin(), m_Vanished.end(), 0.0);
+    for (unsigned i = 0; i < m_Solver.lost() && singularities.singularValue(i) < kDependent; ++i) {
+        const double asked = singularities.along(i, m_Hard.command);
+        for (unsigned r = 0; r < m_Hard.rows; ++r) {
+            m_Vanished[r] += asked * singularities.direction(i)[r];
+        }
+    }
+    for (const Constraint& constraint : m_Constraints) {
+        for (unsigned k = 0; constraint.isHard && k < columns(); ++k) {
+            double motion = 0.0;
+            for (unsigned r = 0; r < constraint.velocity.size(); ++r) {
+                motion += m_Hard.jacobian[constraint.row + r][k] * m_Vanished[constraint.row + r];
+            }
+            if (std::abs(motion) > kIdle) {
+                return true;
+            }
+        }
+    }
+    return false;
 }
 
 /// Whether some motion that the rows don't notice in first order brings the end-effectors nearer in second.
@@ -791,17 +889,26 @@ void NqControlLoop::integrate() {
     ++m_Steps;
 }
 
+/// What the rates make of a row of an end-effector.
+double NqControlLoop::velocityOf(const Constraint& constraint, unsigned i) const {
+    const NqReArray& jacobian = constraint.isHard ? m_Hard.jacobian : m_Soft.jacobian;
+    const auto& row = jacobian[constraint.row + i];
+    return std::inner_product(row.begin(), row.end(), m_Rates.begin(), 0.0);
+}
+
 /// What the rates make of each end-effector, and how that differs from the step before.
 void NqControlLoop::measureVelocities() {
     for (Constraint& constraint : m_Constraints) {
-        const NqReArray& jacobian = stackOf(constraint).jacobian;
         for (unsigned i = 0; i < constraint.velocity.size(); ++i) {
-            const auto& row = jacobian[constraint.row + i];
-            const double velocity = std::inner_product(row.begin(), row.end(), m_Rates.begin(), 0.0);
+            const double velocity = velocityOf(constraint, i);
             constraint.change[i] = velocity - constraint.velocity[i];
             constraint.velocity[i] = velocity;
         }
     }
+    measureParts();
+}
+
+void NqControlLoop::measureParts() {
     for (std::size_t p = 0; p < m_Parts.size(); ++p) {
         const Constraint& constraint = m_Constraints[m_Parts[p].endEffector];
         m_Speeds[p] = m_Parts[p].part.size(constraint.velocity.data());

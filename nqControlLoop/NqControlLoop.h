@@ -50,7 +50,7 @@ public:
     /// at first where the end-effector is.
     /// `isFiltered` false switches its motion filter off: it then asks for the whole way in one step.
     bool addEndEffector(const std::string& name, const NqEndEffector& endEffector, bool isFiltered = true);
-    /// All of a collection, named by uniqueNames().
+    /// All of a collection, named by uniqueNames(), with further numbers where these are taken.
     void addEndEffectors(const NqEndEffectorVector& endEffectors);
     /// Takes an end-effector out; those behind it move up. False, with a message, for a name that isn't
     /// there.
@@ -67,7 +67,8 @@ public:
     void setPositions(const std::vector<double>& positions);
     /// Takes over a measured state for the next step, whose rates may differ from the given ones by what the
     /// limits of acceleration allow. Where drives lag behind their commands pass measured positions with the
-    /// last rates(), as the measured ones would hold the arm back.
+    /// last rates(), as the measured ones would hold the arm back. Before the first step end-effectors
+    /// without a target are to stay there.
     void setState(const NqPositionState& position, const NqVelocityState& velocity);
 
     /// Where an end-effector is to go. False, with a message and the target as it was, for a name that isn't
@@ -115,7 +116,8 @@ public:
 
     /// Of all steps so far, s.
     double time() const {
-        return m_TimeBefore + static_cast<double>(m_Steps - m_StepsBefore) * m_Settings.timeStep();
+        const std::uint64_t steps = m_Steps - m_StepsBefore; // none by settings that are refused
+        return steps == 0 ? m_TimeBefore : m_TimeBefore + static_cast<double>(steps) * m_Settings.timeStep();
     }
     std::uint64_t steps() const { return m_Steps; }
     NqManipulatorActiveState& state() { return m_State; }
@@ -156,7 +158,7 @@ public:
     const std::vector<Part>& parts() const { return m_Parts; }
     /// What is left to the target, in the part's unit.
     const std::vector<double>& errors() const { return m_Errors; }
-    /// The largest of the hard end-effectors, or of all where none is hard.
+    /// The largest of the hard end-effectors, or of all where none is hard; NaN where one is no number.
     double largestError() const;
     /// Speed in the last step, as the motion filter limits it: relative to the relative link in internal
     /// mode.
@@ -187,6 +189,8 @@ private:
         bool isTargetInSystem = false;
         NqEndEffectorPlacement present;
         NqEndEffectorPlacement systemTarget;
+        /// That target, when canComeNearer() was asked.
+        NqCoordinateSystemTransformation probed;
         NqXmlRealVector desired;  ///< feed-forward velocity
         NqXmlRealVector previous; ///< what became of the velocity commanded in the step before
         NqXmlRealVector filtered;
@@ -200,6 +204,7 @@ private:
     void holdWithoutTarget();
     bool isThere(std::size_t endEffector) const;
     void resize();
+    void takeOverRates();
     void stackConstraints();
     void commandVelocities();
     void weighSoftConstraints();
@@ -210,12 +215,17 @@ private:
     bool staysFinite() const;
     void judge();
     void judgeLostDirection();
+    bool excludeEachOther();
+    bool isProbed() const;
     bool canComeNearer();
     void goOn();
     bool isReady();
+    bool isStateFinite() const;
     void adviseOnRows(NqControlLoopCheck& check);
     void integrate();
+    double velocityOf(const Constraint& constraint, unsigned row) const;
     void measureVelocities();
+    void measureParts();
     void observe();
     unsigned columns() const;
     NqJointBounds::Limits limitsOf(unsigned joint) const;
@@ -232,12 +242,14 @@ private:
     double m_TimeBefore = 0.0;       ///< and their time
     double m_RestTime = 0.0;         ///< since when the joints have been at rest
     double m_FastestBefore = 0.0;    ///< rate in the last step
+    unsigned m_FasterSteps = 0;      ///< in which it has risen
     NqPositionState m_Position;
     NqVelocityState m_Velocity;
     NqManipulatorActiveState m_State;
 
     NqRateSolver m_Solver;
     std::vector<double> m_Braking;  ///< of the hard rows
+    std::vector<double> m_Vanished; ///< what the command asks of these along directions that no joint moves
     std::vector<double> m_Straight; ///< rates that go to a posture
     Stack m_Hard;
     Stack m_Soft;
@@ -252,6 +264,7 @@ private:
     bool m_IsRefused = false;    ///< and found something
     NqPositionState m_Here;      ///< where canComeNearer() probes from
     bool m_IsProbed = false;     ///< whether canComeNearer() was asked since the arm moved
+    double m_ProbedError = 0.0;  ///< what was left then
     bool m_CanComeNearer = true; ///< what it said
     NqSingularityFilter m_Probe; ///< for what is computed on request
     std::vector<NqCoordinateSystemTransformation> m_Placements;

@@ -120,7 +120,9 @@ void NqControlLoopCheck::checkEndEffector(const std::string& name, const NqEndEf
     if (endEffector.linkIdentifier().empty() && isOnLink) {
         add(true, "end-effector " + quoted(name) + " has no link: its link identifier is empty");
     }
-    checkLabel(name, endEffector.linkIdentifier());
+    if (kind.form().content != NqTargetForm::Values) { // lists of joints may be named otherwise
+        checkLabel(name, endEffector.linkIdentifier());
+    }
     for (const NqTargetKind::Tie& tie : kind.ties()) {
         if (tie.link != endEffector.linkIdentifier()) {
             checkLabel(name, tie.link);
@@ -144,6 +146,11 @@ void NqControlLoopCheck::checkBaseColumns(const std::string& name, const NqEndEf
     if (NqTargetType::of(endEffector).content == NqTargetForm::Nothing) {
         return;
     }
+    // Relative to a link that the base carries along nothing moves with the base; but relative rows of all
+    // masses are right at the origin only.
+    const bool isOfLink = endEffector.relativeLinkData().relativeMode() ==
+                              NqEndEffectorRelativeLinkData::relativeModeInternal &&
+                          !NqTargetType::of(endEffector).isOfAllMass;
     const unsigned joints = m_Manipulator.numberOfJoints();
     NqManipulatorActiveState state(m_Manipulator);
     state.setPositionState(NqPositionState(NqXmlRealVector(joints, 0.3)));
@@ -158,6 +165,9 @@ void NqControlLoopCheck::checkBaseColumns(const std::string& name, const NqEndEf
         state.setVelocityState(moving);
         NqXmlRealVector velocity;
         endEffector.calculateVelocity(m_Manipulator, state, velocity, 0);
+        if (isOfLink) {
+            std::fill(velocity.begin(), velocity.end(), 0.0);
+        }
         for (unsigned i = 0; i < std::min<std::size_t>(jacobian.rows(), velocity.size()); ++i) {
             if (!(std::abs(velocity[i] - jacobian[i][joints + k]) <= 1.0e-9)) {
                 add(true, "end-effector " + quoted(name) +

@@ -55,7 +55,7 @@ public:
     void setBlocked(Blocked blocked) { m_Blocked = blocked; }
 
     /// Least singular value of the hard rows below which the direction that belongs to it is damped, and the
-    /// damping that it has at 0.
+    /// damping that it has at 0. With a threshold of 0 only directions that no joint moves are left out.
     double singularityThreshold() const { return m_SingularityThreshold; }
     void setSingularityThreshold(double threshold) { m_SingularityThreshold = threshold; }
     double damping() const { return m_Damping; }

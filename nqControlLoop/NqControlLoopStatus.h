@@ -17,7 +17,8 @@ struct NqControlLoopStatus {
         Slowed,        ///< on the way, by less than commanded or beside it: `joints` say why, unless it is
                        ///< damping, or a bend or stop ahead
         Held,          ///< limits of `joints` keep `endEffector` from going on along its way; near a
-                       ///< singularity: without them it would go on
+                       ///< singularity: without them it would go on; on the way to a posture: `joints`
+                       ///< can't move any more and are elsewhere
         Singular,      ///< the arm can't move `endEffector` along `direction`, and stands still
         OutOfReach,    ///< the same, and no way leads nearer from this posture: `distance` is the least
                        ///< here, another posture may come nearer (NqPostureSearch)

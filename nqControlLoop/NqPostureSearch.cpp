@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numbers>
 #include <random>
+#include <utility>
 
 namespace {
 
@@ -24,6 +25,7 @@ NqControlLoopSettings searching(NqControlLoopSettings settings) {
     settings.setAccelerationTime(0.0);
     settings.setAccelerationLimits({});
     settings.setPosture({});
+    settings.setPostureGain(0.0);
     settings.setApproach(1.0 / kTimeStep);
     settings.setBlocked(NqControlLoopSettings::Slide);
     settings.setIsBaseFixed(true); // a posture is of the joints alone
@@ -74,14 +76,18 @@ bool NqPostureSearch::reach(const std::vector<double>& start, bool mayGiveUp) {
 }
 
 /// Takes joints that turn by whole turns as near to the present posture as their ranges allow.
-void NqPostureSearch::turnNearest(std::vector<double>& posture) const {
+void NqPostureSearch::turnNearest(std::vector<double>& posture) {
     constexpr double turn = 2.0 * std::numbers::pi;
     for (unsigned j = 0; j < posture.size(); ++j) {
         const NqJointDescription& joint = m_Manipulator.linkByIndex(j)->joint();
         const double turned = posture[j] - turn * std::round((posture[j] - m_Present[j]) / turn);
-        if (joint.type() == NqJointDescription::Revolute && turned >= joint.lowerPositionLimit() &&
-            turned <= joint.upperPositionLimit()) {
-            posture[j] = turned;
+        if (joint.type() == NqJointDescription::Revolute && turned != posture[j] &&
+            turned >= joint.lowerPositionLimit() && turned <= joint.upperPositionLimit()) {
+            const double found = std::exchange(posture[j], turned);
+            m_Loop.setPositions(posture);
+            if (m_Loop.largestError() > 2.0 * m_Tolerance) {
+                posture[j] = found; // a number is wanted of the joint, turns and all
+            }
         }
     }
 }
@@ -146,6 +152,10 @@ bool NqPostureSearch::find(std::vector<double>& posture, bool isThorough) {
             ++found;
             std::vector<double> there = m_Loop.positions();
             turnNearest(there);
+            for (unsigned j = 0; j < there.size(); ++j) { // one that was measured beyond its range and stays
+                const NqJointBounds::Limits& limits = m_Loop.limits()[j];
+                there[j] = std::min(std::max(there[j], limits.lower), limits.upper);
+            }
             if (const double time = travel(there); time < least) {
                 least = time;
                 posture = there;

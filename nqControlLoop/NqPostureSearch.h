@@ -20,7 +20,7 @@ public:
 
 private:
     bool reach(const std::vector<double>& start, bool mayGiveUp);
-    void turnNearest(std::vector<double>& posture) const;
+    void turnNearest(std::vector<double>& posture);
     double travel(const std::vector<double>& posture);
 
     const NqIndividualManipulator& m_Manipulator;

@@ -16,6 +16,8 @@ constexpr double kBrakingWeight = 0.1;
 /// So many times the threshold a pivot may be and singular values still be asked for: pivots are seldom so
 /// much larger than the least singular value.
 constexpr double kPivotMargin = 10.0;
+/// Where nothing is to be damped: singular values below this are rounding, as J J^T shows them.
+constexpr double kLeastThreshold = 1.0e-6;
 /// A share of the commanded velocities above this counts as all of it.
 constexpr double kHardlySlowed = 0.98;
 /// Share of the joints' limits of acceleration that bends and stops may take; the rest is for the change of
@@ -28,6 +30,11 @@ constexpr double kLeastServed = 0.9; ///< of what is asked along them
 /// A velocity along them that isn't worth a solve.
 constexpr double kNegligible = 1.0e-6;
 constexpr double kUnbounded = std::numeric_limits<double>::infinity();
+
+/// Also without damping directions that no joint moves are lost.
+double thresholdOf(const NqRateSolver::Task& task) {
+    return std::max(task.settings.singularityThreshold(), kLeastThreshold);
+}
 
 /// By how much a motion leaves its path that makes a share of what is commanded.
 double shareOffPath(double scale) {
@@ -79,7 +86,7 @@ void NqRateSolver::solve(const Task& task, std::vector<double>& rates) {
     Outcome outcome = m_Tool.solve(task.jacobian, task.metric, task.gradient, task.command, m_Lower, m_Upper);
     m_Determinant = outcome == Outcome::Failed ? 0.0 : m_Tool.determinant();
     m_Lost = 0;
-    const double threshold = task.settings.singularityThreshold();
+    const double threshold = thresholdOf(task);
     if (outcome == Outcome::Failed || (m_Rows > 0 && m_Tool.leastPivot() < kPivotMargin * threshold &&
                                        m_Singularities.isNear(task.jacobian, m_Rows, threshold))) {
         m_Lost = m_Singularities.split(task.jacobian, m_Rows, threshold);
@@ -104,6 +111,12 @@ void NqRateSolver::solve(const Task& task, std::vector<double>& rates) {
         findHeld(tool->holds(), m_HeldJoints);
     }
     double leaving = shareOffPath(scale);
+    if (outcome == Outcome::Slowed && task.settings.blocked() == NqControlLoopSettings::Hold &&
+        std::all_of(m_HeldJoints.begin(), m_HeldJoints.end(), [](const NqControlLoopStatus::Joint& held) {
+            return held.cause == NqJointBounds::Cause::Acceleration;
+        })) {
+        leaving = 0.0; // the way isn't blocked: the joints only have to gather speed
+    }
     if (leaving < 1.0 && scale > greatest) {
         outcome = tool->solveAgain(greatest, m_Lower, m_Upper);
         leaving = outcome == Outcome::Blocked ? 1.0 : leaving;
@@ -248,7 +261,7 @@ void NqRateSolver::serveLostDirections(const Task& task, std::vector<double>& ra
             const double alone = isDampedKnown ? m_Singularities.made(i, m_Sliding) : damped;
             const auto [least, most] =
                 std::minmax({asked / kLeastServed, kLeastServed * damped, kLeastServed * alone});
-            const double size = m_Singularities.singularValue(i) / task.settings.singularityThreshold();
+            const double size = m_Singularities.singularValue(i) / thresholdOf(task);
             const double share = std::clamp((size - kUnserved) / (kServed - kUnserved), 0.0, 1.0);
             const double change = share * (std::clamp(made, least, most) - made);
             m_Serving[kept + i - vanished] = (made + change) / m_Singularities.singularValue(i);

@@ -5,6 +5,7 @@
 #include <nqControlCore/endeffector/NqLinearConstraintEndEffector.h>
 #include <nqControlCore/endeffector/NqOrientationEndEffector.h>
 #include <nqControlCore/endeffector/NqPointDistanceEndEffector.h>
+#include <nqControlCore/endeffector/special/NqCoordinatedJointEndEffector.h>
 #include <nqControlCore/foundation/manipulator/NqIndividualManipulator.h>
 #include <nqControlCore/foundation/manipulator/NqManipulatorActiveState.h>
 
@@ -134,6 +135,11 @@ NqTargetKind::NqTargetKind(const NqEndEffector& endEffector, const NqIndividualM
     NqEndEffectorPlacement placement;
     endEffector.calculatePlacement(manipulator, state, placement);
     m_Values = placement.dataVector().size();
+    if (const auto* joints = dynamic_cast<const NqCoordinatedJointEndEffector*>(&endEffector)) {
+        for (const auto& label : joints->linkLabels()) {
+            m_Listed.appendFound(manipulator, label.value());
+        }
+    }
 
     const auto addPart = [&](bool isAngular, bool isLargest, std::string unit, unsigned rows) {
         if (rows > 0) {
@@ -236,8 +242,12 @@ double NqTargetKind::partDistance(const Part& part, const NqEndEffectorPlacement
         return std::abs(b.translation().z() - a.translation().z());
     case NqTargetForm::Values: {
         double largest = 0.0;
+        const bool isOfAll = target.dataVector().size() > present.dataVector().size();
         for (std::size_t i = 0; i < std::min(present.dataVector().size(), target.dataVector().size()); ++i) {
-            largest = std::max(largest, std::abs(target.dataVector()[i] - present.dataVector()[i]));
+            const std::size_t desired = isOfAll && i < m_Listed.size() ? m_Listed[i].index : i;
+            if (desired < target.dataVector().size()) {
+                largest = std::max(largest, std::abs(target.dataVector()[desired] - present.dataVector()[i]));
+            }
         }
         return largest;
     }

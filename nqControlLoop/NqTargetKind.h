@@ -3,6 +3,7 @@
 #include <nqControlLoop/NqTargetForm.h>
 
 #include <nqControlCore/endeffector/NqEndEffector.h>
+#include <nqControlCore/endeffector/NqJointList.h>
 
 #include <memory>
 #include <string>
@@ -81,6 +82,7 @@ private:
     const NqTargetForm* m_Form = &NqTargetForm::of(NqTargetForm::Nothing);
     NqTargetType m_Type{};
     std::size_t m_Values = 0;
+    NqJointList m_Listed; ///< joints that the values are of, where the end-effector lists them
     std::vector<Part> m_Parts;
     std::vector<Tie> m_Ties;
     /// The end-effector with its motion filter switched off, where what is left is measured by it.

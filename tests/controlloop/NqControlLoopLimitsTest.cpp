@@ -2,6 +2,7 @@
 #include "support/NqStepCheck.h"
 
 #include <nqControlCore/endeffector/NqFrameEndEffector.h>
+#include <nqControlCore/endeffector/NqLinearConstraintEndEffector.h>
 #include <nqControlCore/endeffector/NqOrientationEndEffector.h>
 #include <nqControlLoop/NqPostureSearch.h>
 
@@ -113,6 +114,10 @@ TEST(NqControlLoopStatus, NamesTheCause) {
     EXPECT_EQ(line.status().kind, Status::Singular);
     EXPECT_NEAR(std::abs(line.status().direction.x()), 1.0, 1.0e-9);
     EXPECT_LT(line.leastSingularValue(), 1.0e-12);
+    line.setTarget("tip",
+                   NqControlTarget::place(line.placements()[0].translation() + NqVector(0.3, 0.0, 0.0)));
+    ASSERT_TRUE(nqMakesSteps(line, 100));
+    EXPECT_EQ(line.status().kind, Status::OutOfReach) << "of the new target";
 
     // Nearly so, with joints that may not move: with them the little outwards would be a small turn.
     labels = {};
@@ -138,6 +143,38 @@ TEST(NqControlLoopStatus, NamesTheCause) {
     ASSERT_TRUE(nqMakesSteps(twice, 1000));
     EXPECT_EQ(twice.status().kind, Status::Contradictory);
     EXPECT_NE(twice.status().endEffector, twice.status().other);
+    twice.setTarget("hand", NqControlTarget::place({1.0, 0.0, 0.5}));
+    twice.setTarget("other", NqControlTarget::place({1.0, 0.0, 0.5}));
+    ASSERT_TRUE(nqMakesSteps(twice, 4000));
+    EXPECT_EQ(twice.status().kind, Status::OutOfReach) << "they agree";
+    settings = nqSettingsOf(0.002);
+    settings.setSingularityThreshold(0.0);
+    settings.setBlocked(NqControlLoopSettings::Hold);
+    twice.setSettings(settings);
+    for (const char* name : {"hand", "other"}) {
+        twice.setTarget(name, NqControlTarget::place({0.5, 0.1, 0.5}));
+    }
+    ASSERT_TRUE(nqMakesSteps(twice, 3000));
+    EXPECT_EQ(twice.status().kind, Status::Reached) << "without damping";
+
+    NqArm7Loop noisy;
+    noisy.loop.setTarget("hand", NqControlTarget::place({1.0, 0.0, 0.5}));
+    std::mt19937_64 random(3);
+    std::vector<double> truth = noisy.loop.positions();
+    unsigned stuck = 0;
+    for (unsigned i = 0; i < 4000; ++i) {
+        std::vector<double> measured = truth;
+        for (double& position : measured) {
+            position += nqDrawn(random, -1.0e-6, 1.0e-6);
+        }
+        noisy.loop.setState(NqPositionState(measured), NqVelocityState(noisy.loop.rates()));
+        ASSERT_TRUE(noisy.loop.step());
+        for (unsigned j = 0; j < 7; ++j) {
+            truth[j] += 0.002 * noisy.loop.rates()[j];
+        }
+        stuck += i >= 3000 && noisy.loop.status().isStuck() ? 1 : 0;
+    }
+    EXPECT_GT(stuck, 100u) << "though what is measured trembles";
 }
 
 /// Where limits block the way, holding stays on it and sliding comes nearer.
@@ -163,6 +200,20 @@ TEST(NqControlLoop, HoldsOrSlides) {
         ASSERT_TRUE(status.kind == Status::Held && !status.joints.empty());
         EXPECT_TRUE(status.joints[0].joint == 0u && status.joints[0].cause == NqJointBounds::Cause::Range);
     }
+    NqControlLoopSettings settings = nqSettingsOf(0.002);
+    settings.setBlocked(NqControlLoopSettings::Hold);
+    NqControlLoopSettings::Labels labels;
+    for (const char* name : {"joint2", "joint3", "joint4", "joint6"}) {
+        labels.pushBack(NqXmlBasicType<std::string>(name));
+    }
+    settings.setHeldJoints(labels);
+    NqArm7Loop arm(settings);
+    arm.loop.setTarget("hand", NqControlTarget::place({0.4, 0.1, 0.6}));
+    ASSERT_TRUE(nqMakesSteps(arm.loop, 1000));
+    settings.setHeldJoints({});
+    arm.loop.setSettings(settings);
+    ASSERT_TRUE(nqMakesSteps(arm.loop, 3000));
+    EXPECT_EQ(arm.loop.status().kind, Status::Reached) << "nothing holds it any more";
     EXPECT_LT(aside[NqControlLoopSettings::Hold], 0.01);
     EXPECT_LT(statuses[NqControlLoopSettings::Slide].distance,
               statuses[NqControlLoopSettings::Hold].distance - 0.01);
@@ -202,18 +253,35 @@ TEST(NqPostureSearch, FindsAWayAroundLimits) {
     held.pushBack(NqXmlBasicType<std::string>("joint3"));
     settings.setHeldJoints(held);
     settings.setIsBaseFixed(false);
+    settings.setPostureGain(20.0);
     NqArm7Loop arm(settings);
     NqPositionState elsewhere{NqXmlRealVector(arm.loop.positions())};
+    elsewhere.setJointPosition(2, arm.loop.limits()[2].upper + 1.0e-6); // as measured
     elsewhere.setBaseFrame(NqVector(3.0, 0.0, 0.0));
     arm.loop.setState(elsewhere, NqVelocityState(7));
+    EXPECT_EQ(arm.loop.largestError(), 0.0) << "no step and no target yet";
     const NqVector target(3.3, 0.4, 0.5);
     arm.loop.setTarget("hand", NqControlTarget::place(target));
     std::vector<double> posture;
     ASSERT_TRUE(NqPostureSearch(arm.loop).find(posture));
-    EXPECT_EQ(posture[2], arm.loop.positions()[2]) << "a joint that is held stays";
+    EXPECT_EQ(posture[2], arm.loop.limits()[2].upper) << "a joint that is held stays";
     EXPECT_TRUE(arm.loop.goTo(posture));
     ASSERT_TRUE(nqMakesSteps(arm.loop, 3000));
     EXPECT_LT((arm.loop.placements()[0].translation() - target).mag(), 2.0e-4) << "from where the base is";
+}
+
+TEST(NqPostureSearch, KeepsTurnsThatAreAskedFor) {
+    NqIndividualManipulator robot("robot", "base");
+    robot.addLink("base", "wheel", NqJointDescription(NqJointDescription::Revolute, "axle"), {});
+    NqControlLoop loop(robot);
+    NqLinearConstraintEndEffector axle;
+    axle.setLinkLabels({NqXmlBasicType<std::string>("wheel")});
+    axle.setLinkWeights({1.0});
+    loop.addEndEffector("axle", axle);
+    loop.setTarget("axle", NqControlTarget::number(6.0));
+    std::vector<double> posture;
+    ASSERT_TRUE(NqPostureSearch(loop).find(posture));
+    EXPECT_NEAR(posture[0], 6.0, 1.0e-4);
 }
 
 TEST(NqControlLoopCheck, ListsAllThatIsWrongAtOnce) {
@@ -246,6 +314,7 @@ TEST(NqControlLoopCheck, ListsAllThatIsWrongAtOnce) {
     }
     EXPECT_FALSE(loop.step());
     EXPECT_EQ(loop.status().kind, Status::BadInput);
+    loop.setState(NqPositionState(1), NqVelocityState(1));
     const std::size_t lines = messages.lines().size();
     EXPECT_FALSE(loop.step());
     EXPECT_EQ(messages.lines().size(), lines) << "said once";

@@ -1,6 +1,9 @@
 #include "controlloop/NqControlLoopTesting.h"
 #include "support/NqTesting.h"
 
+#include <nqControlCore/endeffector/NqFrameEndEffector.h>
+#include <nqControlCore/endeffector/special/NqCoordinatedJointEndEffector.h>
+
 namespace {
 
 /// Steps until the first part is at its target.
@@ -36,15 +39,40 @@ TEST(NqControlLoop, TakesTargetsByNameInBothFrames) {
     ASSERT_TRUE(reaches(loop, 10.0));
     EXPECT_LT((loop.relativePlacement(0).coordSysXForm().translation() - inLeft).mag(), 1.1e-4);
 
+    auto turned = nqOn<NqFrameEndEffector>("right_tip");
+    turned.setRelativeLinkData(relative);
+    loop.addEndEffector("turned", turned);
+    loop.setTarget("turned", NqControlTarget::frame(loop.placements()[2]).inSystem());
+    loop.setTarget("turned", NqControlTarget::place(inLeft));
+    EXPECT_NEAR(loop.errors()[3], 0.0, 1.0e-9) << "the orientation stays what it was in the system";
+    loop.removeEndEffector("turned");
+
+    auto listed = NqCoordinatedJointEndEffector::defaultJointControlEndEffector(robot, 1.0);
+    listed.setLinkLabels({listed.linkLabels()[5]});
+    loop.addEndEffector("listed", listed);
+    loop.setTarget("listed", NqControlTarget::values(loop.positions()));
+    EXPECT_EQ(loop.errors()[2], 0.0) << "of the listed joint among all";
+
     EXPECT_FALSE(loop.setTarget("middle", NqControlTarget::place(inLeft)));
     EXPECT_FALSE(loop.setTarget("left", NqControlTarget::number(1.0)));
     EXPECT_FALSE(loop.setTarget("left", NqControlTarget::place({0.0, std::nan(""), 0.0})));
     EXPECT_FALSE(loop.setTarget("left", NqControlTarget::place(inLeft).withVelocity({1.0})));
     EXPECT_FALSE(loop.setTarget(2, NqControlTarget::place(inLeft))) << "there are two";
     EXPECT_FALSE(loop.setTarget(1, NqEndEffectorPlacement(NqVector(std::nan(""), 0.0, 0.0))));
-    EXPECT_EQ(messages.lines().size(), 7u);
+    EXPECT_FALSE(loop.setTarget(2, NqEndEffectorPlacement(inLeft))) << "it takes values";
+    EXPECT_EQ(messages.lines().size(), 8u);
+    NqEndEffectorVector more;
+    more.pushBack(nqOn("left"));
+    loop.addEndEffectors(more);
+    EXPECT_LT(loop.find("left 2"), loop.endEffectors());
+    loop.removeEndEffector("left 2");
+    NqControlLoopSettings settings;
+    settings.setIsBaseFixed(false);
+    loop.setSettings(settings);
+    EXPECT_TRUE(loop.step()) << "one link moves against the other as before";
 
     const double time = loop.time();
+    loop.setSettings(nqSettingsOf(std::nan("")));
     loop.setSettings(nqSettingsOf(0.02));
     EXPECT_EQ(loop.time(), time) << "longer steps don't change those that were made";
 }
@@ -61,6 +89,10 @@ TEST(NqControlLoop, GoesOnWithoutAnEndEffector) {
     ASSERT_TRUE(nqMakesSteps(loop, 60));
     const double speed = loop.speeds()[1];
     EXPECT_TRUE(loop.removeEndEffector("left"));
+    EXPECT_EQ(loop.speeds()[0], speed);
+    loop.addEndEffector("also", nqOn("right_tip"));
+    EXPECT_NEAR(loop.speeds()[1], speed, 0.01) << "it moves already";
+    loop.removeEndEffector("also");
     ASSERT_TRUE(loop.step());
     EXPECT_EQ(loop.jacobian().rows(), 3u);
     EXPECT_GT(loop.speeds()[0], speed);
@@ -74,12 +106,19 @@ TEST(NqControlLoop, GoesOnWithoutAnEndEffector) {
     EXPECT_EQ(loop.status().kind, NqControlLoopStatus::Running) << "it is still far from there";
     ASSERT_TRUE(nqMakesSteps(loop, 5000));
     EXPECT_EQ(loop.status().kind, NqControlLoopStatus::Reached);
+    std::vector<double> other = start;
+    other[1] += 0.3;
+    ASSERT_TRUE(loop.goTo(other));
+    ASSERT_TRUE(loop.step());
     NqControlLoopSettings settings = loop.settings();
     NqControlLoopSettings::Labels held;
     held.pushBack(NqXmlBasicType<std::string>(robot.linkByIndex(1)->joint().name()));
     settings.setHeldJoints(held);
     loop.setSettings(settings);
-    EXPECT_FALSE(loop.goTo(std::vector<double>(9, 0.0)));
+    ASSERT_TRUE(nqMakesSteps(loop, 5000));
+    EXPECT_TRUE(loop.status().isStuck()) << "a joint on the way can't move any more";
+    EXPECT_EQ(loop.status().joints.at(0).joint, 1u);
+    EXPECT_FALSE(loop.goTo(other));
     EXPECT_EQ(messages.lines().size(), 2u);
 }
 
@@ -111,6 +150,24 @@ TEST(NqControlLoop, MovesAFreeBase) {
     EXPECT_LT((arm.robot.linkByLabel("hand")->primaryFrameInSystem(at).translation() - target).mag(), 1.1e-4);
     EXPECT_GT(arm.robot.baseFrameInSystem(at).translation().mag(), 0.1);
     EXPECT_NEAR(loop.positions()[1], 0.3, 1.0e-2) << "the joints are heavy";
+
+    const NqPrintCapture messages;
+    loop.addEndEffector("far", nqOn("link1"), false);
+    for (const double far : {1.0e170, 1.0e308}) {
+        loop.setTarget("far", NqControlTarget::place(NqVector(far, 0.0, 0.0)));
+        EXPECT_FALSE(loop.step());
+        EXPECT_TRUE(std::isfinite(loop.rates()[7])) << "of the base";
+    }
+    loop.removeEndEffector("far");
+
+    loop.setTarget("hand", NqControlTarget::place(target + NqVector(0.1, 0.0, 0.0)));
+    ASSERT_TRUE(nqMakesSteps(loop, 50));
+    settings.setIsBaseFixed(true);
+    loop.setSettings(settings);
+    ASSERT_TRUE(loop.step());
+    NqXmlRealVector velocity;
+    loop.endEffector(0).calculateVelocity(arm.robot, loop.state(), velocity, 0);
+    EXPECT_NEAR(velocity[0], loop.speeds()[0], 1.0e-2) << "of the joints alone";
 }
 
 } // namespace

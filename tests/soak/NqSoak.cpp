@@ -154,8 +154,8 @@ private:
                 positions[j] = std::clamp(positions[j] + within(-1.0e-3, 1.0e-3), joint.lowerPositionLimit(),
                                           joint.upperPositionLimit());
             }
-            const std::vector<double> rates(m_Loop->rates().begin(),
-                                            m_Loop->rates().begin() + m_Loop->joints());
+            std::vector<double> rates = m_Loop->rates();
+            rates.resize(m_Loop->joints());
             m_Loop->setState(NqPositionState(NqXmlRealVector(positions)),
                              NqVelocityState(NqXmlRealVector(rates)));
             m_IsAccelerationKnown = false;

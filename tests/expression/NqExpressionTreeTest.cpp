@@ -1,6 +1,8 @@
 #include "NqExpressionTesting.h"
 
 #include <nqControlCore/expression/NqBaseSoftConstraintHandler.h>
+#include <nqControlCore/expression/NqExpressionDiagonalMatrix.h>
+#include <nqControlCore/expression/NqExpressionGeneralColumn.h>
 #include <nqControlCore/expression/NqExpressionMinus.h>
 #include <nqControlCore/expression/NqExpressionNegative.h>
 
@@ -76,6 +78,36 @@ public:
         registerComponentCreator(Handler::classToken(), Handler::creator);
     }
 };
+
+TEST(NqExpressionLeaf, KeepsAValueOfTheRightShape) {
+    NqExpressionGeneralColumn column, other;
+    const auto expectValue = [](const NqExpressionElement& leaf, const char* value) {
+        EXPECT_EQ(textOf(leaf.value()), value);
+    };
+    column.assign(2, 3.0);
+    expectValue(column, "3;3;");
+    EXPECT_TRUE(column.setValue(1, 4.0) && !column.setValue(2, 4.0));
+    expectValue(column, "3;3;");
+    expectValue(NqExpressionGeneralColumn(column), "3;4;");
+    column.setColumn({5.0, 6.0, 7.0});
+    expectValue(column, "5;6;7;");
+    other.assign(3, 1.0);
+    expectValue(column = other, "1;1;1;");
+
+    NqExpressionDiagonalMatrix diagonal;
+    diagonal.assign(2, 3, 3.0);
+    expectValue(diagonal, "3 0 0;0 3 0;");
+    diagonal.setRowSize(1);
+    expectValue(diagonal, "3 0 0;");
+    NqPrintCapture print;
+    column.assign(4294967295U, 2.0);
+    diagonal.assign(4294967295U, 4294967295U, 2.0);
+    EXPECT_TRUE(column == other && diagonal.rowSize() == 1 && print.lines().size() == 2) << "too much";
+
+    NqExpressionMinus minus;
+    minus.setRight(other);
+    expectValue(minus, "-1;-1;-1;");
+}
 
 TEST(NqBaseExpressionTreeContainer, HoldsOtherTreesToo) {
     Handlers handlers;

@@ -3,6 +3,7 @@
 #include "support/NqNamedRobot.h"
 
 #include <nqControlCore/foundation/manipulator/NqManipulatorActiveState.h>
+#include <nqControlCore/foundation/text/NqTextConversion.h>
 #include <nqControlCore/foundation/xml/NqXmlDocument.h>
 
 #include <memory>
@@ -12,6 +13,14 @@ namespace {
 std::string textOf(const NqXmlObject& object) {
     std::string text;
     return NqXmlDocument::writeString(text, object) ? text : std::string();
+}
+
+/// Whether two lists show the same; the angle and the axis of an orientation may differ by rounding.
+bool showSame(const NqLabelVector& one, const NqLabelVector& other) {
+    return std::ranges::equal(one, other, [](const auto& a, const auto& b) {
+        const double x = NqSTRING2DOUBLE(a), y = NqSTRING2DOUBLE(b);
+        return a == b || std::fabs(x - y) <= 1.0e-15 * (1.0 + std::fabs(x));
+    });
 }
 
 /// All that a control step asks, with results of the sizes that are promised.
@@ -78,7 +87,7 @@ void nqFuzzEditable(NqFuzzInput& input) {
     nqHolds(values.size() >= count || textOf(*endEffector) == before, "a list that is too short is ignored");
     const NqLabelVector shown = endEffector->editableValues();
     endEffector->setEditableValues(shown);
-    nqHolds(endEffector->editableValues() == shown, "what is shown sets the same");
+    nqHolds(showSame(endEffector->editableValues(), shown), "what is shown sets the same");
     const std::string text = textOf(*endEffector);
     if (!text.empty()) { // no label holds what XML can't; reading may complete lists
         NqXmlDocument::readString(text, *endEffector);

@@ -29,31 +29,31 @@ constexpr unsigned kCost = 4;
 constexpr unsigned kWeights = 4;
 /// What takes the place of a weight where there is no metric.
 constexpr double kWeightless = 1.0;
+/// The weight of a joint that the metric lacks.
+constexpr double kNoWeight = 0.0;
 
-/// Where the groups of columns begin of which any is filled; what is left at the end of a row is none.
-inline Mask groupsOf(Mask filled, unsigned n) {
+} // namespace
+
+inline NqSparseSystem::Span NqSparseSystem::spanOf(Mask filled, unsigned n) {
     constexpr Mask kStarts = 0x1111111111111111;
     const unsigned whole = n / PanelWidth * PanelWidth;
-    Mask groups = whole == 0 ? 0 : filled & ~Mask{0} >> (NqRowMask::Places - whole);
+    const Mask inGroups = whole == 0 ? 0 : ~Mask{0} >> (NqRowMask::Places - whole);
+    Mask groups = filled & inGroups;
     groups |= groups >> 1;
-    return (groups | groups >> 2) & kStarts;
+    return {(groups | groups >> 2) & kStarts, filled & ~inGroups};
 }
 
-/// to[j] += factor from[j], by groups.
-inline void addMultiple(double* to, double factor, const double* from, Mask groups, unsigned n) {
-    NqRowMask::forEach(groups, [&](unsigned j) {
+/// to[j] += factor from[j].
+inline void NqSparseSystem::addMultiple(double* to, double factor, const double* from, const Span& span) {
+    NqRowMask::forEach(span.groups, [&](unsigned j) {
         Group x, y;
         std::memcpy(&x, from + j, sizeof x);
         std::memcpy(&y, to + j, sizeof y);
         y += factor * x;
         std::memcpy(to + j, &y, sizeof y);
     });
-    for (unsigned j = n / PanelWidth * PanelWidth; j < n; ++j) {
-        to[j] += factor * from[j];
-    }
+    NqRowMask::forEach(span.rest, [&](unsigned j) { to[j] += factor * from[j]; });
 }
-
-} // namespace
 
 bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indices, unsigned m,
                             const NqReArray* metric, NqReArray& nullSpace, NqReArray& weightedNullSpace) {
@@ -64,6 +64,7 @@ bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indice
         m_Multipliers.resize(m_N * m_N / 2);
         m_Reached.fill(0);
         m_IsWorthIt = false;
+        m_IsPlanned = false;
     }
     if (m_N < kLeastColumns || m_N > NqRowMask::Places || !findZeros(matrix) || !findWeights(metric)) {
         return false;
@@ -71,6 +72,7 @@ bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indice
     for (unsigned r = 0; r < m_N; ++r) {
         m_Rows[r] = matrix[r].data();
     }
+    keepJacobian();
     m_NextMultiplier = m_Multipliers.data();
     m_Settled = 0;
     std::iota(m_Order.begin(), m_Order.begin() + m_N, 0u);
@@ -81,30 +83,49 @@ bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indice
         isRegular = factorRows(m_M, m_N);
     }
     if (!isRegular) {
+        m_IsPlanned = false;
         restoreJacobian();
         return false;
     }
     permuteRows();
+    m_IsPlanned = true;
     std::copy_n(m_Indices.begin(), m_N, indices.begin());
     return true;
 }
 
-/// Finds the zeros of J, and keeps J. False where there are too few of them; that is judged
-/// anew when it may have changed.
+/// Finds the zeros of J. False where there are too few of them; that is judged anew when it may
+/// have changed.
 NQ_WIDE_ROWS bool NqSparseSystem::findZeros(const NqReArray& matrix) {
+    ForEachRow<Mask> filled{};
     Mask news = 0, changes = 0;
     for (unsigned r = 0; r < m_M; ++r) {
         const double* const row = matrix[r].data();
-        std::memcpy(&m_Jacobian[r * m_N], row, m_N * sizeof(double));
-        m_Filled[r] = NqRowMask::filled(row, m_N);
-        news |= m_Filled[r] & ~m_Reached[r];
-        changes |= m_Filled[r] ^ m_Reached[r];
+        filled[r] = NqRowMask::filled(row, m_N);
+        news |= filled[r] & ~m_Reached[r];
+        changes |= filled[r] ^ m_Reached[r];
     }
     if (m_IsWorthIt ? news != 0 : changes != 0) {
-        m_Reached = m_Filled;
+        m_Reached = filled;
         m_IsWorthIt = fillsFew();
+        m_IsPlanned = false;
     }
     return m_IsWorthIt;
+}
+
+/// Keeps what isn't zero in J.
+NQ_WIDE_ROWS void NqSparseSystem::keepJacobian() {
+    double* next = m_Jacobian.data();
+    for (unsigned r = 0; r < m_M; ++r) {
+        NqRowMask::forEach(m_Reached[r], [&](unsigned column) { *next++ = m_Rows[r][column]; });
+    }
+}
+
+void NqSparseSystem::restoreJacobian() {
+    const double* next = m_Jacobian.data();
+    for (unsigned r = 0; r < m_M; ++r) {
+        setToZeros(m_Rows[r], m_N);
+        NqRowMask::forEach(m_Reached[r], [&](unsigned column) { m_Rows[r][column] = *next++; });
+    }
 }
 
 /// Whether the rows of J stay short when each takes in all columns of those before that it has one in common
@@ -123,12 +144,6 @@ bool NqSparseSystem::fillsFew() const {
     return work * kCost <= m_M * m_N * m_N;
 }
 
-void NqSparseSystem::restoreJacobian() {
-    for (unsigned r = 0; r < m_M; ++r) {
-        std::memcpy(m_Rows[r], &m_Jacobian[r * m_N], m_N * sizeof(double));
-    }
-}
-
 /// The steps that columns were settled in.
 inline NqSparseSystem::Mask NqSparseSystem::stepsOf(Mask columns) const {
     Mask steps = 0;
@@ -138,6 +153,9 @@ inline NqSparseSystem::Mask NqSparseSystem::stepsOf(Mask columns) const {
 
 NQ_WIDE_ROWS bool NqSparseSystem::factorRows(unsigned begin, unsigned end) {
     for (unsigned row = begin; row < end; ++row) {
+        if (!m_IsPlanned) {
+            planElimination(row);
+        }
         if (!eliminate(row) || !settle(row)) {
             return false;
         }
@@ -145,38 +163,79 @@ NQ_WIDE_ROWS bool NqSparseSystem::factorRows(unsigned begin, unsigned end) {
     return true;
 }
 
+/// Finds the steps that eliminate what a row has in settled columns, and what that leaves of it.
+inline void NqSparseSystem::planElimination(unsigned row) {
+    Mask filled = m_Reached[row];
+    Mask steps = stepsOf(filled);
+    m_Eliminated[row] = 0;
+    while (steps != 0) {
+        const auto k = static_cast<unsigned>(std::countr_zero(steps));
+        m_Eliminated[row] |= bit(k);
+        steps = (steps & (steps - 1)) | stepsOf(m_Filled[k] & ~filled);
+        filled |= m_Filled[k];
+    }
+    m_Candidates[row] = filled & ~m_Settled;
+}
+
 /// Eliminates what a row has in settled columns. False when a multiplier isn't finite.
 inline bool NqSparseSystem::eliminate(unsigned row) {
     double* const values = m_Rows[row];
-    Mask filled = m_Filled[row];
-    Mask steps = stepsOf(filled);
-    Mask done = 0;
-    while (steps != 0) {
-        const auto k = static_cast<unsigned>(std::countr_zero(steps));
+    double check = 0.0; // NaN, if one isn't finite
+    NqRowMask::forEach(m_Eliminated[row], [&](unsigned k) {
         const double multiplier = values[m_Order[k]] * m_Reciprocal[k];
-        if (!std::isfinite(multiplier)) {
-            return false;
-        }
+        check += multiplier * 0.0;
         *m_NextMultiplier++ = multiplier;
-        done |= bit(k);
-        steps = (steps & (steps - 1)) | stepsOf(m_Filled[k] & ~filled);
-        filled |= m_Filled[k];
-        addMultiple(values, -multiplier, m_Rows[k], m_Groups[k], m_N);
-    }
-    NqRowMask::forEach(filled & m_Settled, [&](unsigned column) { values[column] = 0.0; });
-    m_Eliminated[row] = done;
-    m_Filled[row] = filled & ~m_Settled;
-    return true;
+        addMultiple(values, -multiplier, m_Rows[k], m_Spans[k]);
+    });
+    return check == 0.0;
 }
 
-/// Settles the column of a row's largest element, of equal ones of that at the first place. False when all
-/// are zero, one isn't finite, or the reciprocal of the pivot isn't.
+/// Settles the column of a row's largest element. False when all are zero, one isn't finite, or the
+/// reciprocal of the pivot isn't.
 inline bool NqSparseSystem::settle(unsigned row) {
-    double* const values = m_Rows[row];
+    if (!m_IsPlanned || !isLargestStill(row)) {
+        const unsigned column = findLargest(row);
+        if (column == m_N) {
+            return false;
+        }
+        if (!m_IsPlanned || column != m_Columns[row]) {
+            m_IsPlanned = false; // from here on
+            m_Columns[row] = column;
+            m_Filled[row] = m_Candidates[row] & ~bit(column);
+            m_Spans[row] = spanOf(m_Filled[row], m_N);
+        }
+    }
+    const unsigned column = m_Columns[row];
+    const unsigned place = m_Place[column];
+    m_Indices[row] = place;
+    std::swap(m_Order[row], m_Order[place]);
+    m_Place[m_Order[place]] = place;
+    m_Place[column] = row;
+    m_Settled |= bit(column);
+    m_Pivot[row] = m_Rows[row][column];
+    m_Reciprocal[row] = 1.0 / m_Pivot[row];
+    return std::isfinite(m_Reciprocal[row]);
+}
+
+/// Whether all elements of a row are less than that which was the pivot in the step before. A guess at the
+/// outcome, so that nothing has to wait for it.
+inline bool NqSparseSystem::isLargestStill(unsigned row) const {
+    const double* const values = m_Rows[row];
+    const double largest = std::abs(values[m_Columns[row]]);
+    unsigned others = 0;
+    NqRowMask::forEach(m_Filled[row],
+                       [&](unsigned column) { others += std::abs(values[column]) < largest ? 0 : 1; });
+    return others == 0 && std::isfinite(largest);
+}
+
+/// The column of a row's largest element, of equal ones of that at the first place; that behind the last one
+/// when all are zero or one isn't finite.
+inline unsigned NqSparseSystem::findLargest(unsigned row) const {
+    const double* const values = m_Rows[row];
     double largest = 0.0;
     unsigned place = m_N;
     double check = 0.0; // NaN, if one isn't finite
-    NqRowMask::forEach(m_Filled[row], [&](unsigned column) {
+    NqRowMask::forEach(m_Candidates[row], [&](unsigned column) {
         const double magnitude = std::abs(values[column]);
         check += magnitude * 0.0;
         if (magnitude > largest || (magnitude == largest && m_Place[column] < place)) {
@@ -184,113 +243,129 @@ inline bool NqSparseSystem::settle(unsigned row) {
             place = m_Place[column];
         }
     });
-    if (check != 0.0 || largest == 0.0) {
-        return false;
-    }
-    const unsigned column = m_Order[place];
-    m_Indices[row] = place;
-    std::swap(m_Order[row], m_Order[place]);
-    m_Place[m_Order[place]] = place;
-    m_Place[column] = row;
-    m_Settled |= bit(column);
-    m_Pivot[row] = std::exchange(values[column], 0.0);
-    m_Filled[row] &= ~bit(column);
-    m_Groups[row] = groupsOf(m_Filled[row], m_N);
-    m_Reciprocal[row] = 1.0 / m_Pivot[row];
-    return std::isfinite(m_Reciprocal[row]);
+    return check != 0.0 || largest == 0.0 ? m_N : m_Order[place];
 }
 
 /// With U = [U11 U12] the rows -U11^-1 U12 for the columns of U11, and a one for each other. False when an
 /// element isn't finite.
 NQ_WIDE_ROWS bool NqSparseSystem::findBasis(NqReArray& nullSpace) {
     const unsigned dimension = m_N - m_M;
-    for (unsigned place = m_M; place < m_N; ++place) {
+    if (!m_IsPlanned) {
+        planBasis();
+    }
+    for (unsigned place = 0; place < m_N; ++place) {
         double* const basis = nullSpace[m_Order[place]].data();
         setToZeros(basis, dimension);
-        basis[place - m_M] = 1.0;
-        m_BasisFilled[m_Order[place]] = bit(place - m_M);
-        m_BasisGroups[m_Order[place]] = groupsOf(bit(place - m_M), dimension);
+        if (place >= m_M) {
+            basis[place - m_M] = 1.0;
+            continue;
+        }
+        const double* const u = m_Rows[place];
+        NqRowMask::forEach(m_Filled[place] & ~m_Settled,
+                           [&](unsigned column) { basis[m_Place[column] - m_M] = -u[column]; });
     }
+    Group check = {}; // NaN, where one isn't finite
     for (unsigned k = m_M; k-- > 0;) {
         const double* const u = m_Rows[k];
         double* const basis = nullSpace[m_Order[k]].data();
-        setToZeros(basis, dimension);
-        Mask filled = 0;
-        NqRowMask::forEach(m_Filled[k] & ~m_Settled, [&](unsigned column) {
-            basis[m_Place[column] - m_M] = -u[column];
-            filled |= bit(m_Place[column] - m_M);
-        });
-        NqRowMask::forEach(stepsOf(m_Filled[k]), [&](unsigned step) {
+        NqRowMask::forEach(m_BasisSteps[k], [&](unsigned step) {
             const unsigned known = m_Order[step];
-            addMultiple(basis, -u[known], nullSpace[known].data(), m_BasisGroups[known], dimension);
-            filled |= m_BasisFilled[known];
+            addMultiple(basis, -u[known], nullSpace[known].data(), m_BasisSpans[known]);
         });
-        double check = 0.0; // NaN, if one isn't finite
-        NqRowMask::forEach(filled, [&](unsigned i) {
+        const Span& span = m_BasisSpans[m_Order[k]];
+        NqRowMask::forEach(span.groups, [&](unsigned i) {
+            Group values;
+            std::memcpy(&values, basis + i, sizeof values);
+            values *= m_Reciprocal[k];
+            check += values * 0.0;
+            std::memcpy(basis + i, &values, sizeof values);
+        });
+        NqRowMask::forEach(span.rest, [&](unsigned i) {
             basis[i] *= m_Reciprocal[k];
-            check += basis[i] * 0.0;
+            check[0] += basis[i] * 0.0;
         });
-        m_BasisFilled[m_Order[k]] = filled;
-        m_BasisGroups[m_Order[k]] = groupsOf(filled, dimension);
-        if (check != 0.0) {
-            return false;
-        }
     }
-    return true;
+    return check[0] + check[1] + check[2] + check[3] == 0.0;
+}
+
+/// Finds what of the basis can differ from zero.
+inline void NqSparseSystem::planBasis() {
+    for (unsigned place = m_N; place-- > 0;) {
+        const unsigned joint = m_Order[place];
+        Mask filled = 0;
+        if (place < m_M) {
+            NqRowMask::forEach(m_Filled[place] & ~m_Settled,
+                               [&](unsigned column) { filled |= bit(m_Place[column] - m_M); });
+            m_BasisSteps[place] = stepsOf(m_Filled[place]);
+            NqRowMask::forEach(m_BasisSteps[place],
+                               [&](unsigned step) { filled |= m_BasisFilled[m_Order[step]]; });
+        } else {
+            filled = bit(place - m_M);
+        }
+        m_BasisFilled[joint] = filled;
+        m_BasisSpans[joint] = spanOf(filled, m_N - m_M);
+    }
 }
 
 /// Finds the weights of each joint, one or those of a row. False when they are many, or one isn't finite.
 NQ_WIDE_ROWS bool NqSparseSystem::findWeights(const NqReArray* metric) {
     const unsigned columns = metric ? metric->columns() : 1;
-    const unsigned rows = metric ? std::min(m_N, metric->rows()) : m_N;
-    unsigned count = 0;
-    bool isFinite = true;
-    for (unsigned j = 0; j < m_N; ++j) {
-        const std::size_t length = j < rows && metric ? (*metric)[j].size() : 0;
-        m_Weights[j] = !metric ? &kWeightless : length > 0 ? (*metric)[j].data() : nullptr;
-        m_WeightsFilled[j] = 0;
-        if (length > 0 && columns == 1) {
-            isFinite = isFinite && std::isfinite(m_Weights[j][0]);
-        } else if (length > 0) {
-            const auto end = static_cast<unsigned>(std::min<std::size_t>(std::min(m_N, columns), length));
-            m_WeightsFilled[j] = NqRowMask::filled(m_Weights[j], end);
-            NqRowMask::forEach(m_WeightsFilled[j],
-                               [&](unsigned k) { isFinite = isFinite && std::isfinite(m_Weights[j][k]); });
-        }
-        count += static_cast<unsigned>(std::popcount(m_WeightsFilled[j]));
-    }
+    const unsigned rows = metric ? std::min(m_N, metric->rows()) : 0;
+    m_IsPlanned = m_IsPlanned && m_IsDiagonal == (columns == 1);
     m_IsDiagonal = columns == 1;
-    return isFinite && count <= kWeights * m_N;
+    unsigned count = 0;
+    double check = 0.0; // NaN, if one isn't finite
+    for (unsigned j = 0; j < m_N; ++j) {
+        const unsigned length = j < rows ? std::min(columns, static_cast<unsigned>((*metric)[j].size())) : 0;
+        m_Weights[j] = length > 0 ? (*metric)[j].data() : metric ? &kNoWeight : &kWeightless;
+        if (m_IsDiagonal) {
+            check += *m_Weights[j] * 0.0;
+            continue;
+        }
+        const Mask filled = NqRowMask::filled(m_Weights[j], std::min(m_N, length));
+        NqRowMask::forEach(filled, [&](unsigned k) { check += m_Weights[j][k] * 0.0; });
+        m_IsPlanned = m_IsPlanned && filled == m_WeightsFilled[j];
+        m_WeightsFilled[j] = filled;
+        count += static_cast<unsigned>(std::popcount(filled));
+    }
+    return check == 0.0 && count <= kWeights * m_N;
 }
 
 /// W N, whose columns are the rows below J.
 NQ_WIDE_ROWS void NqSparseSystem::weightBasis(const NqReArray& nullSpace, NqReArray& weightedNullSpace) {
+    if (!m_IsPlanned) {
+        planWeightedBasis();
+    }
     for (unsigned r = m_M; r < m_N; ++r) {
         setToZeros(m_Rows[r], m_N);
-        m_Filled[r] = 0;
     }
     const unsigned dimension = m_N - m_M;
     for (unsigned j = 0; j < m_N; ++j) {
         double* const weighted = weightedNullSpace[j].data();
-        Mask filled = 0;
+        setToZeros(weighted, dimension);
         if (m_IsDiagonal) {
-            const double weight = m_Weights[j] ? *m_Weights[j] : 0.0;
             const double* const basis = nullSpace[j].data();
-            for (unsigned i = 0; i < dimension; ++i) {
-                weighted[i] = basis[i] * weight;
-            }
-            filled = m_BasisFilled[j];
+            NqRowMask::forEach(m_WeightedFilled[j],
+                               [&](unsigned i) { weighted[i] = basis[i] * *m_Weights[j]; });
         } else {
-            setToZeros(weighted, dimension);
             NqRowMask::forEach(m_WeightsFilled[j], [&](unsigned k) {
-                addMultiple(weighted, m_Weights[j][k], nullSpace[k].data(), m_BasisGroups[k], dimension);
-                filled |= m_BasisFilled[k];
+                addMultiple(weighted, m_Weights[j][k], nullSpace[k].data(), m_BasisSpans[k]);
             });
         }
-        NqRowMask::forEach(filled, [&](unsigned i) {
-            m_Rows[m_M + i][j] = weighted[i];
-            m_Filled[m_M + i] |= bit(j);
-        });
+        NqRowMask::forEach(m_WeightedFilled[j], [&](unsigned i) { m_Rows[m_M + i][j] = weighted[i]; });
+    }
+}
+
+/// Finds what of W N can differ from zero, and so in the rows below J.
+void NqSparseSystem::planWeightedBasis() {
+    std::fill(m_Reached.begin() + m_M, m_Reached.begin() + m_N, Mask{0});
+    for (unsigned j = 0; j < m_N; ++j) {
+        Mask filled = m_IsDiagonal ? m_BasisFilled[j] : 0;
+        if (!m_IsDiagonal) {
+            NqRowMask::forEach(m_WeightsFilled[j], [&](unsigned k) { filled |= m_BasisFilled[k]; });
+        }
+        m_WeightedFilled[j] = filled;
+        NqRowMask::forEach(filled, [&](unsigned i) { m_Reached[m_M + i] |= bit(j); });
     }
 }
 
@@ -298,18 +373,19 @@ NQ_WIDE_ROWS void NqSparseSystem::weightBasis(const NqReArray& nullSpace, NqReAr
 NQ_WIDE_ROWS void NqSparseSystem::permuteRows() {
     const double* multiplier = m_Multipliers.data();
     for (unsigned r = 0; r < m_N; ++r) {
+        if (!m_IsPlanned) {
+            m_Upper[r] = 0;
+            NqRowMask::forEach(m_Filled[r], [&](unsigned column) { m_Upper[r] |= bit(m_Place[column]); });
+        }
         double* const row = m_Rows[r];
         double values[NqRowMask::Places];
-        NqRowMask::forEach(m_Filled[r],
-                           [&](unsigned column) { values[column] = std::exchange(row[column], 0.0); });
-        Mask places = m_Eliminated[r];
-        NqRowMask::forEach(m_Filled[r], [&](unsigned column) {
-            row[m_Place[column]] = values[column];
-            places |= bit(m_Place[column]);
-        });
-        NqRowMask::forEach(m_Eliminated[r], [&](unsigned k) { row[k] = *multiplier++; });
+        double* next = values;
+        NqRowMask::forEach(m_Upper[r], [&](unsigned place) { *next++ = row[m_Order[place]]; });
+        setToZeros(row, m_N);
+        NqRowMask::forEach(m_Eliminated[r], [&](unsigned place) { row[place] = *multiplier++; });
         row[r] = m_Pivot[r];
-        m_Filled[r] = places;
+        next = values;
+        NqRowMask::forEach(m_Upper[r], [&](unsigned place) { row[place] = *next++; });
     }
 }
 
@@ -317,15 +393,14 @@ NQ_WIDE_ROWS bool NqSparseSystem::substitute(const NqReArray& factors, std::arra
     for (unsigned i = 0; i < m_N; ++i) {
         const double* const row = factors[i].data();
         Pair sum = load(x[i]);
-        NqRowMask::forEach(m_Filled[i] & (bit(i) - 1), [&](unsigned j) { sum -= load(x[j]) * row[j]; });
+        NqRowMask::forEach(m_Eliminated[i], [&](unsigned j) { sum -= load(x[j]) * row[j]; });
         store(x[i], sum);
     }
     Pair check = {};
     for (unsigned i = m_N; i-- > 0;) {
         const double* const row = factors[i].data();
         Pair sum = load(x[i]);
-        NqRowMask::forEach(m_Filled[i] & ~(bit(i) - 1) & ~bit(i),
-                           [&](unsigned j) { sum -= load(x[j]) * row[j]; });
+        NqRowMask::forEach(m_Upper[i], [&](unsigned j) { sum -= load(x[j]) * row[j]; });
         sum /= row[i];
         store(x[i], sum);
         check += sum * 0.0; // NaN, if it isn't finite

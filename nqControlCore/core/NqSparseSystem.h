@@ -33,38 +33,62 @@ private:
     template <typename T>
     using ForEachRow = std::array<T, NqRowMask::Places>;
 
+    /// Columns of a row, those in whole groups by where such a group begins.
+    struct Span {
+        Mask groups;
+        Mask rest;
+    };
+    static Span spanOf(Mask filled, unsigned n);
+    static void addMultiple(double* to, double factor, const double* from, const Span& span);
+
     bool findZeros(const NqReArray& matrix);
     bool fillsFew() const;
+    void keepJacobian();
+    void restoreJacobian();
+    bool findWeights(const NqReArray* metric);
     bool factorRows(unsigned begin, unsigned end);
+    void planElimination(unsigned row);
     bool eliminate(unsigned row);
     bool settle(unsigned row);
+    bool isLargestStill(unsigned row) const;
+    unsigned findLargest(unsigned row) const;
     bool findBasis(NqReArray& nullSpace);
-    bool findWeights(const NqReArray* metric);
+    void planBasis();
     void weightBasis(const NqReArray& nullSpace, NqReArray& weightedNullSpace);
+    void planWeightedBasis();
     Mask stepsOf(Mask columns) const;
     void permuteRows();
-    void restoreJacobian();
 
     unsigned m_N = 0;
     unsigned m_M = 0;
-    ForEachRow<double*> m_Rows;        ///< of A; what is settled when a row is done has left it
-    ForEachRow<Mask> m_Filled;         ///< columns of a row that aren't zero; in the end places
-    ForEachRow<Mask> m_Groups;         ///< where groups of such columns begin
-    ForEachRow<Mask> m_BasisFilled;    ///< columns of N that aren't zero, for each joint
-    ForEachRow<Mask> m_BasisGroups;    ///< where groups of such columns begin
-    ForEachRow<Mask> m_Eliminated;     ///< steps of which a row has a multiplier
-    ForEachRow<double> m_Pivot;        ///< the diagonal of U
-    ForEachRow<double> m_Reciprocal;   ///< 1.0 / pivot
-    ForEachRow<unsigned> m_Order;      ///< the column at each place, after the interchanges so far
-    ForEachRow<unsigned> m_Place;      ///< the place of each column
-    ForEachRow<unsigned> m_Indices;    ///< the interchanges
-    Mask m_Settled = 0;                ///< columns of pivots; the place of each is its step
-    std::vector<double> m_Multipliers; ///< row behind row, by rising steps
-    double* m_NextMultiplier = nullptr;
+    std::vector<double> m_Jacobian; ///< what isn't zero in J, row behind row
+    ForEachRow<double*> m_Rows;     ///< of A; what is settled when a row is done has left it
+
+    /// The plan: what can differ from zero, and so what is to be done, in the caller's columns. It stays
+    /// while zeros and pivots do.
+    ForEachRow<Mask> m_Reached{};      ///< of J where it wasn't zero when that was judged, and of (W N)^T
+    bool m_IsWorthIt = false;          ///< whether these are few enough elements of J
+    bool m_IsPlanned = false;          ///< whether what follows goes as in the step before
+    ForEachRow<Mask> m_Eliminated;     ///< the steps that eliminate a row, so that L isn't zero there
+    ForEachRow<Mask> m_Candidates;     ///< what they leave of it, of which the pivot is taken
+    ForEachRow<unsigned> m_Columns;    ///< the column of that,
+    ForEachRow<Mask> m_Filled;         ///< and what is left beside it,
+    ForEachRow<Span> m_Spans;          ///< as a span,
+    ForEachRow<Mask> m_Upper;          ///< and as places of U
+    ForEachRow<Mask> m_BasisSteps;     ///< the rows of N, by their steps, that one of U11 needs
+    ForEachRow<Mask> m_BasisFilled;    ///< columns of N, for each joint
+    ForEachRow<Span> m_BasisSpans;     ///< these as spans
+    ForEachRow<Mask> m_WeightsFilled;  ///< of a full metric
+    ForEachRow<Mask> m_WeightedFilled; ///< columns of W N, for each joint
+    bool m_IsDiagonal = true;          ///< whether the metric has one weight for each joint
+
     ForEachRow<const double*> m_Weights; ///< of each joint: one, or those of a row of the metric
-    ForEachRow<Mask> m_WeightsFilled;    ///< of a full metric
-    bool m_IsDiagonal = true;
-    std::vector<double> m_Jacobian; ///< J, row behind row
-    ForEachRow<Mask> m_Reached{};   ///< where it wasn't zero when that was judged:
-    bool m_IsWorthIt = false;       ///< whether that are few enough elements
+    ForEachRow<double> m_Pivot;          ///< the diagonal of U
+    ForEachRow<double> m_Reciprocal;     ///< 1.0 / pivot
+    std::vector<double> m_Multipliers;   ///< row behind row, by rising steps
+    double* m_NextMultiplier = nullptr;
+    ForEachRow<unsigned> m_Order;   ///< the column at each place, after the interchanges so far
+    ForEachRow<unsigned> m_Place;   ///< the place of each column
+    ForEachRow<unsigned> m_Indices; ///< the interchanges
+    Mask m_Settled = 0;             ///< columns of pivots; the place of each is its step
 };

@@ -449,6 +449,21 @@ TEST(CoreVelocityControlTool, ZerosOfLimbsChangeNothing) {
                 transform(p.jacobian[i], [](double x) { return x == 0.0 ? 0.0 : std::copysign(1.0, x); });
             }
         });
+        for (unsigned step = 0; step < 6; ++step) { // the pivots of the step before hold, or don't
+            changed("moved", [&](Problem& p) {
+                for (unsigned i = 0; i < p.m; ++i) {
+                    const double bend = step % 3 == 0 ? 2.0 : 1.0e-3;
+                    transform(p.jacobian[i], [&](double x) { return x * (1.0 + bend * nqUniform(random)); });
+                }
+            });
+        }
+        for (const unsigned k : {1u, 2u, 2u}) {
+            changed("metric with a corner", [&](Problem& p) {
+                const NqReArray diagonal = p.metric;
+                p.metric.setToIdentity(p.n, p.n);
+                p.metric[p.n - 1][p.n - 1 - k] = diagonal[k][0];
+            });
+        }
         for (const double value : {infinity, -infinity, std::nan(""), 1.0e-310, 1.0e200, 1.0e308}) {
             changed("odd value", [&](Problem& p) { p.jacobian[round % p.m][0] = value; });
             changed("odd limb", [&](Problem& p) {

@@ -31,6 +31,11 @@ typedef double Group __attribute__((vector_size(PanelWidth * sizeof(double))));
 inline void setToZeros(double* row, std::size_t count) {
     const Group zeros = {};
     std::size_t j = 0;
+    for (; j + 4 * PanelWidth <= count; j += 4 * PanelWidth) {
+        for (unsigned k = 0; k < 4; ++k) {
+            std::memcpy(row + j + k * PanelWidth, &zeros, sizeof zeros);
+        }
+    }
     for (; j + PanelWidth <= count; j += PanelWidth) {
         std::memcpy(row + j, &zeros, sizeof zeros);
     }

@@ -64,7 +64,6 @@ bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indice
         m_Multipliers.resize(m_N * m_N / 2);
         m_Reached.fill(0);
         m_IsWorthIt = false;
-        m_IsPlanned = false;
     }
     if (m_N < kLeastColumns || m_N > NqRowMask::Places || !findZeros(matrix) || !findWeights(metric)) {
         return false;
@@ -83,7 +82,6 @@ bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indice
         isRegular = factorRows(m_M, m_N);
     }
     if (!isRegular) {
-        m_IsPlanned = false;
         restoreJacobian();
         return false;
     }

@@ -444,11 +444,6 @@ TEST(CoreVelocityControlTool, ZerosOfLimbsChangeNothing) {
         changed("signs of zeros", [&](Problem& p) {
             transform(p.jacobian[last], [](double x) { return x == 0.0 ? -0.0 : x; });
         });
-        changed("equal pivots", [&](Problem& p) {
-            for (unsigned i = 0; i < p.m; ++i) {
-                transform(p.jacobian[i], [](double x) { return x == 0.0 ? 0.0 : std::copysign(1.0, x); });
-            }
-        });
         for (unsigned step = 0; step < 6; ++step) { // the pivots of the step before hold, or don't
             changed("moved", [&](Problem& p) {
                 for (unsigned i = 0; i < p.m; ++i) {
@@ -457,13 +452,31 @@ TEST(CoreVelocityControlTool, ZerosOfLimbsChangeNothing) {
                 }
             });
         }
+        changed("last pivot", [](Problem& p) { p.jacobian[0][4] = 99.0; });
+        changed("equal pivots", [&](Problem& p) {
+            for (unsigned i = 0; i < p.m; ++i) {
+                transform(p.jacobian[i], [](double x) { return x == 0.0 ? 0.0 : std::copysign(1.0, x); });
+            }
+        });
         for (const unsigned k : {1u, 2u, 2u}) {
-            changed("metric with a corner", [&](Problem& p) {
+            changed("metric with a gap", [&](Problem& p) {
                 const NqReArray diagonal = p.metric;
                 p.metric.setToIdentity(p.n, p.n);
                 p.metric[p.n - 1][p.n - 1 - k] = diagonal[k][0];
+                p.metric[k][k] = 0.0;
             });
         }
+        changed("nothing", [](Problem&) {});
+        changed("one more", [&](Problem& p) { p.jacobian[0][p.n - 1] = 0.7; });
+        changed("nothing", [](Problem&) {});
+        changed("infinite pivot", [&](Problem& p) {
+            *std::ranges::max_element(p.jacobian[0], {}, [](double x) { return std::fabs(x); }) = infinity;
+        });
+        changed("infinite multiplier", [&](Problem& p) {
+            p.jacobian[0].assign(p.n, 0.0);
+            p.jacobian[0][0] = 1.0e-200;
+            p.jacobian[last][0] = 1.0e200;
+        });
         for (const double value : {infinity, -infinity, std::nan(""), 1.0e-310, 1.0e200, 1.0e308}) {
             changed("odd value", [&](Problem& p) { p.jacobian[round % p.m][0] = value; });
             changed("odd limb", [&](Problem& p) {

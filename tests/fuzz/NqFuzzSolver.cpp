@@ -12,6 +12,24 @@ unsigned about(NqFuzzInput& input, unsigned size) {
     return which == 0 ? size + 1 : which == 1 && size > 0 ? size - 1 : which == 2 ? 0 : size;
 }
 
+/// Limbs, each with rows of its own, or joints with weights of their own: mostly zeros.
+NqReArray ofBlocks(NqFuzzInput& input, unsigned rows, unsigned columns, bool isSane) {
+    NqReArray taken(rows, columns);
+    NqRandom random(input.byte());
+    const unsigned width = 1 + input.below(8), height = 1 + input.below(4);
+    const bool isEven = input.flag();
+    for (unsigned i = 0; i < rows; ++i) {
+        for (unsigned j = i / height * width; j < std::min((i / height + 1) * width, columns); ++j) {
+            taken[i][j] = isEven ? std::copysign(1.0, nqUniform(random)) : nqUniform(random);
+        }
+    }
+    for (unsigned edits = rows * columns > 0 ? input.below(4) : 0; edits > 0; --edits) {
+        const unsigned i = input.below(rows);
+        taken[i][input.below(columns)] = input.number(isSane);
+    }
+    return taken;
+}
+
 struct Answer {
     bool isGood = false;
     std::vector<double> rates{7.0, 8.0, 9.0}, nullSpaceRates{4.0, 5.0};
@@ -44,12 +62,23 @@ void checkSolution(const NqCoreVelocityControlTool& tool, const NqReArray& jacob
     }
 }
 
+/// Equal but for the sign of zeros; any NaN equals any other.
+bool sameValues(const std::vector<double>& a, const std::vector<double>& b) {
+    return std::ranges::equal(a, b,
+                              [](double x, double y) { return x == y || (std::isnan(x) && std::isnan(y)); });
+}
+
 void solve(NqCoreVelocityControlTool& tool, NqJacobianState& state, NqFuzzInput& input) {
     const bool isSane = input.flag();
-    const unsigned n = input.below(10), m = input.below(n + 2), rows = about(input, m);
-    const NqReArray jacobian = input.matrix(rows, about(input, n), isSane);
+    const unsigned size = input.byte();
+    const bool isLarge = size >= 160;
+    const unsigned n = isLarge ? 12 + size % 16 : size % 10, m = input.below(n + 2), rows = about(input, m);
+    const auto matrix = [&](unsigned height, unsigned width) {
+        return isLarge ? ofBlocks(input, height, width, isSane) : input.matrix(height, width, isSane);
+    };
+    const NqReArray jacobian = matrix(rows, about(input, n));
     const unsigned metricColumns = input.flag() ? 1 : about(input, n);
-    const NqReArray metric = input.matrix(about(input, n), metricColumns, isSane);
+    const NqReArray metric = matrix(about(input, n), metricColumns);
     const std::vector<double> gradient = input.numbers(about(input, n), isSane);
     const std::vector<double> velocity = input.numbers(about(input, m), isSane);
     const double alpha = input.number(isSane);
@@ -92,6 +121,14 @@ void solve(NqCoreVelocityControlTool& tool, NqJacobianState& state, NqFuzzInput&
                 nqSameBits(again.nullSpaceRates, answer.nullSpaceRates) &&
                 nqSameBits({again.determinant}, {answer.determinant}),
             "nothing depends on calls before");
+    if (isSparse && !isFactored) {
+        state.setUseSparseNullSpace(false);
+        const Answer dense = ask(fresh);
+        nqHolds(dense.isGood == answer.isGood && sameValues(dense.rates, answer.rates) &&
+                    sameValues(dense.nullSpaceRates, answer.nullSpaceRates) &&
+                    sameValues({dense.determinant}, {answer.determinant}),
+                "passing over zeros changes nothing");
+    }
     bool isDefinite = metric.size() >= n && metricColumns == 1; // other metrics can make a singular system
     for (unsigned j = 0; isDefinite && j < n; ++j) {
         isDefinite = metric[j][0] > 0.0;

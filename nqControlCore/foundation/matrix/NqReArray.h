@@ -252,9 +252,13 @@ private:
     bool fitsNullSpace(const char* operation, const NqReArray& basis, unsigned m) const;
     bool zerosHold(unsigned m, const std::vector<unsigned int>& zeroStart,
                    const std::vector<unsigned int>& zeroEnd) const;
+    struct Factored {
+        bool isRegular = true; ///< all pivots have finite reciprocals
+        bool isFinite = true;  ///< these and the rows are finite
+    };
     template <bool SkipZeros>
-    bool factorRows(unsigned m, std::vector<unsigned int>& indices,
-                    const std::vector<unsigned int>* zeroStart, const std::vector<unsigned int>* zeroEnd);
+    Factored factorRows(unsigned m, std::vector<unsigned int>& indices,
+                        const std::vector<unsigned int>* zeroStart, const std::vector<unsigned int>* zeroEnd);
     void findBasis(NqReArray& basis, unsigned m, const std::vector<unsigned int>& indices,
                    bool skipZeros) const;
 

@@ -78,21 +78,29 @@ bool NqReArray::fitsNullSpace(const char* operation, const NqReArray& basis, uns
     return fits || refuse(operation);
 }
 
-/// Factors the first m rows. False when a pivot has no finite reciprocal.
+/// Factors the first m rows. Where zeros aren't skipped, nothing is said of finiteness.
 template <bool SkipZeros>
-NQ_WIDE_ROWS bool NqReArray::factorRows(unsigned m, std::vector<unsigned int>& indices,
-                                        const std::vector<unsigned int>* zeroStart,
-                                        const std::vector<unsigned int>* zeroEnd) {
+NQ_WIDE_ROWS NqReArray::Factored NqReArray::factorRows(unsigned m, std::vector<unsigned int>& indices,
+                                                       const std::vector<unsigned int>* zeroStart,
+                                                       const std::vector<unsigned int>* zeroEnd) {
     const unsigned n = columns();
-    bool regular = true;
+    Factored factored;
     Gap gap{SkipZeros ? 0 : n, n};
     for (unsigned first = 0; first < m; first += PanelWidth) {
         Panel panel(first);
+        // Infinities and NaN spread, into known zeros too.
+        const auto expectFinite = [&](const double* begin, const double* end) {
+            if (!std::all_of(begin, end, [](double entry) { return std::isfinite(entry); })) {
+                factored.isFinite = false;
+                gap = {n, n};
+            }
+        };
         const auto eliminate = [&](double* row) {
             if constexpr (SkipZeros) {
                 double factors[PanelWidth];
                 panel.multipliers(row, factors);
-                if (!regular ||
+                expectFinite(factors, factors + panel.width);
+                if (!factored.isFinite ||
                     std::any_of(factors, factors + panel.width, [](double f) { return f != 0.0; })) {
                     const std::size_t begin = panel.first + panel.width;
                     NqRowOperations::addMultiples(row, factors, panel.rows, panel.width, begin, gap.begin);
@@ -121,10 +129,11 @@ NQ_WIDE_ROWS bool NqReArray::factorRows(unsigned m, std::vector<unsigned int>& i
             }
             indices[c] = p;
             panel.add(row);
-            if (!std::isfinite(1.0 / row[c])) {
-                // From here on infinities spread, into known zeros too.
-                regular = false;
-                gap = {n, n};
+            const double reciprocal = 1.0 / row[c];
+            factored.isRegular = factored.isRegular && std::isfinite(reciprocal);
+            if constexpr (SkipZeros) {
+                expectFinite(&reciprocal, &reciprocal + 1);
+                expectFinite(row + c, row + n);
             }
         }
         for (unsigned r = behind; r < m; ++r) {
@@ -132,7 +141,7 @@ NQ_WIDE_ROWS bool NqReArray::factorRows(unsigned m, std::vector<unsigned int>& i
         }
     }
     std::iota(indices.begin() + m, indices.end(), m);
-    return regular;
+    return factored;
 }
 
 /// The basis of the null space, from the factors that the first m rows hold.
@@ -182,9 +191,9 @@ bool NqReArray::nullSpace(NqReArray& basis, unsigned int m, std::vector<unsigned
         return false;
     }
     indices.resize(columns());
-    const bool regular = factorRows<false>(m, indices, nullptr, nullptr);
+    const Factored factored = factorRows<false>(m, indices, nullptr, nullptr);
     findBasis(basis, m, indices, false);
-    return regular;
+    return factored.isRegular;
 }
 
 bool NqReArray::nullSpaceSparse(NqReArray& basis, unsigned int m, std::vector<unsigned int>& indices,
@@ -197,9 +206,9 @@ bool NqReArray::nullSpaceSparse(NqReArray& basis, unsigned int m, std::vector<un
         return nullSpace(basis, m, indices);
     }
     indices.resize(columns());
-    const bool regular = factorRows<true>(m, indices, &zeroStart, &zeroEnd);
-    findBasis(basis, m, indices, regular);
-    return regular;
+    const Factored factored = factorRows<true>(m, indices, &zeroStart, &zeroEnd);
+    findBasis(basis, m, indices, factored.isFinite);
+    return factored.isRegular;
 }
 
 /// Whether the lists fit, and J is zero wherever nullSpaceSparse() makes use of it.

@@ -29,15 +29,23 @@ typedef double Group __attribute__((vector_size(PanelWidth * sizeof(double))));
 
 /// row[j] = 0, of rows that are mostly too short for a call.
 inline void setToZeros(double* row, std::size_t count) {
-    const Group zeros = {};
+    const auto setGroup = [row](std::size_t j) {
+        const Group zeros = {};
+        std::memcpy(row + j, &zeros, sizeof zeros);
+    };
     std::size_t j = 0;
     for (; j + 4 * PanelWidth <= count; j += 4 * PanelWidth) {
-        for (unsigned k = 0; k < 4; ++k) {
-            std::memcpy(row + j + k * PanelWidth, &zeros, sizeof zeros);
-        }
+        setGroup(j);
+        setGroup(j + PanelWidth);
+        setGroup(j + 2 * PanelWidth);
+        setGroup(j + 3 * PanelWidth);
     }
     for (; j + PanelWidth <= count; j += PanelWidth) {
-        std::memcpy(row + j, &zeros, sizeof zeros);
+        setGroup(j);
+    }
+    if (j < count && count > PanelWidth) {
+        setGroup(count - PanelWidth); // some of them once more
+        return;
     }
     for (; j < count; ++j) {
         row[j] = 0.0;

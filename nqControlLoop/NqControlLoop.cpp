@@ -14,6 +14,8 @@ constexpr double kRest = 0.01;
 /// The joints are at rest when they have been that slow for so long, s, and no faster from step to step.
 constexpr double kRestTime = 0.05;
 constexpr double kSpeedingUp = 1.01;
+/// s. Soft end-effectors alone come no nearer when what is left would take longer than this.
+constexpr double kHopeless = 1000.0;
 /// So many steps of that in a row are a beginning; fewer come from noise of what is measured.
 constexpr unsigned kBeginning = 8;
 /// Of joints that could make all that is left, if it weren't for their limits, rad or m.
@@ -714,12 +716,21 @@ void NqControlLoop::judge() {
         m_Status.kind = NqControlLoopStatus::Reached;
     } else if (m_Solver.lost() > 0 && m_Status.isAtRest) {
         judgeLostDirection();
+    } else if (m_Hard.rows == 0 && !m_IsGoing && m_Status.isAtRest && fastest * kHopeless < left) {
+        judgeSoftAtRest(hasLimits);
     } else if ((m_IsGoing || m_Solver.leaving() > 0.0) && hasLimits) {
         m_Status.kind = NqControlLoopStatus::Held;
     } else {
         const bool isLess = m_Solver.isSlowed() || m_Solver.leaving() > 0.0;
         m_Status.kind = isLess ? NqControlLoopStatus::Slowed : NqControlLoopStatus::Running;
     }
+}
+
+/// At rest with soft end-effectors alone, which balance each other, or what else keeps the joints.
+void NqControlLoop::judgeSoftAtRest(bool hasLimits) {
+    m_Status.endEffector =
+        m_Parts[static_cast<std::size_t>(std::ranges::max_element(m_Errors) - m_Errors.begin())].endEffector;
+    m_Status.kind = hasLimits ? NqControlLoopStatus::Held : NqControlLoopStatus::OutOfReach;
 }
 
 /// At rest, with directions that the joints can't make: which of these the command asks for.

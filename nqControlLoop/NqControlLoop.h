@@ -215,6 +215,7 @@ private:
     bool staysFinite() const;
     void judge();
     void judgeLostDirection();
+    void judgeSoftAtRest(bool hasLimits);
     bool excludeEachOther();
     bool isProbed() const;
     bool canComeNearer();

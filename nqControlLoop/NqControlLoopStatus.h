@@ -21,7 +21,8 @@ struct NqControlLoopStatus {
                        ///< can't move any more and are elsewhere
         Singular,      ///< the arm can't move `endEffector` along `direction`, and stands still
         OutOfReach,    ///< the same, and no way leads nearer from this posture: `distance` is the least
-                       ///< here, another posture may come nearer (NqPostureSearch)
+                       ///< here, another posture may come nearer (NqPostureSearch); or soft end-effectors
+                       ///< alone stand where they come no nearer, `endEffector` farthest off
         Contradictory, ///< the targets of `endEffector` and `other` exclude each other
         BadInput       ///< there was no step: something isn't finite, or validate() objects
     };

@@ -246,10 +246,10 @@ bool NqDriveRun::isMoving() const {
                        [](double rate) { return std::abs(rate) > kRest; });
 }
 
-/// Whether the arm has stood still for a while, away from its targets, and nothing will change that. Is so
+/// Whether the arm has stood still for a while, away from hard targets, and nothing will change that. Is so
 /// once in each place.
 bool NqDriveRun::isHeldAtRest() {
-    if (isMoving() || !m_Loop.status().isStuck()) {
+    if (m_Loop.rows() == 0 || isMoving() || !m_Loop.status().isStuck()) {
         m_RestTime = m_Loop.time();
         m_HasSearchedHere = false;
     }
@@ -439,6 +439,9 @@ std::string NqDriveRun::cause() const {
                inQuotes(m_Record.endEffectors[status.other].name) +
                " depend on each other, and their targets contradict each other";
     case NqControlLoopStatus::OutOfReach:
+        if (m_Loop.rows() == 0) {
+            break; // soft end-effectors balance each other
+        }
         return "the target is out of reach: the posture is singular, and nothing leads nearer" + inVain();
     default:
         break;

@@ -157,6 +157,25 @@ TEST(NqControlLoopStatus, NamesTheCause) {
     ASSERT_TRUE(nqMakesSteps(twice, 3000));
     EXPECT_EQ(twice.status().kind, Status::Reached) << "without damping";
 
+    // Soft ones alone stop where they come no nearer, and not before.
+    NqControlLoop soft(planar);
+    for (const char* name : {"tip", "other"}) {
+        NqPointEndEffector tip = nqOn("tip");
+        tip.setIsHardConstraint(false);
+        soft.addEndEffector(name, tip);
+    }
+    soft.setPositions({0.3, 0.8, 0.5});
+    const NqVector start = soft.placements()[0].translation();
+    for (const double apart : {0.0, 0.1}) {
+        soft.setTarget("tip", NqControlTarget::place(start + NqVector(-0.1, 0.05, 0.0)));
+        soft.setTarget("other", NqControlTarget::place(start + NqVector(-0.1 - apart, 0.05, 0.0)));
+        do {
+            ASSERT_TRUE(soft.step());
+        } while (soft.status().kind != Status::Reached && !soft.status().isStuck() && soft.time() < 60.0);
+        EXPECT_EQ(soft.status().kind, apart > 0.0 ? Status::OutOfReach : Status::Reached);
+        EXPECT_NEAR(soft.status().distance, 0.5 * apart, 1.0e-3);
+    }
+
     NqArm7Loop noisy;
     noisy.loop.setTarget("hand", NqControlTarget::place({1.0, 0.0, 0.5}));
     std::mt19937_64 random(3);

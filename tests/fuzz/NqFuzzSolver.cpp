@@ -62,12 +62,6 @@ void checkSolution(const NqCoreVelocityControlTool& tool, const NqReArray& jacob
     }
 }
 
-/// Equal but for the sign of zeros; any NaN equals any other.
-bool sameValues(const std::vector<double>& a, const std::vector<double>& b) {
-    return std::ranges::equal(a, b,
-                              [](double x, double y) { return x == y || (std::isnan(x) && std::isnan(y)); });
-}
-
 void solve(NqCoreVelocityControlTool& tool, NqJacobianState& state, NqFuzzInput& input) {
     const bool isSane = input.flag();
     const unsigned size = input.byte();
@@ -124,9 +118,9 @@ void solve(NqCoreVelocityControlTool& tool, NqJacobianState& state, NqFuzzInput&
     if (isSparse && !isFactored) {
         state.setUseSparseNullSpace(false);
         const Answer dense = ask(fresh);
-        nqHolds(dense.isGood == answer.isGood && sameValues(dense.rates, answer.rates) &&
-                    sameValues(dense.nullSpaceRates, answer.nullSpaceRates) &&
-                    sameValues({dense.determinant}, {answer.determinant}),
+        nqHolds(dense.isGood == answer.isGood && nqSameValues(dense.rates, answer.rates) &&
+                    nqSameValues(dense.nullSpaceRates, answer.nullSpaceRates) &&
+                    nqSameValues({dense.determinant}, {answer.determinant}),
                 "passing over zeros changes nothing");
     }
     bool isDefinite = metric.size() >= n && metricColumns == 1; // other metrics can make a singular system

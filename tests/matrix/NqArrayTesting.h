@@ -18,6 +18,12 @@ inline NqReArray nqArray(const std::vector<std::vector<double>>& rows) {
     return array;
 }
 
+/// Equal but for the sign of zeros; any NaN equals any other.
+inline bool nqSameValues(const std::vector<double>& a, const std::vector<double>& b) {
+    return std::ranges::equal(a, b,
+                              [](double x, double y) { return x == y || (std::isnan(x) && std::isnan(y)); });
+}
+
 inline std::vector<double> nqRandomVector(NqRandom& random, unsigned size) {
     std::vector<double> values(size);
     std::ranges::generate(values, [&] { return nqUniform(random); });

@@ -91,8 +91,7 @@ bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indice
     return true;
 }
 
-/// Finds the zeros of J. False where there are too few of them; that is judged anew when it may
-/// have changed.
+/// Finds the zeros of J. False where there are too few of them; that is judged anew when it may have changed.
 NQ_WIDE_ROWS bool NqSparseSystem::findZeros(const NqReArray& matrix) {
     ForEachRow<Mask> filled{};
     Mask news = 0, changes = 0;
@@ -175,7 +174,8 @@ inline void NqSparseSystem::planElimination(unsigned row) {
     m_Candidates[row] = filled & ~m_Settled;
 }
 
-/// Eliminates what a row has in settled columns. False when a multiplier isn't finite.
+/// Eliminates what a row has in settled columns; what stands there afterwards is of no use. False when a
+/// multiplier isn't finite.
 inline bool NqSparseSystem::eliminate(unsigned row) {
     double* const values = m_Rows[row];
     double check = 0.0; // NaN, if one isn't finite

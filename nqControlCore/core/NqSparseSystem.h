@@ -10,8 +10,9 @@ class NqReArray;
 /// The system of a control step where most elements of J are zero, as on a robot with several limbs: its
 /// factoring without the products that have a zero in them.
 ///
-/// What can differ from zero is known by a bit for each element, so that up to 64 columns are handled. Rows
-/// stay in the caller's column order until all are done; interchanges are only recorded. As each element gets
+/// What can differ from zero is known by a bit for each element, so that up to 64 columns are handled; what
+/// is to be done follows from it, and is kept from step to step while zeros and pivots stay. Rows stay in the
+/// caller's column order until all are done; interchanges are only recorded. As each element gets
 /// the terms that differ from zero in the order of the dense way, pivots and values are the same to the last
 /// bit, perhaps but for the sign of zeros. Where that can't be promised (an infinity or NaN anywhere, a row
 /// of zeros, a pivot without a finite reciprocal), the dense way has to be taken.
@@ -62,7 +63,7 @@ private:
     unsigned m_N = 0;
     unsigned m_M = 0;
     std::vector<double> m_Jacobian; ///< what isn't zero in J, row behind row
-    ForEachRow<double*> m_Rows;     ///< of A; what is settled when a row is done has left it
+    ForEachRow<double*> m_Rows;     ///< of A, but for columns that were settled before a row was done
 
     /// The plan: what can differ from zero, and so what is to be done, in the caller's columns. It stays
     /// while zeros and pivots do.

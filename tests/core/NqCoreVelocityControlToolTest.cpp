@@ -297,6 +297,7 @@ public:
 protected:
     bool prep(NqReArray& matrix, Indices& indices, unsigned m, unsigned n, const NqReArray&) override {
         ++preps;
+        indices.resize(m); // none of the others changes places
         return NqCoreVelocityControlTool::prep(matrix, indices, m, n, bRows);
     }
     bool prep(NqJacobianState* state, NqReArray& matrix, Indices& indices, unsigned m, unsigned,

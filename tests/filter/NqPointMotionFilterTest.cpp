@@ -69,6 +69,8 @@ TEST(NqPointMotionFilter, LimitsShortenWithoutTurning) {
     NqPlanarVector planar;
     ASSERT_TRUE(filter.filter2DVelocity({3.0, 4.0}, {}, 0.1, planar));
     EXPECT_NEAR((planar - NqPlanarVector(0.3, 0.4)).mag(), 0.0, 1e-15);
+    ASSERT_TRUE(filter.filter2DVelocity({3.0, 4.0}, {0.6, 0.8}, 0.1, planar));
+    EXPECT_NEAR((planar - NqPlanarVector(0.6, 0.8)).mag(), 0.0, 1e-15);
     ASSERT_TRUE(filter.filter3DVelocity(fast, {1.0, 0.0, 0.0}, 0.0, out)); // no time, no change
     EXPECT_NEAR((out - NqVector(1.0, 0.0, 0.0)).mag(), 0.0, 1e-140);
 }

@@ -21,6 +21,8 @@ TEST(ReArray, ShapesAndEntries) {
     EXPECT_EQ(array, nqArray({{1.0, 2.0, 3.0}, {0.0, 1.0, 6.0}}));
     Numbers column;
     EXPECT_TRUE(kWide.getColumn(1, column) && column == (Numbers{2.0, 5.0}));
+    EXPECT_TRUE(kWide.maximum() == 6.0 && kWide.minimum() == 1.0);
+    EXPECT_TRUE(std::isnan(nqArray({{1.0, NAN, 2.0}}).maximum()));
 }
 
 TEST(ReArray, SumsAndProducts) {

@@ -111,6 +111,8 @@ TEST(NqXmlMapType, FindsByKeyAndPosition) {
     EXPECT_TRUE(map.lookup(30, value) && map.indexKey(1, key) && map.keyIndex(10, index));
     EXPECT_TRUE(value == 5.0 && key == 30 && index == 0);
     EXPECT_TRUE(map.erase(10) && !map.keyIndex(10, index));
+    auto shapes = nqHolding<NqTestShapeMap>(std::tuple(NqTestText("a"), NqTestCircle()));
+    EXPECT_TRUE(!shapes.erase(NqTestText("b")) && shapes.erase(NqTestText("a")) && shapes.size() == 0);
 }
 
 } // namespace

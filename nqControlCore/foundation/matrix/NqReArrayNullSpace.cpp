@@ -89,8 +89,8 @@ NQ_WIDE_ROWS NqReArray::Factored NqReArray::factorRows(unsigned m, std::vector<u
     for (unsigned first = 0; first < m; first += PanelWidth) {
         Panel panel(first);
         // Infinities and NaN spread, into known zeros too.
-        const auto expectFinite = [&](const double* begin, const double* end) {
-            if (!std::all_of(begin, end, [](double entry) { return std::isfinite(entry); })) {
+        const auto expectFinite = [&](const double* numbers, std::size_t count) {
+            if (!NqRowOperations::areFinite(numbers, count)) {
                 factored.isFinite = false;
                 gap = {n, n};
             }
@@ -99,7 +99,7 @@ NQ_WIDE_ROWS NqReArray::Factored NqReArray::factorRows(unsigned m, std::vector<u
             if constexpr (SkipZeros) {
                 double factors[PanelWidth];
                 panel.multipliers(row, factors);
-                expectFinite(factors, factors + panel.width);
+                expectFinite(factors, panel.width);
                 if (!factored.isFinite ||
                     std::any_of(factors, factors + panel.width, [](double f) { return f != 0.0; })) {
                     const std::size_t begin = panel.first + panel.width;
@@ -132,8 +132,8 @@ NQ_WIDE_ROWS NqReArray::Factored NqReArray::factorRows(unsigned m, std::vector<u
             const double reciprocal = 1.0 / row[c];
             factored.isRegular = factored.isRegular && std::isfinite(reciprocal);
             if constexpr (SkipZeros) {
-                expectFinite(&reciprocal, &reciprocal + 1);
-                expectFinite(row + c, row + n);
+                expectFinite(&reciprocal, 1);
+                expectFinite(row + c, n - c);
             }
         }
         for (unsigned r = behind; r < m; ++r) {

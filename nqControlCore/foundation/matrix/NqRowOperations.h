@@ -100,6 +100,22 @@ inline void copy(double* to, const double* from, std::size_t count) {
     }
 }
 
+/// Whether all numbers are finite.
+inline bool areFinite(const double* row, std::size_t count) {
+    Group group = {}; // NaN, where one isn't
+    std::size_t j = 0;
+    for (; j + PanelWidth <= count; j += PanelWidth) {
+        Group numbers;
+        std::memcpy(&numbers, row + j, sizeof numbers);
+        group += numbers * 0.0;
+    }
+    double check = group[0] + group[1] + group[2] + group[3];
+    for (; j < count; ++j) {
+        check += row[j] * 0.0;
+    }
+    return check == 0.0;
+}
+
 /// y[j] += factor x[j].
 inline void addMultiple(double* __restrict y, double factor, const double* __restrict x, std::size_t count) {
     for (std::size_t j = 0; j < count; ++j) {

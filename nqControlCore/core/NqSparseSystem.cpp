@@ -91,17 +91,16 @@ bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indice
     return true;
 }
 
-/// Finds the zeros of J. False where there are too few of them; that is judged anew when it may have changed.
+/// Finds the zeros of J. False where there are too few of them.
 NQ_WIDE_ROWS bool NqSparseSystem::findZeros(const NqReArray& matrix) {
     ForEachRow<Mask> filled{};
-    Mask news = 0, changes = 0;
+    Mask changes = 0;
     for (unsigned r = 0; r < m_M; ++r) {
         const double* const row = matrix[r].data();
         filled[r] = NqRowMask::filled(row, m_N);
-        news |= filled[r] & ~m_Reached[r];
         changes |= filled[r] ^ m_Reached[r];
     }
-    if (m_IsWorthIt ? news != 0 : changes != 0) {
+    if (changes != 0) {
         m_Reached = filled;
         m_IsWorthIt = fillsFew();
         m_IsPlanned = false;

@@ -67,7 +67,7 @@ private:
 
     /// The plan: what can differ from zero, and so what is to be done, in the caller's columns. It stays
     /// while zeros and pivots do.
-    ForEachRow<Mask> m_Reached{};      ///< of J where it wasn't zero when that was judged, and of (W N)^T
+    ForEachRow<Mask> m_Reached{};      ///< of J and of (W N)^T
     bool m_IsWorthIt = false;          ///< whether these are few enough elements of J
     bool m_IsPlanned = false;          ///< whether what follows goes as in the step before
     ForEachRow<Mask> m_Eliminated;     ///< the steps that eliminate a row, so that L isn't zero there

@@ -49,6 +49,7 @@ NqSolverContest NqSolverContest::of(const NqBenchmarkCase& benchmarkCase) {
     NqSolverContest contest("solver alone, Jacobians of " + benchmarkCase.title(), std::move(jacobians));
     contest.m_KnownZeros = std::make_shared<NqJacobianState>();
     contest.m_KnownZeros->setUseSparseNullSpace(true);
+    contest.m_KnownZeros->setSparsity(own.sparsity());
     return contest;
 }
 

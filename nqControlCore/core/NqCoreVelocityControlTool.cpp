@@ -52,6 +52,12 @@ void swapColumns(NqReArray& matrix, unsigned first, unsigned second, unsigned ro
     }
 }
 
+NQ_WIDE_ROWS void copyRows(const NqReArray& source, unsigned rows, unsigned columns, NqReArray& target) {
+    for (unsigned i = 0; i < rows; ++i) {
+        NqRowOperations::copy(target[i].data(), source[i].data(), columns);
+    }
+}
+
 /// target[i] += sum over k of factors[k] rows[k][i], in rising k.
 NQ_WIDE_ROWS void addRows(const NqReArray& rows, const double* factors, unsigned count, double* target,
                           std::size_t length) {
@@ -288,10 +294,8 @@ bool NqCoreVelocityControlTool::calcJointRates(NqJacobianState* jacobianState, c
     resize();
     for (unsigned i = 0; i < m_N; ++i) {
         m_PrimaryMatrix[i].resize(m_N); // one from outside may be ragged
-        if (i < m_M) {
-            NqRowOperations::copy(m_PrimaryMatrix[i].data(), jacobian[i].data(), m_N);
-        }
     }
+    copyRows(jacobian, m_M, m_N, m_PrimaryMatrix);
     if (!prep(jacobianState, m_PrimaryMatrix, m_Indices, m_M, m_WeightFlag ? 1u : 0u, metric, m_NullSpace,
               m_WeightedNullSpace)) {
         return false;
@@ -443,8 +447,8 @@ bool NqCoreVelocityControlTool::prep(NqJacobianState* jacobianState, NqReArray& 
             *m_SparseSystem = std::make_shared<NqSparseSystem>();
         }
         *m_PassOverZeros = (*m_SparseSystem)
-                               ->factor(primaryMatrix, indices, m, weightFlag == 1 ? &metric : nullptr,
-                                        nullSpace, weightedNullSpace);
+                               ->factor(primaryMatrix, indices, m, jacobianState->sparsityMasks(),
+                                        weightFlag == 1 ? &metric : nullptr, nullSpace, weightedNullSpace);
         if (*m_PassOverZeros) {
             return true;
         }

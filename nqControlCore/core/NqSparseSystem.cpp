@@ -7,6 +7,7 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
+#include <memory>
 #include <numeric>
 #include <utility>
 
@@ -21,6 +22,8 @@ using NqRowOperations::PanelWidth;
 using NqRowOperations::setToZeros;
 using NqRowOperations::store;
 
+typedef std::int64_t MaskGroup __attribute__((vector_size(PanelWidth * sizeof(std::int64_t))));
+
 /// What has fewer columns is solved before its zeros are found.
 constexpr unsigned kLeastColumns = 12;
 /// What an element costs here, in that of the dense way.
@@ -34,94 +37,104 @@ constexpr double kNoWeight = 0.0;
 
 } // namespace
 
-inline NqSparseSystem::Span NqSparseSystem::spanOf(Mask filled, unsigned n) {
+/// Where the groups begin that columns lie in.
+inline NqSparseSystem::Mask NqSparseSystem::groupsOf(Mask columns) {
     constexpr Mask kStarts = 0x1111111111111111;
-    const unsigned whole = n / PanelWidth * PanelWidth;
-    const Mask inGroups = whole == 0 ? 0 : ~Mask{0} >> (NqRowMask::Places - whole);
-    Mask groups = filled & inGroups;
-    groups |= groups >> 1;
-    return {(groups | groups >> 2) & kStarts, filled & ~inGroups};
+    columns |= columns >> 1;
+    return (columns | columns >> 2) & kStarts;
 }
 
-/// to[j] += factor from[j].
-inline void NqSparseSystem::addMultiple(double* to, double factor, const double* from, const Span& span) {
-    NqRowMask::forEach(span.groups, [&](unsigned j) {
+/// The groups of a row of n elements, and those behind the last whole one.
+inline NqSparseSystem::Span NqSparseSystem::spanOf(Mask columns, unsigned n) {
+    const unsigned whole = n / PanelWidth * PanelWidth;
+    const Mask inGroups = whole == 0 ? 0 : ~Mask{0} >> (NqRowMask::Places - whole);
+    return {groupsOf(columns & inGroups), columns & ~inGroups};
+}
+
+/// to[j] += factor from[j], in whole groups.
+inline void NqSparseSystem::addMultiple(double* to, double factor, const double* from, Mask groups) {
+    NqRowMask::forEach(groups, [&](unsigned j) {
         Group x, y;
         std::memcpy(&x, from + j, sizeof x);
         std::memcpy(&y, to + j, sizeof y);
         y += factor * x;
         std::memcpy(to + j, &y, sizeof y);
     });
+}
+
+/// to[j] += factor from[j].
+inline void NqSparseSystem::addMultiple(double* to, double factor, const double* from, const Span& span) {
+    addMultiple(to, factor, from, span.groups);
     NqRowMask::forEach(span.rest, [&](unsigned j) { to[j] += factor * from[j]; });
 }
 
 bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indices, unsigned m,
-                            const NqReArray* metric, NqReArray& nullSpace, NqReArray& weightedNullSpace) {
+                            const std::vector<Mask>& sparsity, const NqReArray* metric, NqReArray& nullSpace,
+                            NqReArray& weightedNullSpace) {
     if (m_N != matrix.columns() || m_M != m) {
         m_N = matrix.columns();
         m_M = m;
-        m_Jacobian.resize(m_M * m_N);
         m_Multipliers.resize(m_N * m_N / 2);
+        makeRoom();
         m_Reached.fill(0);
         m_IsWorthIt = false;
     }
-    if (m_N < kLeastColumns || m_N > NqRowMask::Places || !findZeros(matrix) || !findWeights(metric)) {
+    if (m_N < kLeastColumns || m_N > NqRowMask::Places || !findZeros(matrix, sparsity) ||
+        !findWeights(metric)) {
         return false;
     }
-    for (unsigned r = 0; r < m_N; ++r) {
-        m_Rows[r] = matrix[r].data();
-    }
-    keepJacobian();
     m_NextMultiplier = m_Multipliers.data();
     m_Settled = 0;
     std::iota(m_Order.begin(), m_Order.begin() + m_N, 0u);
     m_Place = m_Order;
-    bool isRegular = factorRows(0, m_M) && findBasis(nullSpace);
+    bool isRegular = factorRows(0, m_M, matrix) && findBasis(nullSpace);
     if (isRegular) {
         weightBasis(nullSpace, weightedNullSpace);
-        isRegular = factorRows(m_M, m_N);
+        isRegular = factorRows(m_M, m_N, weightedNullSpace);
     }
     if (!isRegular) {
-        restoreJacobian();
         return false;
     }
-    permuteRows();
-    m_IsPlanned = true;
+    permuteRows(matrix);
+    if (!m_IsPlanned) {
+        planPairs();
+        m_IsPlanned = true;
+    }
     std::copy_n(m_Indices.begin(), m_N, indices.begin());
     return true;
 }
 
-/// Finds the zeros of J. False where there are too few of them.
-NQ_WIDE_ROWS bool NqSparseSystem::findZeros(const NqReArray& matrix) {
-    ForEachRow<Mask> filled{};
+/// Room for all rows, in groups that lie within cache lines. Before it there is so much that a row's first
+/// columns, which it needn't have room for, would still lie in it.
+void NqSparseSystem::makeRoom() {
+    constexpr std::size_t kLine = 64 / sizeof(double);
+    const std::size_t rows = m_N <= NqRowMask::Places ? m_N : 0;
+    m_Elements.assign(NqRowMask::Places + kLine + rows * (rows + PanelWidth), 0.0);
+    void* begin = m_Elements.data() + NqRowMask::Places;
+    std::size_t space = (m_Elements.size() - NqRowMask::Places) * sizeof(double);
+    m_Begin = static_cast<double*>(std::align(kLine * sizeof(double), sizeof(double), begin, space));
+}
+
+/// Finds the zeros of J: those that are known, unless there is something else among them. False where
+/// there are too few.
+NQ_WIDE_ROWS bool NqSparseSystem::findZeros(const NqReArray& matrix, const std::vector<Mask>& sparsity) {
+    ForEachRow<Mask> filled;
+    Mask others = sparsity.size() == m_M ? 0 : ~Mask{0};
+    for (unsigned r = 0; r < m_M; ++r) {
+        filled[r] = NqRowMask::filled(matrix[r].data(), m_N);
+        others |= others == 0 ? filled[r] & ~sparsity[r] : 0;
+    }
     Mask changes = 0;
     for (unsigned r = 0; r < m_M; ++r) {
-        const double* const row = matrix[r].data();
-        filled[r] = NqRowMask::filled(row, m_N);
+        filled[r] = others == 0 ? sparsity[r] & ~Mask{0} >> (NqRowMask::Places - m_N) : filled[r];
         changes |= filled[r] ^ m_Reached[r];
     }
     if (changes != 0) {
-        m_Reached = filled;
+        std::copy_n(filled.begin(), m_M, m_Reached.begin());
         m_IsWorthIt = fillsFew();
         m_IsPlanned = false;
     }
     return m_IsWorthIt;
-}
-
-/// Keeps what isn't zero in J.
-NQ_WIDE_ROWS void NqSparseSystem::keepJacobian() {
-    double* next = m_Jacobian.data();
-    for (unsigned r = 0; r < m_M; ++r) {
-        NqRowMask::forEach(m_Reached[r], [&](unsigned column) { *next++ = m_Rows[r][column]; });
-    }
-}
-
-void NqSparseSystem::restoreJacobian() {
-    const double* next = m_Jacobian.data();
-    for (unsigned r = 0; r < m_M; ++r) {
-        setToZeros(m_Rows[r], m_N);
-        NqRowMask::forEach(m_Reached[r], [&](unsigned column) { m_Rows[r][column] = *next++; });
-    }
 }
 
 /// Whether the rows of J stay short when each takes in all columns of those before that it has one in common
@@ -147,21 +160,64 @@ inline NqSparseSystem::Mask NqSparseSystem::stepsOf(Mask columns) const {
     return steps;
 }
 
-NQ_WIDE_ROWS bool NqSparseSystem::factorRows(unsigned begin, unsigned end) {
+/// Factors rows that `source` has, those below J as its columns.
+NQ_WIDE_ROWS bool NqSparseSystem::factorRows(unsigned begin, unsigned end, const NqReArray& source) {
+    Mask done = 0; // steps of this row, together with the one before
     for (unsigned row = begin; row < end; ++row) {
-        if (!m_IsPlanned) {
-            planElimination(row);
-        }
-        if (!eliminate(row) || !settle(row)) {
+        if (!m_IsPlanned && !planElimination(row)) {
             return false;
+        }
+        if (done == 0) {
+            take(row, source);
+        }
+        const Mask together = m_IsPlanned ? m_Together[row] : 0;
+        if (together != 0) {
+            take(row + 1, source);
+        }
+        const bool isFinite =
+            together != 0 ? eliminatePair(row, together) : eliminate(row, m_Eliminated[row] & ~done);
+        if (!isFinite || !settle(row)) {
+            return false;
+        }
+        done = together;
+        if (done != 0 && !m_IsPlanned) { // another pivot: the next row begins once more
+            m_NextMultiplier -= std::popcount(done);
+            done = 0;
         }
     }
     return true;
 }
 
-/// Finds the steps that eliminate what a row has in settled columns, and what that leaves of it.
-inline void NqSparseSystem::planElimination(unsigned row) {
+/// Takes a row of J, or one below it, which is a column there.
+inline void NqSparseSystem::take(unsigned row, const NqReArray& source) {
+    double* const values = m_Rows[row];
+    if (row < m_M) {
+        const double* const elements = source[row].data();
+        NqRowMask::forEach(m_Groups[row], [&](unsigned j) {
+            Group group = {};
+            if (j + PanelWidth <= m_N) {
+                std::memcpy(&group, elements + j, sizeof group);
+            } else {
+                std::copy_n(elements + j, m_N - j, &group[0]);
+            }
+            std::memcpy(values + j, &group, sizeof group);
+        });
+        return;
+    }
+    NqRowMask::forEach(m_Groups[row], [&](unsigned j) {
+        const Group zeros = {};
+        std::memcpy(values + j, &zeros, sizeof zeros);
+    });
+    NqRowMask::forEach(m_Reached[row], [&](unsigned j) { values[j] = source[j][row - m_M]; });
+}
+
+/// Finds the steps that eliminate what a row has in settled columns, and what that leaves of it; gives it
+/// room from its first group to its last. False for a row of zeros.
+inline bool NqSparseSystem::planElimination(unsigned row) {
     Mask filled = m_Reached[row];
+    if (filled == 0) {
+        return false;
+    }
     Mask steps = stepsOf(filled);
     m_Eliminated[row] = 0;
     while (steps != 0) {
@@ -171,19 +227,64 @@ inline void NqSparseSystem::planElimination(unsigned row) {
         filled |= m_Filled[k];
     }
     m_Candidates[row] = filled & ~m_Settled;
+    m_Groups[row] = groupsOf(filled);
+    double* const room = row == 0 ? m_Begin : m_Ends[row - 1];
+    m_Rows[row] = room - std::countr_zero(m_Groups[row]);
+    m_Ends[row] = m_Rows[row] + std::bit_width(m_Groups[row]) - 1 + PanelWidth;
+    return true;
 }
 
-/// Eliminates what a row has in settled columns; what stands there afterwards is of no use. False when a
-/// multiplier isn't finite.
-inline bool NqSparseSystem::eliminate(unsigned row) {
+/// Finds the rows that go with the next one, as the same steps eliminate it, but for the row itself.
+void NqSparseSystem::planPairs() {
+    Mask done = 0;
+    for (unsigned row = 0; row < m_N; ++row) {
+        const Mask steps = m_Eliminated[row] & ~done;
+        const bool hasNext = row + 1 != m_M && row + 1 != m_N;
+        m_Together[row] = hasNext && steps == (m_Eliminated[row + 1] & ~bit(row)) ? steps : 0;
+        done = m_Together[row];
+    }
+}
+
+/// Eliminates what a row has in columns that were settled in these steps; what stands there afterwards is of
+/// no use. False when a multiplier isn't finite.
+inline bool NqSparseSystem::eliminate(unsigned row, Mask steps) {
     double* const values = m_Rows[row];
     double check = 0.0; // NaN, if one isn't finite
-    NqRowMask::forEach(m_Eliminated[row], [&](unsigned k) {
-        const double multiplier = values[m_Order[k]] * m_Reciprocal[k];
+    NqRowMask::forEach(steps, [&](unsigned k) {
+        const double multiplier = values[m_Columns[k]] * m_Reciprocal[k];
         check += multiplier * 0.0;
         *m_NextMultiplier++ = multiplier;
-        addMultiple(values, -multiplier, m_Rows[k], m_Spans[k]);
+        addMultiple(values, -multiplier, m_Rows[k], m_PivotGroups[k]);
     });
+    return check == 0.0;
+}
+
+/// The same for a row and the next one, as each step of one row has to wait for the step before.
+inline bool NqSparseSystem::eliminatePair(unsigned row, Mask steps) {
+    double* const first = m_Rows[row];
+    double* const second = m_Rows[row + 1];
+    const int count = std::popcount(steps);
+    double check = 0.0; // NaN, if one isn't finite
+    NqRowMask::forEach(steps, [&](unsigned k) {
+        const unsigned column = m_Columns[k];
+        const double multiplier = first[column] * m_Reciprocal[k];
+        const double next = second[column] * m_Reciprocal[k];
+        check += multiplier * 0.0 + next * 0.0;
+        m_NextMultiplier[count] = next;
+        *m_NextMultiplier++ = multiplier;
+        const double* const pivots = m_Rows[k];
+        NqRowMask::forEach(m_PivotGroups[k], [&](unsigned j) {
+            Group x, y, z;
+            std::memcpy(&x, pivots + j, sizeof x);
+            std::memcpy(&y, first + j, sizeof y);
+            std::memcpy(&z, second + j, sizeof z);
+            y += -multiplier * x;
+            z += -next * x;
+            std::memcpy(first + j, &y, sizeof y);
+            std::memcpy(second + j, &z, sizeof z);
+        });
+    });
+    m_NextMultiplier += count;
     return check == 0.0;
 }
 
@@ -199,7 +300,7 @@ inline bool NqSparseSystem::settle(unsigned row) {
             m_IsPlanned = false; // from here on
             m_Columns[row] = column;
             m_Filled[row] = m_Candidates[row] & ~bit(column);
-            m_Spans[row] = spanOf(m_Filled[row], m_N);
+            m_PivotGroups[row] = groupsOf(m_Filled[row]);
         }
     }
     const unsigned column = m_Columns[row];
@@ -219,10 +320,16 @@ inline bool NqSparseSystem::settle(unsigned row) {
 inline bool NqSparseSystem::isLargestStill(unsigned row) const {
     const double* const values = m_Rows[row];
     const double largest = std::abs(values[m_Columns[row]]);
-    unsigned others = 0;
-    NqRowMask::forEach(m_Filled[row],
-                       [&](unsigned column) { others += std::abs(values[column]) < largest ? 0 : 1; });
-    return others == 0 && std::isfinite(largest);
+    MaskGroup others = {};
+    NqRowMask::forEach(m_PivotGroups[row], [&](unsigned j) {
+        Group group;
+        MaskGroup columns;
+        std::memcpy(&group, values + j, sizeof group);
+        std::memcpy(&columns, NqRowMask::Bits.data() + j, sizeof columns);
+        others |= columns & ~((group < largest) & (group > -largest));
+    });
+    return (static_cast<Mask>(others[0] | others[1] | others[2] | others[3]) & m_Filled[row]) == 0 &&
+           std::isfinite(largest);
 }
 
 /// The column of a row's largest element, of equal ones of that at the first place; that behind the last one
@@ -312,14 +419,20 @@ NQ_WIDE_ROWS bool NqSparseSystem::findWeights(const NqReArray* metric) {
     m_IsDiagonal = columns == 1;
     unsigned count = 0;
     double check = 0.0; // NaN, if one isn't finite
-    for (unsigned j = 0; j < m_N; ++j) {
-        const unsigned length = j < rows ? std::min(columns, static_cast<unsigned>((*metric)[j].size())) : 0;
-        m_Weights[j] = length > 0 ? (*metric)[j].data() : metric ? &kNoWeight : &kWeightless;
-        if (m_IsDiagonal) {
-            check += *m_Weights[j] * 0.0;
-            continue;
+    if (m_IsDiagonal) {
+        std::fill_n(m_Diagonal.begin(), m_N, metric ? kNoWeight : kWeightless);
+        for (unsigned j = 0; j < rows; ++j) {
+            const std::vector<double>& row = (*metric)[j];
+            m_Diagonal[j] = row.empty() ? kNoWeight : row.front();
+            check += m_Diagonal[j] * 0.0;
         }
-        const Mask filled = NqRowMask::filled(m_Weights[j], std::min(m_N, length));
+        return check == 0.0;
+    }
+    for (unsigned j = 0; j < m_N; ++j) {
+        const std::vector<double>* const row = j < rows ? &(*metric)[j] : nullptr;
+        m_Weights[j] = row ? row->data() : nullptr;
+        const std::size_t length = row ? std::min<std::size_t>(std::min(columns, m_N), row->size()) : 0;
+        const Mask filled = NqRowMask::filled(m_Weights[j], static_cast<unsigned>(length));
         NqRowMask::forEach(filled, [&](unsigned k) { check += m_Weights[j][k] * 0.0; });
         m_IsPlanned = m_IsPlanned && filled == m_WeightsFilled[j];
         m_WeightsFilled[j] = filled;
@@ -333,9 +446,6 @@ NQ_WIDE_ROWS void NqSparseSystem::weightBasis(const NqReArray& nullSpace, NqReAr
     if (!m_IsPlanned) {
         planWeightedBasis();
     }
-    for (unsigned r = m_M; r < m_N; ++r) {
-        setToZeros(m_Rows[r], m_N);
-    }
     const unsigned dimension = m_N - m_M;
     for (unsigned j = 0; j < m_N; ++j) {
         double* const weighted = weightedNullSpace[j].data();
@@ -343,13 +453,12 @@ NQ_WIDE_ROWS void NqSparseSystem::weightBasis(const NqReArray& nullSpace, NqReAr
         if (m_IsDiagonal) {
             const double* const basis = nullSpace[j].data();
             NqRowMask::forEach(m_WeightedFilled[j],
-                               [&](unsigned i) { weighted[i] = basis[i] * *m_Weights[j]; });
+                               [&](unsigned i) { weighted[i] = basis[i] * m_Diagonal[j]; });
         } else {
             NqRowMask::forEach(m_WeightsFilled[j], [&](unsigned k) {
                 addMultiple(weighted, m_Weights[j][k], nullSpace[k].data(), m_BasisSpans[k]);
             });
         }
-        NqRowMask::forEach(m_WeightedFilled[j], [&](unsigned i) { m_Rows[m_M + i][j] = weighted[i]; });
     }
 }
 
@@ -366,23 +475,20 @@ void NqSparseSystem::planWeightedBasis() {
     }
 }
 
-/// Puts the rows into the order of the factors.
-NQ_WIDE_ROWS void NqSparseSystem::permuteRows() {
+/// Gives the matrix the factors, with their columns in order.
+NQ_WIDE_ROWS void NqSparseSystem::permuteRows(NqReArray& matrix) {
     const double* multiplier = m_Multipliers.data();
     for (unsigned r = 0; r < m_N; ++r) {
         if (!m_IsPlanned) {
             m_Upper[r] = 0;
             NqRowMask::forEach(m_Filled[r], [&](unsigned column) { m_Upper[r] |= bit(m_Place[column]); });
         }
-        double* const row = m_Rows[r];
-        double values[NqRowMask::Places];
-        double* next = values;
-        NqRowMask::forEach(m_Upper[r], [&](unsigned place) { *next++ = row[m_Order[place]]; });
-        setToZeros(row, m_N);
-        NqRowMask::forEach(m_Eliminated[r], [&](unsigned place) { row[place] = *multiplier++; });
-        row[r] = m_Pivot[r];
-        next = values;
-        NqRowMask::forEach(m_Upper[r], [&](unsigned place) { row[place] = *next++; });
+        const double* const row = m_Rows[r];
+        double* const factors = matrix[r].data();
+        setToZeros(factors, m_N);
+        NqRowMask::forEach(m_Eliminated[r], [&](unsigned place) { factors[place] = *multiplier++; });
+        factors[r] = m_Pivot[r];
+        NqRowMask::forEach(m_Filled[r], [&](unsigned column) { factors[m_Place[column]] = row[column]; });
     }
 }
 

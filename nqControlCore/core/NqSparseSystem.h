@@ -22,8 +22,9 @@ public:
     /// rows below J: what NqCoreVelocityControlTool::prep() does, on arrays that have their sizes. A metric
     /// that is null weights nothing. False where that isn't possible, or J has too few zeros; J is then as it
     /// was.
-    bool factor(NqReArray& matrix, std::vector<unsigned int>& indices, unsigned m, const NqReArray* metric,
-                NqReArray& nullSpace, NqReArray& weightedNullSpace);
+    bool factor(NqReArray& matrix, std::vector<unsigned int>& indices, unsigned m,
+                const std::vector<NqRowMask::Mask>& sparsity, const NqReArray* metric, NqReArray& nullSpace,
+                NqReArray& weightedNullSpace);
 
     /// Solves with these factors for two right-hand sides side by side. False where the result has an
     /// infinity or a NaN, which zeros would have spread.
@@ -39,17 +40,21 @@ private:
         Mask groups;
         Mask rest;
     };
-    static Span spanOf(Mask filled, unsigned n);
+    static Mask groupsOf(Mask columns);
+    static Span spanOf(Mask columns, unsigned n);
+    static void addMultiple(double* to, double factor, const double* from, Mask groups);
     static void addMultiple(double* to, double factor, const double* from, const Span& span);
 
-    bool findZeros(const NqReArray& matrix);
+    void makeRoom();
+    bool findZeros(const NqReArray& matrix, const std::vector<Mask>& sparsity);
     bool fillsFew() const;
-    void keepJacobian();
-    void restoreJacobian();
     bool findWeights(const NqReArray* metric);
-    bool factorRows(unsigned begin, unsigned end);
-    void planElimination(unsigned row);
-    bool eliminate(unsigned row);
+    bool factorRows(unsigned begin, unsigned end, const NqReArray& source);
+    void take(unsigned row, const NqReArray& source);
+    bool planElimination(unsigned row);
+    void planPairs();
+    bool eliminate(unsigned row, Mask steps);
+    bool eliminatePair(unsigned row, Mask steps);
     bool settle(unsigned row);
     bool isLargestStill(unsigned row) const;
     unsigned findLargest(unsigned row) const;
@@ -58,12 +63,13 @@ private:
     void weightBasis(const NqReArray& nullSpace, NqReArray& weightedNullSpace);
     void planWeightedBasis();
     Mask stepsOf(Mask columns) const;
-    void permuteRows();
+    void permuteRows(NqReArray& matrix);
 
     unsigned m_N = 0;
     unsigned m_M = 0;
-    std::vector<double> m_Jacobian; ///< what isn't zero in J, row behind row
-    ForEachRow<double*> m_Rows;     ///< of A, but for columns that were settled before a row was done
+    std::vector<double> m_Elements;
+    double* m_Begin = nullptr;  ///< where room for rows begins
+    ForEachRow<double*> m_Rows; ///< of A, but for columns that were settled before a row was done
 
     /// The plan: what can differ from zero, and so what is to be done, in the caller's columns. It stays
     /// while zeros and pivots do.
@@ -71,10 +77,13 @@ private:
     bool m_IsWorthIt = false;          ///< whether these are few enough elements of J
     bool m_IsPlanned = false;          ///< whether what follows goes as in the step before
     ForEachRow<Mask> m_Eliminated;     ///< the steps that eliminate a row, so that L isn't zero there
+    ForEachRow<Mask> m_Together;       ///< those that the next row goes through at once
     ForEachRow<Mask> m_Candidates;     ///< what they leave of it, of which the pivot is taken
+    ForEachRow<Mask> m_Groups;         ///< where the groups begin that it reaches at all
+    ForEachRow<double*> m_Ends;        ///< of the room that it has
     ForEachRow<unsigned> m_Columns;    ///< the column of that,
     ForEachRow<Mask> m_Filled;         ///< and what is left beside it,
-    ForEachRow<Span> m_Spans;          ///< as a span,
+    ForEachRow<Mask> m_PivotGroups;    ///< by where groups begin,
     ForEachRow<Mask> m_Upper;          ///< and as places of U
     ForEachRow<Mask> m_BasisSteps;     ///< the rows of N, by their steps, that one of U11 needs
     ForEachRow<Mask> m_BasisFilled;    ///< columns of N, for each joint
@@ -83,7 +92,8 @@ private:
     ForEachRow<Mask> m_WeightedFilled; ///< columns of W N, for each joint
     bool m_IsDiagonal = true;          ///< whether the metric has one weight for each joint
 
-    ForEachRow<const double*> m_Weights; ///< of each joint: one, or those of a row of the metric
+    ForEachRow<double> m_Diagonal;       ///< the weight of each joint,
+    ForEachRow<const double*> m_Weights; ///< or its row of a full metric
     ForEachRow<double> m_Pivot;          ///< the diagonal of U
     ForEachRow<double> m_Reciprocal;     ///< 1.0 / pivot
     std::vector<double> m_Multipliers;   ///< row behind row, by rising steps

@@ -82,8 +82,9 @@ void solve(NqCoreVelocityControlTool& tool, NqJacobianState& state, NqFuzzInput&
     if (isSparse) {
         std::vector<std::vector<bool>> bits(jacobian.size());
         for (unsigned i = 0; i < bits.size(); ++i) {
-            for (const double element : jacobian[i]) {
-                bits[i].push_back(element != 0.0);
+            for (unsigned j = 0; j < jacobian[i].size(); ++j) {
+                const bool isWrong = size % 8 == 0 && (i + j) % 7 == 0; // in either direction
+                bits[i].push_back((jacobian[i][j] != 0.0) != isWrong || (size % 4 == 1 && j % 4 == i % 4));
             }
         }
         state.setSparsity(bits);

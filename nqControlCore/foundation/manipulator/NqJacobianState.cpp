@@ -1,5 +1,6 @@
 #include <nqControlCore/foundation/manipulator/NqJacobianState.h>
 
+#include <nqControlCore/foundation/matrix/NqRowMask.h>
 #include <nqControlCore/foundation/text/NqPrint.h>
 
 #include <algorithm>
@@ -31,5 +32,17 @@ bool NqJacobianState::setJacobian(const NqReArray& jacobian) {
 }
 
 bool NqJacobianState::setSparsity(const std::vector<std::vector<bool>>& sparsity) {
-    return NqReArray::calculateZeroStartIndices(sparsity, m_SparsityIndicesFirst, m_SparsityIndicesSecond);
+    if (!NqReArray::calculateZeroStartIndices(sparsity, m_SparsityIndicesFirst, m_SparsityIndicesSecond)) {
+        return false;
+    }
+    const bool fits = !sparsity.empty() && sparsity.front().size() <= NqRowMask::Places;
+    m_SparsityMasks.resize(fits ? sparsity.size() : 0);
+    for (std::size_t i = 0; i < m_SparsityMasks.size(); ++i) {
+        NqRowMask::Mask mask = 0;
+        for (unsigned j = 0; j < sparsity[i].size(); ++j) {
+            mask |= sparsity[i][j] ? NqRowMask::bit(j) : 0;
+        }
+        m_SparsityMasks[i] = mask;
+    }
+    return true;
 }

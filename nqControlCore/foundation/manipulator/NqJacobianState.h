@@ -2,6 +2,7 @@
 
 #include <nqControlCore/foundation/matrix/NqReArray.h>
 
+#include <cstdint>
 #include <vector>
 
 /// A Jacobian J (m rows, n columns) with what the solver derives from it: its factors, a basis of its null
@@ -41,11 +42,17 @@ public:
     /// non-zero. They hold from the next Jacobian on. Lists that don't fit a Jacobian are passed over when it
     /// is factored.
     bool setSparsity(const std::vector<std::vector<bool>>& sparsity);
+    /// The rows of bits as masks, bit j of each for column j; none where they have more columns than a mask
+    /// has bits. NqCoreVelocityControlTool takes what is set for different from zero in each step, as long as
+    /// what isn't set is zero: so it needn't find out again what is to be done, where elements pass through
+    /// zero.
+    const std::vector<std::uint64_t>& sparsityMasks() const { return m_SparsityMasks; }
     void setUseSparseNullSpace(bool useSparseNullSpace) { m_UseSparseNullSpace = useSparseNullSpace; }
 
 private:
     std::vector<unsigned int> m_SparsityIndicesFirst;
     std::vector<unsigned int> m_SparsityIndicesSecond;
+    std::vector<std::uint64_t> m_SparsityMasks;
     bool m_UseSparseNullSpace = false;
 
     NqReArray m_JacobianArray;

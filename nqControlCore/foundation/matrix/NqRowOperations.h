@@ -27,27 +27,40 @@ inline constexpr unsigned PanelWidth = 4;
 
 typedef double Group __attribute__((vector_size(PanelWidth * sizeof(double))));
 
-/// row[j] = 0, of rows that are mostly too short for a call.
-inline void setToZeros(double* row, std::size_t count) {
-    const auto setGroup = [row](std::size_t j) {
-        const Group zeros = {};
-        std::memcpy(row + j, &zeros, sizeof zeros);
+/// Calls `action(j)` so that groups from there on cover `count` elements, some of them twice, which are at
+/// least one group.
+template <typename Action>
+inline void forEachGroup(std::size_t count, const Action& action) {
+    constexpr std::size_t kBlock = 4 * PanelWidth;
+    const auto forBlock = [&action](std::size_t j) {
+        action(j);
+        action(j + PanelWidth);
+        action(j + 2 * PanelWidth);
+        action(j + 3 * PanelWidth);
     };
-    std::size_t j = 0;
-    for (; j + 4 * PanelWidth <= count; j += 4 * PanelWidth) {
-        setGroup(j);
-        setGroup(j + PanelWidth);
-        setGroup(j + 2 * PanelWidth);
-        setGroup(j + 3 * PanelWidth);
-    }
-    for (; j + PanelWidth <= count; j += PanelWidth) {
-        setGroup(j);
-    }
-    if (j < count && count > PanelWidth) {
-        setGroup(count - PanelWidth); // some of them once more
+    if (count >= kBlock) {
+        for (std::size_t j = 0; j + kBlock < count; j += kBlock) {
+            forBlock(j);
+        }
+        forBlock(count - kBlock);
         return;
     }
-    for (; j < count; ++j) {
+    for (std::size_t j = 0; j + PanelWidth < count; j += PanelWidth) {
+        action(j);
+    }
+    action(count - PanelWidth);
+}
+
+/// row[j] = 0, of rows that are mostly too short for a call.
+inline void setToZeros(double* row, std::size_t count) {
+    if (count >= PanelWidth) {
+        forEachGroup(count, [row](std::size_t j) {
+            const Group zeros = {};
+            std::memcpy(row + j, &zeros, sizeof zeros);
+        });
+        return;
+    }
+    for (std::size_t j = 0; j < count; ++j) {
         row[j] = 0.0;
     }
 }
@@ -73,7 +86,11 @@ inline void store(std::array<double, 2>& x, Pair value) {
 inline void copy(double* to, const double* from, std::size_t count) {
     constexpr std::size_t kWhole = PanelWidth * sizeof(double);
     if (count > 2 * PanelWidth) {
-        std::memcpy(to, from, count * sizeof(double));
+        forEachGroup(count, [to, from](std::size_t j) {
+            Group group; // in one piece
+            std::memcpy(&group, from + j, sizeof group);
+            std::memcpy(to + j, &group, sizeof group);
+        });
         return;
     }
     if (count >= PanelWidth) {

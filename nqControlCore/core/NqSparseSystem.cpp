@@ -198,7 +198,7 @@ inline void NqSparseSystem::take(unsigned row, const NqReArray& source) {
             if (j + PanelWidth <= m_N) {
                 std::memcpy(&group, elements + j, sizeof group);
             } else {
-                std::copy_n(elements + j, m_N - j, &group[0]);
+                std::memcpy(&group, elements + j, (m_N - j) * sizeof(double));
             }
             std::memcpy(values + j, &group, sizeof group);
         });

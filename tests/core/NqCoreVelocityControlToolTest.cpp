@@ -445,6 +445,7 @@ TEST_P(KnownZeros, ChangeNothing) {
                 p.metric[j + 1][j] = 0.3;
             }
         });
+        changed("metric with an empty row", [&](Problem& p) { p.metric[p.n - 1] = {}; });
         changed("small metric", [](Problem& p) { p.metric.resizeArray(p.n - 2, 1); });
         changed("joint without weight", [](Problem& p) { p.metric[p.n - 1][0] = 0.0; });
         changed("doubled row", [&](Problem& p) { p.jacobian[last] = p.jacobian[last - 1]; });
@@ -498,6 +499,13 @@ TEST_P(KnownZeros, ChangeNothing) {
             changed("odd velocity", [&](Problem& p) { p.velocity[round % p.m] = value; });
             changed("odd gradient", [&](Problem& p) { p.gradient[round % p.n] = value; });
         }
+    }
+    Problem bound = limbs(random, 3, 6, 6, 0); // only the last limb has freedom
+    bound.m = 16;
+    bound.jacobian.resizeArray(bound.m, bound.n);
+    know(bound.jacobian);
+    for (const char* step : {"first", "second"}) {
+        passesOver(bound, step);
     }
 }
 

@@ -441,8 +441,9 @@ bool NqCoreVelocityControlTool::prep(NqJacobianState* jacobianState, NqReArray& 
         return false;
     }
     const bool passOverZeros = m != 0 && jacobianState && jacobianState->useSparseNullSpace();
-    if (passOverZeros && hasShape(primaryMatrix, n, n) && hasShape(nullSpace, n, n - m) &&
-        hasShape(weightedNullSpace, n, n - m)) {
+    const bool hasShapes = hasShape(primaryMatrix, n, n) && hasShape(nullSpace, n, n - m) &&
+                           hasShape(weightedNullSpace, n, n - m);
+    if (passOverZeros && hasShapes) {
         if (!*m_SparseSystem) {
             *m_SparseSystem = std::make_shared<NqSparseSystem>();
         }
@@ -453,8 +454,7 @@ bool NqCoreVelocityControlTool::prep(NqJacobianState* jacobianState, NqReArray& 
             return true;
         }
     }
-    if (m != 0 && n <= NqSmallSystem::Places && hasShape(primaryMatrix, n, n) &&
-        hasShape(nullSpace, n, n - m) && hasShape(weightedNullSpace, n, n - m) &&
+    if (m != 0 && n <= NqSmallSystem::Places && hasShapes &&
         NqSmallSystem::factor(primaryMatrix, indices, m, weightFlag == 1 ? &metric : nullptr, nullSpace,
                               weightedNullSpace)) {
         return true;

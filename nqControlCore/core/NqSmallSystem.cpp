@@ -27,7 +27,7 @@ struct alignas(Half) Square {
 };
 
 /// target[j] -= factor row[j] in a whole row.
-inline void subtractMultiple(double* target, double factor, const double* row) {
+NQ_INLINE_ROWS void subtractMultiple(double* target, double factor, const double* row) {
     for (unsigned h = 0; h < Places; h += kHalf) {
         Half x, y;
         std::memcpy(&x, row + h, sizeof x);
@@ -38,7 +38,7 @@ inline void subtractMultiple(double* target, double factor, const double* row) {
 }
 
 /// Entries that were just written one by one: the load of half a row at once would have to wait.
-inline void collect(Half& part, const double* entries) {
+NQ_INLINE_ROWS void collect(Half& part, const double* entries) {
     part = Half{entries[0], entries[1], entries[2], entries[3]};
 }
 
@@ -67,14 +67,14 @@ private:
     unsigned m_Indices[Places];   ///< the interchanges
 };
 
-inline System::System(NqReArray& matrix, unsigned m) : m_N(matrix.columns()), m_M(m) {
+NQ_INLINE_ROWS System::System(NqReArray& matrix, unsigned m) : m_N(matrix.columns()), m_M(m) {
     for (unsigned r = 0; r < m_N; ++r) {
         m_Factors[r] = matrix[r].data();
     }
     for (unsigned r = 0; r < m_M; ++r) {
         std::fill_n(m_Rows[r] + kHalf, kHalf, 0.0);
-        NqRowOperations::copy(m_Rows[r], m_Factors[r], m_N);
-        NqRowOperations::copy(m_Jacobian[r], m_Factors[r], m_N);
+        NqRowOperations::copyShort(m_Rows[r], m_Factors[r], m_N);
+        NqRowOperations::copyShort(m_Jacobian[r], m_Factors[r], m_N);
     }
     for (unsigned r = 0; r <= m_M && r < Places; ++r) { // one more, as entries behind a row may be read along
         std::fill_n(m_Upper[r], Places, 0.0);
@@ -84,16 +84,16 @@ inline System::System(NqReArray& matrix, unsigned m) : m_N(matrix.columns()), m_
     }
 }
 
-inline void System::restoreJacobian() {
+NQ_INLINE_ROWS void System::restoreJacobian() {
     for (unsigned r = 0; r < m_M; ++r) {
-        NqRowOperations::copy(m_Factors[r], m_Jacobian[r], m_N);
+        NqRowOperations::copyShort(m_Factors[r], m_Jacobian[r], m_N);
     }
 }
 
 /// Each pivot is followed by the elimination of its column from all rows of J below. Which column that is
 /// mostly is as in the step before, so that the processor guesses it from the branches of the search, and
 /// needn't wait. False for a row without a pivot.
-inline bool System::factorJacobian() {
+NQ_INLINE_ROWS bool System::factorJacobian() {
     for (unsigned c = 0; c < m_M; ++c) {
         const double* const row = m_Rows[c];
         double largest = 0.0;
@@ -130,7 +130,7 @@ inline bool System::factorJacobian() {
 }
 
 /// With U = [U11 U12] the rows -U11^-1 U12, and a one for each column of U12.
-inline void System::findBasis() {
+NQ_INLINE_ROWS void System::findBasis() {
     for (unsigned k = 0; m_M + k < m_N; k += kHalf) {
         for (unsigned i = m_M; i-- > 0;) {
             const double* const u = m_Upper[i];
@@ -153,7 +153,8 @@ inline void System::findBasis() {
 }
 
 /// Gives N and W N. False where the metric hasn't one weight for each joint.
-inline bool System::weightBasis(const NqReArray* metric, NqReArray& nullSpace, NqReArray& weightedNullSpace) {
+NQ_INLINE_ROWS bool System::weightBasis(const NqReArray* metric, NqReArray& nullSpace,
+                                        NqReArray& weightedNullSpace) {
     if (metric && (metric->columns() != 1 || metric->rows() < m_N)) {
         return false;
     }
@@ -182,7 +183,7 @@ inline bool System::weightBasis(const NqReArray* metric, NqReArray& nullSpace, N
 }
 
 /// Eliminates the columns of J's pivots from the rows below J, and factors what is left of these.
-inline bool System::factorLower() {
+NQ_INLINE_ROWS bool System::factorLower() {
     Square rows;
     for (unsigned r = m_M; r < m_N; ++r) {
         double* const row = rows[r];
@@ -196,7 +197,7 @@ inline bool System::factorLower() {
             const double multiplier = factors[c] = row[c] * m_Reciprocals[c];
             subtractMultiple(row, multiplier, m_Upper[c]);
         }
-        NqRowOperations::copy(factors + m_M, row + m_M, m_N - m_M);
+        NqRowOperations::copyShort(factors + m_M, row + m_M, m_N - m_M);
     }
     for (unsigned c = m_M; c < m_N; ++c) {
         const double* const row = m_Factors[c];
@@ -227,7 +228,7 @@ inline bool System::factorLower() {
     return true;
 }
 
-inline void System::giveIndices(std::vector<unsigned int>& indices) const {
+NQ_INLINE_ROWS void System::giveIndices(std::vector<unsigned int>& indices) const {
     for (unsigned i = 0; i < m_N; ++i) {
         indices[i] = m_Indices[i];
     }

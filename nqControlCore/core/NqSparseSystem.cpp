@@ -38,21 +38,21 @@ constexpr double kNoWeight = 0.0;
 } // namespace
 
 /// Where the groups begin that columns lie in.
-inline NqSparseSystem::Mask NqSparseSystem::groupsOf(Mask columns) {
+NQ_INLINE_ROWS NqSparseSystem::Mask NqSparseSystem::groupsOf(Mask columns) {
     constexpr Mask kStarts = 0x1111111111111111;
     columns |= columns >> 1;
     return (columns | columns >> 2) & kStarts;
 }
 
 /// The groups of a row of n elements, and those behind the last whole one.
-inline NqSparseSystem::Span NqSparseSystem::spanOf(Mask columns, unsigned n) {
+NQ_INLINE_ROWS NqSparseSystem::Span NqSparseSystem::spanOf(Mask columns, unsigned n) {
     const unsigned whole = n / PanelWidth * PanelWidth;
     const Mask inGroups = whole == 0 ? 0 : ~Mask{0} >> (NqRowMask::Places - whole);
     return {groupsOf(columns & inGroups), columns & ~inGroups};
 }
 
 /// to[j] += factor from[j], in whole groups.
-inline void NqSparseSystem::addMultiple(double* to, double factor, const double* from, Mask groups) {
+NQ_INLINE_ROWS void NqSparseSystem::addMultiple(double* to, double factor, const double* from, Mask groups) {
     NqRowMask::forEach(groups, [&](unsigned j) {
         Group x, y;
         std::memcpy(&x, from + j, sizeof x);
@@ -63,7 +63,8 @@ inline void NqSparseSystem::addMultiple(double* to, double factor, const double*
 }
 
 /// to[j] += factor from[j].
-inline void NqSparseSystem::addMultiple(double* to, double factor, const double* from, const Span& span) {
+NQ_INLINE_ROWS void NqSparseSystem::addMultiple(double* to, double factor, const double* from,
+                                                const Span& span) {
     addMultiple(to, factor, from, span.groups);
     NqRowMask::forEach(span.rest, [&](unsigned j) { to[j] += factor * from[j]; });
 }
@@ -189,7 +190,7 @@ NQ_WIDE_ROWS bool NqSparseSystem::factorRows(unsigned begin, unsigned end, const
 }
 
 /// Takes a row of J, or one below it, which is a column there.
-inline void NqSparseSystem::take(unsigned row, const NqReArray& source) {
+NQ_INLINE_ROWS void NqSparseSystem::take(unsigned row, const NqReArray& source) {
     double* const values = m_Rows[row];
     if (row < m_M) {
         const double* const elements = source[row].data();
@@ -247,7 +248,7 @@ void NqSparseSystem::planPairs() {
 
 /// Eliminates what a row has in columns that were settled in these steps; what stands there afterwards is of
 /// no use. False when a multiplier isn't finite.
-inline bool NqSparseSystem::eliminate(unsigned row, Mask steps) {
+NQ_INLINE_ROWS bool NqSparseSystem::eliminate(unsigned row, Mask steps) {
     double* const values = m_Rows[row];
     double check = 0.0; // NaN, if one isn't finite
     NqRowMask::forEach(steps, [&](unsigned k) {
@@ -260,7 +261,7 @@ inline bool NqSparseSystem::eliminate(unsigned row, Mask steps) {
 }
 
 /// The same for a row and the next one, as each step of one row has to wait for the step before.
-inline bool NqSparseSystem::eliminatePair(unsigned row, Mask steps) {
+NQ_INLINE_ROWS bool NqSparseSystem::eliminatePair(unsigned row, Mask steps) {
     double* const first = m_Rows[row];
     double* const second = m_Rows[row + 1];
     const int count = std::popcount(steps);
@@ -290,7 +291,7 @@ inline bool NqSparseSystem::eliminatePair(unsigned row, Mask steps) {
 
 /// Settles the column of a row's largest element. False when all are zero, one isn't finite, or the
 /// reciprocal of the pivot isn't.
-inline bool NqSparseSystem::settle(unsigned row) {
+NQ_INLINE_ROWS bool NqSparseSystem::settle(unsigned row) {
     if (!m_IsPlanned || !isLargestStill(row)) {
         const unsigned column = findLargest(row);
         if (column == m_N) {
@@ -317,7 +318,7 @@ inline bool NqSparseSystem::settle(unsigned row) {
 
 /// Whether all elements of a row are less than that which was the pivot in the step before. A guess at the
 /// outcome, so that nothing has to wait for it.
-inline bool NqSparseSystem::isLargestStill(unsigned row) const {
+NQ_INLINE_ROWS bool NqSparseSystem::isLargestStill(unsigned row) const {
     const double* const values = m_Rows[row];
     const double largest = std::abs(values[m_Columns[row]]);
     MaskGroup others = {};

@@ -16,6 +16,10 @@
 #define NQ_WIDE_ROWS
 #endif
 
+/// Marks a function that such functions are made of. On its own it would have narrow vectors, and changing
+/// between these and wide ones can slow down all that follows.
+#define NQ_INLINE_ROWS [[gnu::always_inline]] inline
+
 /// The inner loops of the factorings, along contiguous rows so that they vectorise. Each element receives its
 /// terms one by one in rising order of the rows they come from, whatever the grouping of the loops.
 ///
@@ -30,7 +34,7 @@ typedef double Group __attribute__((vector_size(PanelWidth * sizeof(double))));
 /// Calls `action(j)` so that groups from there on cover `count` elements, some of them twice, which are at
 /// least one group.
 template <typename Action>
-inline void forEachGroup(std::size_t count, const Action& action) {
+NQ_INLINE_ROWS void forEachGroup(std::size_t count, const Action& action) {
     constexpr std::size_t kBlock = 4 * PanelWidth;
     const auto forBlock = [&action](std::size_t j) {
         action(j);
@@ -45,14 +49,18 @@ inline void forEachGroup(std::size_t count, const Action& action) {
         forBlock(count - kBlock);
         return;
     }
-    for (std::size_t j = 0; j + PanelWidth < count; j += PanelWidth) {
-        action(j);
+    action(0); // without a loop, which would become a call
+    if (count > 2 * PanelWidth) {
+        action(PanelWidth);
+    }
+    if (count > 3 * PanelWidth) {
+        action(2 * PanelWidth);
     }
     action(count - PanelWidth);
 }
 
 /// row[j] = 0, of rows that are mostly too short for a call.
-inline void setToZeros(double* row, std::size_t count) {
+NQ_INLINE_ROWS void setToZeros(double* row, std::size_t count) {
     if (count >= PanelWidth) {
         forEachGroup(count, [row](std::size_t j) {
             const Group zeros = {};
@@ -81,18 +89,10 @@ inline void store(std::array<double, 2>& x, Pair value) {
     std::memcpy(&x, &value, sizeof value);
 }
 
-/// to[j] = from[j], of rows that are mostly too short for a call. A copy of a copy finds the pieces that were
-/// written, for which it doesn't have to wait.
-inline void copy(double* to, const double* from, std::size_t count) {
+/// to[j] = from[j], of rows of at most two groups. A copy of a copy finds the pieces that were written, for
+/// which it doesn't have to wait.
+NQ_INLINE_ROWS void copyShort(double* to, const double* from, std::size_t count) {
     constexpr std::size_t kWhole = PanelWidth * sizeof(double);
-    if (count > 2 * PanelWidth) {
-        forEachGroup(count, [to, from](std::size_t j) {
-            Group group; // in one piece
-            std::memcpy(&group, from + j, sizeof group);
-            std::memcpy(to + j, &group, sizeof group);
-        });
-        return;
-    }
     if (count >= PanelWidth) {
         std::memcpy(to, from, kWhole);
         to += PanelWidth;
@@ -115,6 +115,19 @@ inline void copy(double* to, const double* from, std::size_t count) {
     default:
         break;
     }
+}
+
+/// to[j] = from[j], of rows that are mostly too short for a call.
+NQ_INLINE_ROWS void copy(double* to, const double* from, std::size_t count) {
+    if (count <= 2 * PanelWidth) {
+        copyShort(to, from, count);
+        return;
+    }
+    forEachGroup(count, [to, from](std::size_t j) {
+        Group group; // in one piece
+        std::memcpy(&group, from + j, sizeof group);
+        std::memcpy(to + j, &group, sizeof group);
+    });
 }
 
 /// Whether all numbers are finite.

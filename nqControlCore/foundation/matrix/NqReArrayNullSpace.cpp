@@ -89,8 +89,8 @@ NQ_WIDE_ROWS NqReArray::Factored NqReArray::factorRows(unsigned m, std::vector<u
     for (unsigned first = 0; first < m; first += PanelWidth) {
         Panel panel(first);
         // Infinities and NaN spread, into known zeros too.
-        const auto expectFinite = [&](const double* numbers, std::size_t count) {
-            if (!NqRowOperations::areFinite(numbers, count)) {
+        const auto expect = [&](bool isFinite) {
+            if (!isFinite) {
                 factored.isFinite = false;
                 gap = {n, n};
             }
@@ -99,9 +99,12 @@ NQ_WIDE_ROWS NqReArray::Factored NqReArray::factorRows(unsigned m, std::vector<u
             if constexpr (SkipZeros) {
                 double factors[PanelWidth];
                 panel.multipliers(row, factors);
-                expectFinite(factors, panel.width);
-                if (!factored.isFinite ||
-                    std::any_of(factors, factors + panel.width, [](double f) { return f != 0.0; })) {
+                double sum = 0.0; // one by one, as they were just written
+                for (unsigned k = 0; k < panel.width; ++k) {
+                    sum += std::abs(factors[k]);
+                }
+                expect(std::isfinite(sum));
+                if (sum != 0.0 || !factored.isFinite) {
                     const std::size_t begin = panel.first + panel.width;
                     NqRowOperations::addMultiples(row, factors, panel.rows, panel.width, begin, gap.begin);
                     NqRowOperations::addMultiples(row, factors, panel.rows, panel.width, gap.end, n);
@@ -132,8 +135,7 @@ NQ_WIDE_ROWS NqReArray::Factored NqReArray::factorRows(unsigned m, std::vector<u
             const double reciprocal = 1.0 / row[c];
             factored.isRegular = factored.isRegular && std::isfinite(reciprocal);
             if constexpr (SkipZeros) {
-                expectFinite(&reciprocal, 1);
-                expectFinite(row + c, n - c);
+                expect(std::isfinite(reciprocal) && NqRowOperations::areFinite(row + c, n - c));
             }
         }
         for (unsigned r = behind; r < m; ++r) {

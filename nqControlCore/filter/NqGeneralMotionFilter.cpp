@@ -97,7 +97,7 @@ bool NqGeneralMotionFilter::isModeKnown() const {
     return true;
 }
 
-NqGeneralMotionFilter::PlacementError
+[[gnu::always_inline]] inline NqGeneralMotionFilter::PlacementError
 NqGeneralMotionFilter::errorBetween(const NqCoordinateSystemTransformation& actualPlacement,
                                     const NqCoordinateSystemTransformation& desiredPlacement,
                                     bool zAxisOnly) const {
@@ -110,10 +110,10 @@ NqGeneralMotionFilter::errorBetween(const NqCoordinateSystemTransformation& actu
 
 /// The motion of the offset point, in the actual frame, that takes the error away: by the profile and under
 /// the limits, or all in one step where filtering is switched off.
-NqGeneralMotion NqGeneralMotionFilter::approach(const PlacementError& error,
-                                                const NqGeneralMotion& desiredVelocity,
-                                                const NqGeneralMotion& previousVelocity, double timeStep,
-                                                bool matchTimes) const {
+[[gnu::always_inline]] inline NqGeneralMotion
+NqGeneralMotionFilter::approach(const PlacementError& error, const NqGeneralMotion& desiredVelocity,
+                                const NqGeneralMotion& previousVelocity, double timeStep,
+                                bool matchTimes) const {
     const double h = timeStep;
     if (!filteringActive()) {
         return {error.linear / NqMath::nonZeroPos(h), error.angular / NqMath::nonZeroPos(h)};
@@ -151,8 +151,8 @@ NqGeneralMotion NqGeneralMotionFilter::approach(const PlacementError& error,
 
 /// The motion of the actual frame's origin, in the frame that the placements are in, for one of the offset
 /// point in the actual frame.
-NqGeneralMotion NqGeneralMotionFilter::ofOrigin(const NqOrientation& actual,
-                                                const NqGeneralMotion& ofOffset) const {
+[[gnu::always_inline]] inline NqGeneralMotion
+NqGeneralMotionFilter::ofOrigin(const NqOrientation& actual, const NqGeneralMotion& ofOffset) const {
     const NqVector& angular = ofOffset.angular();
     return actual * NqGeneralMotion(ofOffset.linear() - angular.cross(m_Offset.value()), angular);
 }

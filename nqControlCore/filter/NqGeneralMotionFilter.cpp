@@ -128,8 +128,7 @@ NqGeneralMotionFilter::approach(const PlacementError& error, const NqGeneralMoti
         factor * std::min(m_LinearDecelerationThreshold, m_LinearAccelerationThreshold);
     const double angularDeceleration =
         factor * std::min(m_AngularDecelerationThreshold, m_AngularAccelerationThreshold);
-    NqVector linear = error.linear;
-    NqVector angular = error.angular;
+    NqVector linear, angular;
     const double linearSlowSquared =
         applyFilter(error.linear, linearPart.gain, linearPart.speedLimit, linearDeceleration, h, linear);
     const double angularSlowSquared =

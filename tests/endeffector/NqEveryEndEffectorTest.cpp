@@ -396,13 +396,25 @@ TEST_P(EveryEndEffector, CopiesKeepTypeAndValues) {
     const std::unique_ptr<NqXmlObject> blank(e.newObject());
     EXPECT_TRUE(blank->equality(kind.makeDefault().get()));
     EXPECT_FALSE(blank->equality(&e));
-    EXPECT_FALSE(e.equality(nullptr) || e.endEffectorTooltip().value().empty());
+    EXPECT_FALSE(e.equality(nullptr));
 
     // What belongs to the run time doesn't count.
     e.setSoftConstraintMultiplier(2.0);
     e.setSpeedFactor(0.5);
     e.setFilteringActive(false);
     EXPECT_TRUE(e.equality(copy.get()));
+}
+
+/// Defaults are part of each file that leaves them out, and tables are what an editor shows.
+TEST_P(EveryEndEffector, DefaultsAndTableStay) {
+    const std::unique_ptr<NqEndEffector> plain = kind.makeDefault();
+    std::string text = nqWritten(*plain) + plain->endEffectorTooltip().value() + "\n";
+    const Labels values = plain->editableValues();
+    for (unsigned i = 0; i < values.size(); ++i) {
+        text += plain->editingLabels()[i].value() + " | " + plain->tooltipLabels()[i].value() + " | " +
+                values[i].value() + "\n";
+    }
+    EXPECT_EQ(text, nqContentOf(nqGoldenFile("/defaults/" + kind.name + ".txt")));
 }
 
 /// The hand-written file has every field, none of them at its default.

@@ -110,6 +110,11 @@ TEST_F(NqTwoCoordinatedJoints, SpeedsAreFoundOncePerTarget) {
     const Reals equal = towards(at({1.0, 1.0}), {std::sqrt(8.0), 2.0});
     EXPECT_NEAR(equal[0], std::sqrt(8.0), 1e-14);
     EXPECT_EQ(equal[1], 2.0);
+
+    // The second one is slower, by the root of 0.2, and c^2 - 4 T c + 0.4 = 0 for the first.
+    const double slower = 0.5 * (std::sqrt(3.2) - std::sqrt(1.6));
+    towards(at({0.1, 0.2}), {});
+    EXPECT_NEAR(towards(at({0.1, 0.2}), {slower, 1.0})[0], slower, 1e-14);
 }
 
 TEST_F(NqTwoCoordinatedJoints, SpeedFactorAndJointsBelongToTheFilters) {

@@ -46,6 +46,8 @@ TEST(NqExpressionTree, BelongsAsAWholeToItsContainer) {
     expectOwn(expression);
     expression.setAndDeleteTopElementPointer(expression.topElement());
     expectOwn(expression);
+    expression.setAndDeleteTopElementPointer(new NqExpressionNegative(tree));
+    expectOwn(expression);
     expression.setAndDeleteTopElementPointer(nullptr);
     EXPECT_EQ(expression, other);
 }

@@ -25,8 +25,13 @@ public:
     /// The lists of zero starts that NqReArray::nullSpaceSparse() takes: in rows, and in columns.
     virtual const std::vector<unsigned int>& sparsityIndicesFirst() const { return m_SparsityIndicesFirst; }
     virtual const std::vector<unsigned int>& sparsityIndicesSecond() const { return m_SparsityIndicesSecond; }
+    /// The sparsity that was set: a mask for each row, with bit j for column j. Empty where rows have more
+    /// columns than a mask has bits.
+    const std::vector<std::uint64_t>& sparsityMasks() const { return m_SparsityMasks; }
     /// Whether known zeros are passed over when null spaces are computed; false at first.
-    /// NqCoreVelocityControlTool then passes over them in the whole solve, wherever they are.
+    /// NqCoreVelocityControlTool then passes over them in the whole solve: over those of the sparsity masks,
+    /// or, where they don't hold, over those that J has. With masks it is faster, as what is to be done stays
+    /// the same though elements pass through zero.
     virtual bool useSparseNullSpace() const { return m_UseSparseNullSpace; }
     /// n by n; the first m rows hold J factored as by NqReArray::nullSpace(), the others are zero.
     virtual const NqReArray& factoredJacobianArray() const { return m_FactoredJacobianArray; }
@@ -42,11 +47,6 @@ public:
     /// non-zero. They hold from the next Jacobian on. Lists that don't fit a Jacobian are passed over when it
     /// is factored.
     bool setSparsity(const std::vector<std::vector<bool>>& sparsity);
-    /// The rows of bits as masks, bit j of each for column j; none where they have more columns than a mask
-    /// has bits. NqCoreVelocityControlTool takes what is set for different from zero in each step, as long as
-    /// what isn't set is zero: so it needn't find out again what is to be done, where elements pass through
-    /// zero.
-    const std::vector<std::uint64_t>& sparsityMasks() const { return m_SparsityMasks; }
     void setUseSparseNullSpace(bool useSparseNullSpace) { m_UseSparseNullSpace = useSparseNullSpace; }
 
 private:

@@ -61,8 +61,8 @@ public:
     /// Solves for a Jacobian.
     ///
     /// @param jacobianState  says whether zeros of J are passed over in the whole solve, which pays off on
-    ///                       several limbs; may be null. Values are the same to the bit, but perhaps for the
-    ///                       sign of zeros.
+    ///                       several limbs; may be null. Values are the same to the bit for J of full row
+    ///                       rank, but perhaps for the sign of zeros.
     /// @param jacobian       J, m rows of n entries, m not above n
     /// @param metric         W: n by n, or n by 1 for a diagonal one. Joints beyond a smaller metric weigh 0,
     ///                       see above. An empty one fails, silently, unless m is 0.

@@ -72,22 +72,26 @@ NQ_INLINE_ROWS void NqSparseSystem::addMultiple(double* to, double factor, const
 bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indices, unsigned m,
                             const std::vector<Mask>& sparsity, const NqReArray* metric, NqReArray& nullSpace,
                             NqReArray& weightedNullSpace) {
-    if (m_N != matrix.columns() || m_M != m) {
-        m_N = matrix.columns();
+    const unsigned n = matrix.columns();
+    if (n < kLeastColumns || n > NqRowMask::Places) {
+        return false;
+    }
+    if (m_N != n || m_M != m) {
+        m_N = n;
         m_M = m;
         m_Multipliers.resize(m_N * m_N / 2);
         makeRoom();
+        m_Known.fill(0);
         m_Reached.fill(0);
-        m_IsWorthIt = false;
+        m_AreKnownFew = m_IsWorthIt = m_IsPlanned = false;
     }
-    if (m_N < kLeastColumns || m_N > NqRowMask::Places || !findZeros(matrix, sparsity) ||
-        !findWeights(metric)) {
+    if (!findZeros(matrix, sparsity) || !findWeights(metric)) {
         return false;
     }
     m_NextMultiplier = m_Multipliers.data();
     m_Settled = 0;
     std::iota(m_Order.begin(), m_Order.begin() + m_N, 0u);
-    m_Place = m_Order;
+    std::iota(m_Place.begin(), m_Place.begin() + m_N, 0u);
     bool isRegular = factorRows(0, m_M, matrix) && findBasis(nullSpace);
     if (isRegular) {
         weightBasis(nullSpace, weightedNullSpace);
@@ -96,11 +100,11 @@ bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indice
     if (!isRegular) {
         return false;
     }
-    permuteRows(matrix);
     if (!m_IsPlanned) {
-        planPairs();
+        planFactors();
         m_IsPlanned = true;
     }
+    writeFactors(matrix);
     std::copy_n(m_Indices.begin(), m_N, indices.begin());
     return true;
 }
@@ -109,42 +113,52 @@ bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indice
 /// columns, which it needn't have room for, would still lie in it.
 void NqSparseSystem::makeRoom() {
     constexpr std::size_t kLine = 64 / sizeof(double);
-    const std::size_t rows = m_N <= NqRowMask::Places ? m_N : 0;
-    m_Elements.assign(NqRowMask::Places + kLine + rows * (rows + PanelWidth), 0.0);
+    m_Elements.assign(NqRowMask::Places + kLine + m_N * (m_N + PanelWidth), 0.0);
     void* begin = m_Elements.data() + NqRowMask::Places;
     std::size_t space = (m_Elements.size() - NqRowMask::Places) * sizeof(double);
     m_Begin = static_cast<double*>(std::align(kLine * sizeof(double), sizeof(double), begin, space));
 }
 
-/// Finds the zeros of J: those that are known, unless there is something else among them. False where
-/// there are too few.
+/// Finds the zeros of J: those that are known where they hold and are enough, or those that it has. False
+/// where there are too few.
 NQ_WIDE_ROWS bool NqSparseSystem::findZeros(const NqReArray& matrix, const std::vector<Mask>& sparsity) {
     ForEachRow<Mask> filled;
-    Mask others = sparsity.size() == m_M ? 0 : ~Mask{0};
+    Mask others = sparsity.size() == m_M ? 0 : ~Mask{0}; // what differs from zero beside the known
     for (unsigned r = 0; r < m_M; ++r) {
         filled[r] = NqRowMask::filled(matrix[r].data(), m_N);
         others |= others == 0 ? filled[r] & ~sparsity[r] : 0;
     }
-    Mask changes = 0;
-    for (unsigned r = 0; r < m_M; ++r) {
-        filled[r] = others == 0 ? sparsity[r] & ~Mask{0} >> (NqRowMask::Places - m_N) : filled[r];
-        changes |= filled[r] ^ m_Reached[r];
-    }
-    if (changes != 0) {
-        std::copy_n(filled.begin(), m_M, m_Reached.begin());
-        m_IsWorthIt = fillsFew();
+    const ForEachRow<Mask>& reached = others == 0 && areKnownFew(sparsity) ? m_Known : filled;
+    if (!std::equal(reached.begin(), reached.begin() + m_M, m_Reached.begin())) {
+        std::copy_n(reached.begin(), m_M, m_Reached.begin());
+        m_IsWorthIt = fillFew(m_Reached);
         m_IsPlanned = false;
     }
     return m_IsWorthIt;
 }
 
-/// Whether the rows of J stay short when each takes in all columns of those before that it has one in common
-/// with, as those of one limb do.
-bool NqSparseSystem::fillsFew() const {
+/// Takes over what can differ from zero in J. Whether that is few enough.
+inline bool NqSparseSystem::areKnownFew(const std::vector<Mask>& sparsity) {
+    const Mask columns = ~Mask{0} >> (NqRowMask::Places - m_N);
+    Mask changes = 0;
+    for (unsigned r = 0; r < m_M; ++r) {
+        const Mask known = sparsity[r] & columns;
+        changes |= known ^ m_Known[r];
+        m_Known[r] = known;
+    }
+    if (changes != 0) {
+        m_AreKnownFew = fillFew(m_Known);
+    }
+    return m_AreKnownFew;
+}
+
+/// Whether rows of J with these elements stay short when each takes in all columns of those before that it
+/// has one in common with, as those of one limb do.
+bool NqSparseSystem::fillFew(const ForEachRow<Mask>& elements) const {
     ForEachRow<Mask> reach;
     unsigned work = 0;
     for (unsigned r = 0; r < m_M; ++r) {
-        reach[r] = m_Reached[r];
+        reach[r] = elements[r];
         for (unsigned k = r; k-- > 0;) {
             reach[r] |= (reach[k] & reach[r]) != 0 ? reach[k] : 0;
         }
@@ -235,17 +249,6 @@ inline bool NqSparseSystem::planElimination(unsigned row) {
     return true;
 }
 
-/// Finds the rows that go with the next one, as the same steps eliminate it, but for the row itself.
-void NqSparseSystem::planPairs() {
-    Mask done = 0;
-    for (unsigned row = 0; row < m_N; ++row) {
-        const Mask steps = m_Eliminated[row] & ~done;
-        const bool hasNext = row + 1 != m_M && row + 1 != m_N;
-        m_Together[row] = hasNext && steps == (m_Eliminated[row + 1] & ~bit(row)) ? steps : 0;
-        done = m_Together[row];
-    }
-}
-
 /// Eliminates what a row has in columns that were settled in these steps; what stands there afterwards is of
 /// no use. False when a multiplier isn't finite.
 NQ_INLINE_ROWS bool NqSparseSystem::eliminate(unsigned row, Mask steps) {
@@ -255,7 +258,7 @@ NQ_INLINE_ROWS bool NqSparseSystem::eliminate(unsigned row, Mask steps) {
         const double multiplier = values[m_Columns[k]] * m_Reciprocal[k];
         check += multiplier * 0.0;
         *m_NextMultiplier++ = multiplier;
-        addMultiple(values, -multiplier, m_Rows[k], m_PivotGroups[k]);
+        addMultiple(values, -multiplier, m_Rows[k], m_FilledGroups[k]);
     });
     return check == 0.0;
 }
@@ -274,7 +277,7 @@ NQ_INLINE_ROWS bool NqSparseSystem::eliminatePair(unsigned row, Mask steps) {
         m_NextMultiplier[count] = next;
         *m_NextMultiplier++ = multiplier;
         const double* const pivots = m_Rows[k];
-        NqRowMask::forEach(m_PivotGroups[k], [&](unsigned j) {
+        NqRowMask::forEach(m_FilledGroups[k], [&](unsigned j) {
             Group x, y, z;
             std::memcpy(&x, pivots + j, sizeof x);
             std::memcpy(&y, first + j, sizeof y);
@@ -289,8 +292,8 @@ NQ_INLINE_ROWS bool NqSparseSystem::eliminatePair(unsigned row, Mask steps) {
     return check == 0.0;
 }
 
-/// Settles the column of a row's largest element. False when all are zero, one isn't finite, or the
-/// reciprocal of the pivot isn't.
+/// Settles the column of a row's largest element; where it isn't that of the plan, the plan ends here. False
+/// when all are zero, one isn't finite, or the reciprocal of the pivot isn't.
 NQ_INLINE_ROWS bool NqSparseSystem::settle(unsigned row) {
     if (!m_IsPlanned || !isLargestStill(row)) {
         const unsigned column = findLargest(row);
@@ -298,10 +301,10 @@ NQ_INLINE_ROWS bool NqSparseSystem::settle(unsigned row) {
             return false;
         }
         if (!m_IsPlanned || column != m_Columns[row]) {
-            m_IsPlanned = false; // from here on
+            m_IsPlanned = false;
             m_Columns[row] = column;
             m_Filled[row] = m_Candidates[row] & ~bit(column);
-            m_PivotGroups[row] = groupsOf(m_Filled[row]);
+            m_FilledGroups[row] = groupsOf(m_Filled[row]);
         }
     }
     const unsigned column = m_Columns[row];
@@ -316,13 +319,13 @@ NQ_INLINE_ROWS bool NqSparseSystem::settle(unsigned row) {
     return std::isfinite(m_Reciprocal[row]);
 }
 
-/// Whether all elements of a row are less than that which was the pivot in the step before. A guess at the
-/// outcome, so that nothing has to wait for it.
+/// Whether all elements of a row are less than that which was the pivot in the step before. The processor
+/// guesses that they are, and goes on without waiting for the comparisons.
 NQ_INLINE_ROWS bool NqSparseSystem::isLargestStill(unsigned row) const {
     const double* const values = m_Rows[row];
     const double largest = std::abs(values[m_Columns[row]]);
     MaskGroup others = {};
-    NqRowMask::forEach(m_PivotGroups[row], [&](unsigned j) {
+    NqRowMask::forEach(m_FilledGroups[row], [&](unsigned j) {
         Group group;
         MaskGroup columns;
         std::memcpy(&group, values + j, sizeof group);
@@ -476,14 +479,24 @@ void NqSparseSystem::planWeightedBasis() {
     }
 }
 
+/// Finds U by its places, now that all columns have theirs, and the rows that go together with the next one,
+/// as the same steps eliminate it, but for the row itself.
+void NqSparseSystem::planFactors() {
+    Mask done = 0;
+    for (unsigned row = 0; row < m_N; ++row) {
+        m_Upper[row] = 0;
+        NqRowMask::forEach(m_Filled[row], [&](unsigned column) { m_Upper[row] |= bit(m_Place[column]); });
+        const Mask steps = m_Eliminated[row] & ~done;
+        const bool hasNext = row + 1 != m_M && row + 1 != m_N;
+        m_Together[row] = hasNext && steps == (m_Eliminated[row + 1] & ~bit(row)) ? steps : 0;
+        done = m_Together[row];
+    }
+}
+
 /// Gives the matrix the factors, with their columns in order.
-NQ_WIDE_ROWS void NqSparseSystem::permuteRows(NqReArray& matrix) {
+NQ_WIDE_ROWS void NqSparseSystem::writeFactors(NqReArray& matrix) const {
     const double* multiplier = m_Multipliers.data();
     for (unsigned r = 0; r < m_N; ++r) {
-        if (!m_IsPlanned) {
-            m_Upper[r] = 0;
-            NqRowMask::forEach(m_Filled[r], [&](unsigned column) { m_Upper[r] |= bit(m_Place[column]); });
-        }
         const double* const row = m_Rows[r];
         double* const factors = matrix[r].data();
         setToZeros(factors, m_N);

@@ -128,7 +128,8 @@ NqGeneralMotionFilter::approach(const PlacementError& error, const NqGeneralMoti
         factor * std::min(m_LinearDecelerationThreshold, m_LinearAccelerationThreshold);
     const double angularDeceleration =
         factor * std::min(m_AngularDecelerationThreshold, m_AngularAccelerationThreshold);
-    NqVector linear, angular;
+    NqVector linear = error.linear; // which a shape of a subclass may leave, or take for the error
+    NqVector angular = error.angular;
     const double linearSlowSquared =
         applyFilter(error.linear, linearPart.gain, linearPart.speedLimit, linearDeceleration, h, linear);
     const double angularSlowSquared =

@@ -133,12 +133,13 @@ private:
 
     bool isModeKnown() const;
     // What follows is inlined: calls that pass so much through memory would cost a tenth of the whole.
-    PlacementError errorBetween(const NqCoordinateSystemTransformation& actualPlacement,
-                                const NqCoordinateSystemTransformation& desiredPlacement,
-                                bool zAxisOnly) const;
-    NqGeneralMotion approach(const PlacementError& error, const NqGeneralMotion& desiredVelocity,
-                             const NqGeneralMotion& previousVelocity, double timeStep, bool matchTimes) const;
-    NqGeneralMotion ofOrigin(const NqOrientation& actual, const NqGeneralMotion& ofOffset) const;
+    inline PlacementError errorBetween(const NqCoordinateSystemTransformation& actualPlacement,
+                                       const NqCoordinateSystemTransformation& desiredPlacement,
+                                       bool zAxisOnly) const;
+    inline NqGeneralMotion approach(const PlacementError& error, const NqGeneralMotion& desiredVelocity,
+                                    const NqGeneralMotion& previousVelocity, double timeStep,
+                                    bool matchTimes) const;
+    inline NqGeneralMotion ofOrigin(const NqOrientation& actual, const NqGeneralMotion& ofOffset) const;
 
     NqXmlVector m_Offset;
     NqXmlBasicType<double> m_LinearVelocityThreshold = 1.0;

@@ -47,6 +47,18 @@ TEST_F(NqCoordinatedJoints, TargetsAreOfTheListedJointsOrOfAll) {
                                  "range: row 0 and column 5\n"));
 }
 
+TEST_F(NqCoordinatedJoints, DefaultsComeFromTheRateLimits) {
+    NqIndividualManipulator robot("robot", "base");
+    NqJointDescription joint(NqJointDescription::Revolute, "wrist");
+    joint.setRateLimit(999.0);
+    robot.addLink("base", "hand", joint, {});
+    joint.setRateLimit(1000.0); // as good as none
+    robot.addLink("hand", "finger", joint, {});
+    const auto all = NqCoordinatedJointEndEffector::defaultJointControlEndEffector(robot, 0.5);
+    EXPECT_EQ(all.maxVelocities(), Reals({499.5, 0.5}));
+    EXPECT_EQ(all.profileAccelerations(), Reals({999.0, 1.0}));
+}
+
 TEST_F(NqCoordinatedJoints, ControlParametersLimitByJointIndex) {
     NqControlParameters parameters;
     parameters.setVelocityLimits({0.1, 0.2, 0.3, 0.4, 0.5, 0.6, 0.7});

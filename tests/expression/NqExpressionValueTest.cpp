@@ -193,6 +193,7 @@ TEST(NqExpressionReading, BoundsHostileTrees) {
     NqExpressionContainer expression;
     for (int i = 0; i < 2; ++i) { // of which each counts anew
         EXPECT_TRUE(NqXmlDocument::readString(document(constants(40'000)), expression));
+        EXPECT_EQ(expression.topElement()->container(), &expression);
     }
 }
 

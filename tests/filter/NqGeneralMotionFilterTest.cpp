@@ -34,6 +34,22 @@ TEST(NqGeneralMotionFilter, LimitsActOnTheOffsetPointPartByPart) {
     expectNear(out.linear(), {0.0, 0.1 - 2.0, 0.0});
 }
 
+/// An approach of a user's own, which changes the error that it is given.
+struct HalfTheError : Filter {
+    double applyFilter(const NqVector&, double, double, double, double, NqVector& result) const override {
+        result *= 0.5;
+        return 0.0;
+    }
+};
+
+TEST(NqGeneralMotionFilter, ASubclassBeginsWithTheError) {
+    NqGeneralMotion out;
+    const NqCoordinateSystemTransformation desired({0.01, 0.0, 0.0}, NqOrientation::aboutZ(0.02));
+    EXPECT_TRUE(HalfTheError().calculateGeneralMotion({}, desired, {}, {}, 0.1, out, false, false, true));
+    expectNear(out.linear(), {0.005, 0.0, 0.0});
+    expectNear(out.angular(), {0.0, 0.0, 0.01}, 1e-6); // the sine
+}
+
 TEST(NqGeneralMotionFilter, MatchedTimesSlowDownTheFasterPart) {
     Filter filter;
     const auto speeds = [&](double way, double angle, double feedForward = 0.0) {

@@ -30,7 +30,7 @@ const ReadingCase kVectors[] = {
     {"NoCount", a, ">" + kA, 3, "-- 0, actual -- 1"},
     {"HighCount", a, " count='4294967295'>" + kA, 3,
      "NqXmlVectorType Error: array size not equal to attribute value -- "},
-    {"NegativeCount", a, " count='-3'>" + kA, 3, "-- -3, actual -- 1Filename: in.xml, Line count: 1\n"},
+    {"NegativeCount", a, " count='-13'>" + kA, 3, "-- -13, actual -- 1Filename: in.xml, Line count: 1\n"},
     {"CountWithTail", a, " count='1 or so'>" + kA},
     {"NoContent", made(NqTestTexts()), " count='3'/>"},
     {"NoElements", made(NqTestTexts()), " count='3'>", 3, "-- 3, actual -- 0"},

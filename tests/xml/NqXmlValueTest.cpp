@@ -126,8 +126,9 @@ TEST(NqXmlWriter, WritesWhatItIsTold) {
         writer.setLanguageSelection("de");
         const bool begun = writer.header(NqToken("urn:a#") + "a", "note");
         writer.setAttributeName("b");
-        return begun && writer.data("1 < 2") && writer.tab(1) && writer.data("c") &&
-               writer.writeStartTagUsingParentNamespace(NqToken("urn:d#") + "d");
+        writer.incrementLinkCount();
+        return begun && writer.linkCount() == 1 && writer.data("1 < 2") && writer.tab(1) &&
+               writer.data("c") && writer.writeStartTagUsingParentNamespace(NqToken("urn:d#") + "d");
     };
     EXPECT_EQ(driven(elements, true),
               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<?xml-stylesheet type=\"text/xsl\" "

@@ -25,13 +25,13 @@ public:
     /// The lists of zero starts that NqReArray::nullSpaceSparse() takes: in rows, and in columns.
     virtual const std::vector<unsigned int>& sparsityIndicesFirst() const { return m_SparsityIndicesFirst; }
     virtual const std::vector<unsigned int>& sparsityIndicesSecond() const { return m_SparsityIndicesSecond; }
-    /// The sparsity that was set: a mask for each row, with bit j for column j. Empty where rows have more
-    /// columns than a mask has bits.
+    /// The sparsity that was set: a mask for each row, with bit j for column j. Empty before, and where rows
+    /// have more columns than a mask has bits.
     const std::vector<std::uint64_t>& sparsityMasks() const { return m_SparsityMasks; }
     /// Whether known zeros are passed over when null spaces are computed; false at first.
     /// NqCoreVelocityControlTool then passes over them in the whole solve: over those of the sparsity masks,
-    /// or, where they don't hold, over those that J has. With masks it is faster, as what is to be done stays
-    /// the same though elements pass through zero.
+    /// or, where they don't hold or are few, over those that J has. Masks make it faster, as what is to be
+    /// done stays the same though elements pass through zero.
     virtual bool useSparseNullSpace() const { return m_UseSparseNullSpace; }
     /// n by n; the first m rows hold J factored as by NqReArray::nullSpace(), the others are zero.
     virtual const NqReArray& factoredJacobianArray() const { return m_FactoredJacobianArray; }
@@ -43,9 +43,9 @@ public:
     /// all that derives from it is empty. Allocates nothing when J has the shape of the one before.
     bool setJacobian(const NqReArray& jacobian);
 
-    /// Makes the lists of zero starts from rows of bits in the shape of J, set where an element can be
-    /// non-zero. They hold from the next Jacobian on. Lists that don't fit a Jacobian are passed over when it
-    /// is factored.
+    /// Makes masks and lists of zero starts from rows of bits in the shape of J, set where an element can be
+    /// non-zero. Lists hold from the next Jacobian on, masks from the next solve on. What doesn't fit a
+    /// Jacobian is passed over.
     bool setSparsity(const std::vector<std::vector<bool>>& sparsity);
     void setUseSparseNullSpace(bool useSparseNullSpace) { m_UseSparseNullSpace = useSparseNullSpace; }
 

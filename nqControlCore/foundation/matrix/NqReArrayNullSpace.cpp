@@ -99,7 +99,7 @@ NQ_WIDE_ROWS NqReArray::Factored NqReArray::factorRows(unsigned m, std::vector<u
             if constexpr (SkipZeros) {
                 double factors[PanelWidth];
                 panel.multipliers(row, factors);
-                double sum = 0.0; // one by one, as they were just written
+                double sum = 0.0; // one by one, as they were just written; one that overflows does no harm
                 for (unsigned k = 0; k < panel.width; ++k) {
                     sum += std::abs(factors[k]);
                 }

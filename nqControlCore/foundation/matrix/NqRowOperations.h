@@ -26,13 +26,13 @@
 /// Products are added; a caller that subtracts passes the negated factor, which gives the same bits.
 namespace NqRowOperations {
 
-/// How many pivot rows are worked through together.
+/// How many pivot rows are worked through together, and how many neighbouring numbers.
 inline constexpr unsigned PanelWidth = 4;
 
 typedef double Group __attribute__((vector_size(PanelWidth * sizeof(double))));
 
-/// Calls `action(j)` so that groups from there on cover `count` elements, some of them twice, which are at
-/// least one group.
+/// Calls `action(j)` so that groups from there on cover `count` elements, some of them twice; count is at
+/// least PanelWidth.
 template <typename Action>
 NQ_INLINE_ROWS void forEachGroup(std::size_t count, const Action& action) {
     constexpr std::size_t kBlock = 4 * PanelWidth;

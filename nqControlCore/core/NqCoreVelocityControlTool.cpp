@@ -103,21 +103,21 @@ void applyMetric(const NqReArray& metric, const NqReArray& nullSpace, unsigned n
     }
 }
 
-/// Row by row, until no column is left that could be zero. `columns` is working memory.
-void reportZeroColumns(const NqReArray& weightedNullSpace, unsigned n, std::vector<unsigned>& columns) {
-    columns.resize(weightedNullSpace.columns());
-    std::iota(columns.begin(), columns.end(), 0u);
-    std::size_t left = columns.size();
-    for (unsigned j = 0; j < n && left > 0; ++j) {
-        const double* const row = weightedNullSpace[j].data();
-        std::size_t kept = 0;
-        for (std::size_t i = 0; i < left; ++i) {
-            columns[kept] = columns[i];
-            kept += row[columns[i]] == 0.0 ? 1 : 0;
+/// How many columns are zero. `sums` is working memory: of magnitudes, which are zero for zeros alone.
+NQ_WIDE_ROWS std::size_t countZeroColumns(const NqReArray& matrix, unsigned rows, std::vector<double>& sums) {
+    sums.assign(matrix.columns(), 0.0);
+    double* __restrict const sum = sums.data();
+    for (unsigned j = 0; j < rows; ++j) {
+        const double* __restrict const row = matrix[j].data();
+        for (std::size_t i = 0; i < sums.size(); ++i) {
+            sum[i] += std::abs(row[i]);
         }
-        left = kept;
     }
-    for (; left > 0; --left) {
+    return static_cast<std::size_t>(std::count(sums.begin(), sums.end(), 0.0));
+}
+
+void reportZeroColumns(const NqReArray& weightedNullSpace, unsigned n, std::vector<double>& sums) {
+    for (std::size_t left = countZeroColumns(weightedNullSpace, n, sums); left > 0; --left) {
         Nq::Print::instance().write(Nq::PrintFailure,
                                     "NqCoreVelocityControlTool::prep(): M.nj has zero column\n");
     }
@@ -406,10 +406,10 @@ void NqCoreVelocityControlTool::resize() {
         m_Indices.assign(m_N, 0u);
     }
     // A step that takes another way than those before is not to allocate either.
-    for (std::vector<unsigned int>* scratch :
-         {&*m_FirstPivots, &*m_SecondPivots, &*m_ColumnOrder, &*m_Columns}) {
+    for (std::vector<unsigned int>* scratch : {&*m_FirstPivots, &*m_SecondPivots, &*m_ColumnOrder}) {
         scratch->reserve(m_N);
     }
+    m_ColumnSums->reserve(m_N);
 }
 
 bool NqCoreVelocityControlTool::prep(NqReArray& primaryMatrix, std::vector<unsigned int>& indices,
@@ -473,7 +473,7 @@ bool NqCoreVelocityControlTool::prep(NqJacobianState* jacobianState, NqReArray& 
     } else {
         weightedNullSpace = nullSpace;
     }
-    reportZeroColumns(weightedNullSpace, n, *m_Columns);
+    reportZeroColumns(weightedNullSpace, n, *m_ColumnSums);
     completeFactoring(
         primaryMatrix, indices, m, n, Ties::FirstWins, [&](unsigned firstRow, unsigned firstColumn) {
             fillTransposed(weightedNullSpace, *m_ColumnOrder, m, firstRow, firstColumn, primaryMatrix);

@@ -156,5 +156,5 @@ private:
     NqUncopied<std::vector<unsigned int>> m_FirstPivots;
     NqUncopied<std::vector<unsigned int>> m_SecondPivots;
     NqUncopied<std::vector<unsigned int>> m_ColumnOrder;
-    NqUncopied<std::vector<unsigned int>> m_Columns;
+    NqUncopied<std::vector<double>> m_ColumnSums;
 };

@@ -14,8 +14,10 @@
 /// null space", IEEE Trans. Robotics 31(3), 2015; but the set of held rates is that of the optimum, found
 /// from the factors of the one solve without bounds (see NqBoundActiveSet). Only where the bounds leave no x
 /// with s = 1, s joins the unknowns, at a cost that outweighs all others.
-class NqLimitedVelocityTool : public NqCoreVelocityControlTool {
+class NqLimitedVelocityTool final : public NqCoreVelocityControlTool {
 public:
+    NqLimitedVelocityTool() { leavePrepAndCalc(); }
+
     enum class Outcome {
         Unlimited, ///< no bound is met
         Limited,   ///< some rates are held, s is what was asked for

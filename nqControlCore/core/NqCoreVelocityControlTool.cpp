@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <typeinfo>
+#include <utility>
 
 using NqRowOperations::load;
 using NqRowOperations::Panel;
@@ -241,7 +243,7 @@ const NqReArray& NqCoreVelocityControlTool::primaryMatrix() const {
 
 void NqCoreVelocityControlTool::setPrimaryMatrix(const NqReArray& primaryMatrix) {
     m_PrimaryMatrix = primaryMatrix;
-    *m_Both = Both::No;
+    m_AsLeft.is = false;
 }
 
 const NqReArray& NqCoreVelocityControlTool::nullSpace() const {
@@ -266,7 +268,6 @@ const std::vector<unsigned int>& NqCoreVelocityControlTool::indices() const {
 
 void NqCoreVelocityControlTool::setIndices(const std::vector<unsigned int>& indices) {
     m_Indices = indices;
-    *m_Both = Both::No;
 }
 
 bool NqCoreVelocityControlTool::calcJointRates(NqJacobianState* jacobianState, const NqReArray& jacobian,
@@ -295,9 +296,7 @@ bool NqCoreVelocityControlTool::calcJointRates(NqJacobianState* jacobianState, c
     for (unsigned i = 0; i < m_N; ++i) {
         m_PrimaryMatrix[i].resize(m_N); // one from outside may be ragged
     }
-    copyRows(jacobian, m_M, m_N, m_PrimaryMatrix);
-    if (!prep(jacobianState, m_PrimaryMatrix, m_Indices, m_M, m_WeightFlag ? 1u : 0u, metric, m_NullSpace,
-              m_WeightedNullSpace)) {
+    if (!factor(jacobianState, jacobian, metric)) {
         return false;
     }
     std::vector<double>& stacked = *m_StackedRightHandSide;
@@ -320,7 +319,7 @@ bool NqCoreVelocityControlTool::calcJointRatesAB(NqJacobianState* jacobianState,
                                     "NqCoreVelocityControlTool::calcJointRatesAB(): no Jacobian state\n");
         return false;
     }
-    *m_PassOverZeros = false;
+    *m_PassOverZeros = m_AsLeft.is = false;
     const NqReArray& jacobian = jacobianState->jacobianArray();
     if (jacobian.size() != 0) {
         m_PrimaryMatrix = jacobianState->factoredJacobianArray();
@@ -362,46 +361,77 @@ bool NqCoreVelocityControlTool::calcJointRatesAB(NqJacobianState* jacobianState,
     return solveTwice(velocity, jointRates, nullSpaceJointRates, determinant);
 }
 
+bool NqCoreVelocityControlTool::isPlain() const {
+    return m_LeavesPrepAndCalc || typeid(*this) == typeid(NqCoreVelocityControlTool);
+}
+
 /// Puts the velocity on top of the right-hand side, whose lower part stands, and solves with it and with
 /// zeros in its place.
 bool NqCoreVelocityControlTool::solveTwice(const std::vector<double>& velocity,
                                            std::vector<double>& jointRates,
                                            std::vector<double>& nullSpaceJointRates, double& determinant) {
+    if (isPlain()) {
+        determinant = solveBoth(velocity);
+        for (auto [lane, rates] : {std::pair(0, &jointRates), std::pair(1, &nullSpaceJointRates)}) {
+            growTo(m_N, *rates);
+            for (unsigned i = 0; i < m_N; ++i) {
+                (*rates)[i] = (*m_Pairs)[i][lane];
+            }
+        }
+        return true;
+    }
     std::vector<double>& stacked = *m_StackedRightHandSide;
     std::vector<double>& nullPart = *m_NullRightHandSide;
-    nullPart.resize(m_N);
-    for (unsigned i = 0; i < m_M; ++i) {
-        stacked[i] = velocity[i];
-        nullPart[i] = 0.0;
-    }
-    for (unsigned i = m_M; i < m_N; ++i) {
-        nullPart[i] = stacked[i];
-    }
-    *m_Both = Both::Given;
+    std::copy_n(velocity.begin(), m_M, stacked.begin());
+    nullPart = stacked;
+    std::fill_n(nullPart.begin(), m_M, 0.0);
     calc(m_PrimaryMatrix, m_Indices, stacked, jointRates, determinant);
     calc(m_PrimaryMatrix, m_Indices, nullPart, nullSpaceJointRates, determinant);
-    *m_Both = Both::No;
     return true;
 }
 
+/// Solves for both right-hand sides side by side, and gives the determinant.
+double NqCoreVelocityControlTool::solveBoth(const std::vector<double>& velocity) {
+    pairUp(velocity);
+    std::array<double, 2>* const x = m_Pairs->data();
+    bool isSolved = false;
+    if (*m_PassOverZeros) {
+        isSolved = (*m_SparseSystem)->substitute(m_PrimaryMatrix, x);
+        if (!isSolved) {
+            pairUp(velocity); // to begin once more
+        }
+    }
+    if (!isSolved && m_N != 0 && m_N <= NqSmallSystem::Places) {
+        NqSmallSystem::substitute(m_PrimaryMatrix, x);
+    } else if (!isSolved) {
+        substituteForward(m_PrimaryMatrix, m_N, x);
+        substituteBackward(m_PrimaryMatrix, m_N, x);
+    }
+    return finish(m_PrimaryMatrix, m_Indices, x);
+}
+
 /// Puts both right-hand sides side by side.
-void NqCoreVelocityControlTool::pairUp() {
+void NqCoreVelocityControlTool::pairUp(const std::vector<double>& velocity) {
     m_Pairs->resize(m_N);
-    for (unsigned i = 0; i < m_N; ++i) {
-        (*m_Pairs)[i] = {(*m_StackedRightHandSide)[i], (*m_NullRightHandSide)[i]};
+    for (unsigned i = 0; i < m_M; ++i) {
+        (*m_Pairs)[i] = {velocity[i], 0.0};
+    }
+    for (unsigned i = m_M; i < m_N; ++i) {
+        const double lower = (*m_StackedRightHandSide)[i];
+        (*m_Pairs)[i] = {lower, lower};
     }
 }
 
 void NqCoreVelocityControlTool::resize() {
-    if (!hasShape(m_PrimaryMatrix, m_N, m_N)) {
-        m_PrimaryMatrix.setToZeros(m_N, m_N);
-    }
-    if (!hasShape(m_NullSpace, m_N, m_NullDimension)) {
-        m_NullSpace.setToZeros(m_N, m_NullDimension);
-    }
-    if (!hasShape(m_WeightedNullSpace, m_N, m_NullDimension)) {
-        m_WeightedNullSpace.setToZeros(m_N, m_NullDimension);
-    }
+    const auto reshape = [this](NqReArray& array, unsigned columns) {
+        if (!hasShape(array, m_N, columns)) {
+            array.setToZeros(m_N, columns);
+            m_AsLeft.is = false;
+        }
+    };
+    reshape(m_PrimaryMatrix, m_N);
+    reshape(m_NullSpace, m_NullDimension);
+    reshape(m_WeightedNullSpace, m_NullDimension);
     if (m_Indices.size() < m_N) {
         m_Indices.assign(m_N, 0u);
     }
@@ -431,54 +461,94 @@ bool NqCoreVelocityControlTool::prep(NqReArray& primaryMatrix, std::vector<unsig
     return true;
 }
 
+/// Factors the system of a step: for a plain tool without a copy of J, where there is a quick way.
+bool NqCoreVelocityControlTool::factor(NqJacobianState* jacobianState, const NqReArray& jacobian,
+                                       const NqReArray& metric) {
+    const bool isAsLeft = std::exchange(m_AsLeft.is, false);
+    const NqReArray* const weights = m_WeightFlag ? &metric : nullptr;
+    const bool isPlainStep = isPlain() && (m_M == 0 || metric.rows() != 0);
+    if (isPlainStep && factorQuickly(jacobianState, jacobian, m_M, weights, isAsLeft, m_PrimaryMatrix,
+                                     m_Indices, m_NullSpace, m_WeightedNullSpace)) {
+        m_AsLeft.is = *m_PassOverZeros;
+        return true;
+    }
+    copyRows(jacobian, m_M, m_N, m_PrimaryMatrix);
+    if (isPlainStep) {
+        factorDensely(jacobianState, m_M, weights, m_PrimaryMatrix, m_Indices, m_NullSpace,
+                      m_WeightedNullSpace);
+        return true;
+    }
+    return prep(jacobianState, m_PrimaryMatrix, m_Indices, m_M, m_WeightFlag ? 1u : 0u, metric, m_NullSpace,
+                m_WeightedNullSpace);
+}
+
 bool NqCoreVelocityControlTool::prep(NqJacobianState* jacobianState, NqReArray& primaryMatrix,
                                      std::vector<unsigned int>& indices, unsigned int m,
                                      unsigned int weightFlag, const NqReArray& metric, NqReArray& nullSpace,
                                      NqReArray& weightedNullSpace) {
-    const unsigned n = primaryMatrix.columns();
-    indices.resize(n);
+    indices.resize(primaryMatrix.columns());
     if (m != 0 && metric.rows() == 0) {
         return false;
     }
-    const bool passOverZeros = m != 0 && jacobianState && jacobianState->useSparseNullSpace();
-    const bool hasShapes = hasShape(primaryMatrix, n, n) && hasShape(nullSpace, n, n - m) &&
-                           hasShape(weightedNullSpace, n, n - m);
-    if (passOverZeros && hasShapes) {
+    const NqReArray* const weights = weightFlag == 1 ? &metric : nullptr;
+    if (!factorQuickly(jacobianState, primaryMatrix, m, weights, false, primaryMatrix, indices, nullSpace,
+                       weightedNullSpace)) {
+        factorDensely(jacobianState, m, weights, primaryMatrix, indices, nullSpace, weightedNullSpace);
+    }
+    return true;
+}
+
+/// Tries to pass over zeros, and the way of few joints. `isAsLeft` says that the arrays are what the former
+/// made last. False, with the rows of J in the matrix as they were, where neither can be taken.
+bool NqCoreVelocityControlTool::factorQuickly(NqJacobianState* jacobianState, const NqReArray& jacobian,
+                                              unsigned m, const NqReArray* metric, bool isAsLeft,
+                                              NqReArray& matrix, std::vector<unsigned int>& indices,
+                                              NqReArray& nullSpace, NqReArray& weightedNullSpace) {
+    const unsigned n = matrix.columns();
+    indices.resize(n);
+    if (m == 0 || !hasShape(matrix, n, n) || !hasShape(nullSpace, n, n - m) ||
+        !hasShape(weightedNullSpace, n, n - m)) {
+        return false;
+    }
+    if (jacobianState && jacobianState->useSparseNullSpace()) {
         if (!*m_SparseSystem) {
             *m_SparseSystem = std::make_shared<NqSparseSystem>();
         }
-        *m_PassOverZeros = (*m_SparseSystem)
-                               ->factor(primaryMatrix, indices, m, jacobianState->sparsityMasks(),
-                                        weightFlag == 1 ? &metric : nullptr, nullSpace, weightedNullSpace);
+        *m_PassOverZeros =
+            (*m_SparseSystem)
+                ->factor(jacobian, m, jacobianState->sparsityMasks(), metric, isAsLeft, matrix, indices,
+                         nullSpace, weightedNullSpace);
         if (*m_PassOverZeros) {
             return true;
         }
     }
-    if (m != 0 && n <= NqSmallSystem::Places && hasShapes &&
-        NqSmallSystem::factor(primaryMatrix, indices, m, weightFlag == 1 ? &metric : nullptr, nullSpace,
-                              weightedNullSpace)) {
-        return true;
-    }
+    return n <= NqSmallSystem::Places &&
+           NqSmallSystem::factor(jacobian, m, metric, matrix, indices, nullSpace, weightedNullSpace);
+}
+
+void NqCoreVelocityControlTool::factorDensely(NqJacobianState* jacobianState, unsigned m,
+                                              const NqReArray* metric, NqReArray& matrix,
+                                              std::vector<unsigned int>& indices, NqReArray& nullSpace,
+                                              NqReArray& weightedNullSpace) {
+    const unsigned n = matrix.columns();
     if (m == 0) {
         nullSpace.setToIdentity(n, n);
         std::iota(indices.begin(), indices.end(), 0u);
-    } else if (passOverZeros) {
-        primaryMatrix.nullSpaceSparse(nullSpace, m, indices, jacobianState->sparsityIndicesFirst(),
-                                      jacobianState->sparsityIndicesSecond());
+    } else if (jacobianState && jacobianState->useSparseNullSpace()) {
+        matrix.nullSpaceSparse(nullSpace, m, indices, jacobianState->sparsityIndicesFirst(),
+                               jacobianState->sparsityIndicesSecond());
     } else {
-        primaryMatrix.nullSpace(nullSpace, m, indices);
+        matrix.nullSpace(nullSpace, m, indices);
     }
-    if (weightFlag == 1) {
-        applyMetric(metric, nullSpace, n, weightedNullSpace);
+    if (metric) {
+        applyMetric(*metric, nullSpace, n, weightedNullSpace);
     } else {
         weightedNullSpace = nullSpace;
     }
     reportZeroColumns(weightedNullSpace, n, *m_ColumnSums);
-    completeFactoring(
-        primaryMatrix, indices, m, n, Ties::FirstWins, [&](unsigned firstRow, unsigned firstColumn) {
-            fillTransposed(weightedNullSpace, *m_ColumnOrder, m, firstRow, firstColumn, primaryMatrix);
-        });
-    return true;
+    completeFactoring(matrix, indices, m, n, Ties::FirstWins, [&](unsigned firstRow, unsigned firstColumn) {
+        fillTransposed(weightedNullSpace, *m_ColumnOrder, m, firstRow, firstColumn, matrix);
+    });
 }
 
 /// Has `fill(firstRow, firstColumn)` write the lower rows from there on, with column m_ColumnOrder[c] of the
@@ -596,35 +666,6 @@ bool NqCoreVelocityControlTool::calc(const NqReArray& factoredMatrix,
         return false;
     }
     growTo(n, solution);
-    // Of the two solves of one step the first does both, abreast, and the other finds its result waiting.
-    const bool isFirst = &rightHandSide == &*m_StackedRightHandSide;
-    const bool isOfBoth = isFirst || &rightHandSide == &*m_NullRightHandSide;
-    if (isOfBoth && *m_Both != Both::No && &factoredMatrix == &m_PrimaryMatrix && &indices == &m_Indices) {
-        if (*m_Both == Both::Given) {
-            pairUp();
-            bool isSolved = false;
-            if (*m_PassOverZeros) {
-                isSolved = (*m_SparseSystem)->substitute(factoredMatrix, m_Pairs->data());
-                if (!isSolved) {
-                    pairUp(); // to begin once more
-                }
-            }
-            if (!isSolved && n != 0 && n <= NqSmallSystem::Places) {
-                NqSmallSystem::substitute(factoredMatrix, m_Pairs->data());
-            } else if (!isSolved) {
-                substituteForward(factoredMatrix, n, m_Pairs->data());
-                substituteBackward(factoredMatrix, n, m_Pairs->data());
-            }
-            *m_Determinant = finish(factoredMatrix, indices, m_Pairs->data());
-            *m_Both = Both::Solved;
-        }
-        const std::size_t lane = isFirst ? 0 : 1;
-        for (unsigned i = 0; i < n; ++i) {
-            solution[i] = (*m_Pairs)[i][lane];
-        }
-        determinant = *m_Determinant;
-        return true;
-    }
     std::copy_n(rightHandSide.begin(), n, solution.begin());
     substituteForward(factoredMatrix, n, solution.data());
     substituteBackward(factoredMatrix, n, solution.data());

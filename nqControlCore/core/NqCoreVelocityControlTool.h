@@ -119,15 +119,38 @@ protected:
                       const std::vector<double>& rightHandSide, std::vector<double>& solution,
                       double& determinant);
 
+    /// For a subclass that overrides neither prep() nor calc(): a step then may go past them, as that of a
+    /// plain tool does, with both solves in one.
+    void leavePrepAndCalc() { m_LeavesPrepAndCalc = true; }
+
 private:
     /// Which of equal pivots is taken.
     enum class Ties { FirstWins, LastWins };
-    /// Whether the two right-hand sides of one step stand ready to be solved together, or are solved.
-    enum class Both { No, Given, Solved };
+    /// Whether the arrays are as the sparse system left them; those that come by copying are not.
+    struct AsLeft {
+        bool is = false;
+        AsLeft() = default;
+        AsLeft(const AsLeft&) {}
+        AsLeft& operator=(const AsLeft&) {
+            is = false;
+            return *this;
+        }
+        ~AsLeft() = default;
+    };
 
+    bool isPlain() const;
+    bool factor(NqJacobianState* jacobianState, const NqReArray& jacobian, const NqReArray& metric);
+    bool factorQuickly(NqJacobianState* jacobianState, const NqReArray& jacobian, unsigned m,
+                       const NqReArray* metric, bool isAsLeft, NqReArray& matrix,
+                       std::vector<unsigned int>& indices, NqReArray& nullSpace,
+                       NqReArray& weightedNullSpace);
+    void factorDensely(NqJacobianState* jacobianState, unsigned m, const NqReArray* metric, NqReArray& matrix,
+                       std::vector<unsigned int>& indices, NqReArray& nullSpace,
+                       NqReArray& weightedNullSpace);
     bool solveTwice(const std::vector<double>& velocity, std::vector<double>& jointRates,
                     std::vector<double>& nullSpaceJointRates, double& determinant);
-    void pairUp();
+    double solveBoth(const std::vector<double>& velocity);
+    void pairUp(const std::vector<double>& velocity);
     template <typename Fill>
     void completeFactoring(NqReArray& matrix, std::vector<unsigned int>& indices, unsigned m, unsigned n,
                            Ties ties, const Fill& fill);
@@ -141,6 +164,7 @@ private:
     NqReArray m_NullSpace;
     NqReArray m_WeightedNullSpace;
     bool m_WeightFlag = true;
+    bool m_LeavesPrepAndCalc = false;
     std::vector<unsigned int> m_Indices;
     unsigned int m_N = 0;
     unsigned int m_M = 0;
@@ -148,11 +172,10 @@ private:
 
     NqUncopied<std::shared_ptr<NqSparseSystem>> m_SparseSystem; ///< once it is wanted
     NqUncopied<bool> m_PassOverZeros;                           ///< in this step
+    AsLeft m_AsLeft;
     NqUncopied<std::vector<double>> m_StackedRightHandSide;
     NqUncopied<std::vector<double>> m_NullRightHandSide;    ///< the same with v = 0
     NqUncopied<std::vector<std::array<double, 2>>> m_Pairs; ///< these two side by side, then both solutions
-    NqUncopied<Both> m_Both;
-    NqUncopied<double> m_Determinant; ///< when both are solved
     NqUncopied<std::vector<unsigned int>> m_FirstPivots;
     NqUncopied<std::vector<unsigned int>> m_SecondPivots;
     NqUncopied<std::vector<unsigned int>> m_ColumnOrder;

@@ -45,21 +45,19 @@ NQ_INLINE_ROWS void collect(Half& part, const double* entries) {
 /// A system in work. What is settled is in the order of the interchanges.
 class System {
 public:
-    System(NqReArray& matrix, unsigned m);
+    System(const NqReArray& jacobian, unsigned m, NqReArray& matrix);
     bool factorJacobian();
     void findBasis();
     bool weightBasis(const NqReArray* metric, NqReArray& nullSpace, NqReArray& weightedNullSpace);
     bool factorLower();
-    void giveIndices(std::vector<unsigned int>& indices) const;
-    void restoreJacobian();
+    void give(std::vector<unsigned int>& indices) const;
 
 private:
     const unsigned m_N;
     const unsigned m_M;
-    double* m_Factors[Places];    ///< L and U
-    Square m_Jacobian;            ///< as it came
+    double* m_Factors[Places];    ///< the rows of the matrix
     Square m_Rows;                ///< J in work, in the caller's column order
-    Square m_Upper;               ///< U
+    Square m_Settled;             ///< L and U of J
     Square m_Basis;               ///< N
     Square m_Weighted;            ///< W N
     double m_Reciprocals[Places]; ///< of the pivots of J
@@ -67,26 +65,20 @@ private:
     unsigned m_Indices[Places];   ///< the interchanges
 };
 
-NQ_INLINE_ROWS System::System(NqReArray& matrix, unsigned m) : m_N(matrix.columns()), m_M(m) {
+NQ_INLINE_ROWS System::System(const NqReArray& jacobian, unsigned m, NqReArray& matrix)
+    : m_N(matrix.columns()), m_M(m) {
     for (unsigned r = 0; r < m_N; ++r) {
         m_Factors[r] = matrix[r].data();
     }
     for (unsigned r = 0; r < m_M; ++r) {
         std::fill_n(m_Rows[r] + kHalf, kHalf, 0.0);
-        NqRowOperations::copyShort(m_Rows[r], m_Factors[r], m_N);
-        NqRowOperations::copyShort(m_Jacobian[r], m_Factors[r], m_N);
+        NqRowOperations::copyShort(m_Rows[r], jacobian[r].data(), m_N);
     }
     for (unsigned r = 0; r <= m_M && r < Places; ++r) { // one more, as entries behind a row may be read along
-        std::fill_n(m_Upper[r], Places, 0.0);
+        std::fill_n(m_Settled[r], Places, 0.0);
     }
     for (unsigned j = 0; j < Places; ++j) {
         m_Order[j] = m_Indices[j] = j;
-    }
-}
-
-NQ_INLINE_ROWS void System::restoreJacobian() {
-    for (unsigned r = 0; r < m_M; ++r) {
-        NqRowOperations::copyShort(m_Factors[r], m_Jacobian[r], m_N);
     }
 }
 
@@ -115,15 +107,13 @@ NQ_INLINE_ROWS bool System::factorJacobian() {
         const double reciprocal = m_Reciprocals[c] = 1.0 / row[column];
         for (unsigned r = c + 1; r < m_M; ++r) {
             const double multiplier = m_Rows[r][column] * reciprocal;
-            m_Factors[r][c] = multiplier;
+            m_Settled[r][c] = multiplier;
             subtractMultiple(m_Rows[r], multiplier, row);
         }
     }
     for (unsigned r = 0; r < m_M; ++r) {
         for (unsigned j = r; j < m_N; ++j) {
-            const double entry = m_Rows[r][m_Order[j]];
-            m_Factors[r][j] = entry;
-            m_Upper[r][j] = entry;
+            m_Settled[r][j] = m_Rows[r][m_Order[j]];
         }
     }
     return true;
@@ -133,7 +123,7 @@ NQ_INLINE_ROWS bool System::factorJacobian() {
 NQ_INLINE_ROWS void System::findBasis() {
     for (unsigned k = 0; m_M + k < m_N; k += kHalf) {
         for (unsigned i = m_M; i-- > 0;) {
-            const double* const u = m_Upper[i];
+            const double* const u = m_Settled[i];
             Half sum, known;
             collect(sum, u + m_M + k);
             sum = -sum;
@@ -195,7 +185,7 @@ NQ_INLINE_ROWS bool System::factorLower() {
         double* const factors = m_Factors[r];
         for (unsigned c = 0; c < m_M; ++c) {
             const double multiplier = factors[c] = row[c] * m_Reciprocals[c];
-            subtractMultiple(row, multiplier, m_Upper[c]);
+            subtractMultiple(row, multiplier, m_Settled[c]);
         }
         NqRowOperations::copyShort(factors + m_M, row + m_M, m_N - m_M);
     }
@@ -214,7 +204,8 @@ NQ_INLINE_ROWS bool System::factorLower() {
         m_Indices[c] = pivot;
         if (pivot != c) {
             for (unsigned r = 0; r < m_N; ++r) {
-                std::swap(m_Factors[r][c], m_Factors[r][pivot]);
+                double* const factors = r < m_M ? m_Settled[r] : m_Factors[r];
+                std::swap(factors[c], factors[pivot]);
             }
         }
         const double reciprocal = 1.0 / row[c];
@@ -228,10 +219,12 @@ NQ_INLINE_ROWS bool System::factorLower() {
     return true;
 }
 
-NQ_INLINE_ROWS void System::giveIndices(std::vector<unsigned int>& indices) const {
-    for (unsigned i = 0; i < m_N; ++i) {
-        indices[i] = m_Indices[i];
+/// Gives what rows of J became, and the interchanges.
+NQ_INLINE_ROWS void System::give(std::vector<unsigned int>& indices) const {
+    for (unsigned r = 0; r < m_M; ++r) {
+        NqRowOperations::copyShort(m_Factors[r], m_Settled[r], m_N);
     }
+    std::copy_n(m_Indices, m_N, indices.begin());
 }
 
 template <unsigned N>
@@ -267,20 +260,18 @@ constexpr auto kSubstitutions = substitutions(std::make_integer_sequence<unsigne
 
 } // namespace
 
-NQ_WIDE_ROWS bool NqSmallSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indices, unsigned m,
-                                        const NqReArray* metric, NqReArray& nullSpace,
-                                        NqReArray& weightedNullSpace) {
-    System system(matrix, m);
+NQ_WIDE_ROWS bool NqSmallSystem::factor(const NqReArray& jacobian, unsigned m, const NqReArray* metric,
+                                        NqReArray& matrix, std::vector<unsigned int>& indices,
+                                        NqReArray& nullSpace, NqReArray& weightedNullSpace) {
+    System system(jacobian, m, matrix);
     if (!system.factorJacobian()) {
-        system.restoreJacobian();
         return false;
     }
     system.findBasis();
     if (!system.weightBasis(metric, nullSpace, weightedNullSpace) || !system.factorLower()) {
-        system.restoreJacobian();
         return false;
     }
-    system.giveIndices(indices);
+    system.give(indices);
     return true;
 }
 

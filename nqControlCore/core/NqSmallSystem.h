@@ -16,12 +16,16 @@ namespace NqSmallSystem {
 /// The most joints.
 inline constexpr unsigned Places = 8;
 
-/// Factors J, the first m rows of a square matrix of at most Places rows, finds its null space, weights that
-/// and factors the rows below J: what NqCoreVelocityControlTool::prep() does, on arrays that have their
-/// sizes. A metric that is null weights nothing. False where a row has no element to be its pivot, or the
-/// metric is not one of a weight for each joint; J is then as it was.
-bool factor(NqReArray& matrix, std::vector<unsigned int>& indices, unsigned m, const NqReArray* metric,
-            NqReArray& nullSpace, NqReArray& weightedNullSpace);
+/// Finds the null space of J, weights that, and factors the square matrix of J and the rows that follow from
+/// it: what NqCoreVelocityControlTool::prep() does, on arrays that have their sizes.
+///
+/// @param jacobian  J in its first m rows; may be the matrix
+/// @param metric    null weights nothing
+/// @param matrix    square, of at most Places rows; given the factors
+/// False where a row has no element to be its pivot, or the metric is not one of a weight for each joint; the
+/// first m rows of the matrix are then as they were.
+bool factor(const NqReArray& jacobian, unsigned m, const NqReArray* metric, NqReArray& matrix,
+            std::vector<unsigned int>& indices, NqReArray& nullSpace, NqReArray& weightedNullSpace);
 
 /// Solves with the factors of at most Places rows for two right-hand sides in x, side by side. An exactly
 /// zero pivot leaves its unknown as it came.

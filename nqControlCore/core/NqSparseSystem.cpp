@@ -69,8 +69,18 @@ NQ_INLINE_ROWS void NqSparseSystem::addMultiple(double* to, double factor, const
     NqRowMask::forEach(span.rest, [&](unsigned j) { to[j] += factor * from[j]; });
 }
 
-bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indices, unsigned m,
-                            const std::vector<Mask>& sparsity, const NqReArray* metric, NqReArray& nullSpace,
+/// to[j] = 0.
+NQ_INLINE_ROWS void NqSparseSystem::clear(double* to, const Span& span) {
+    NqRowMask::forEach(span.groups, [&](unsigned j) {
+        const Group zeros = {};
+        std::memcpy(to + j, &zeros, sizeof zeros);
+    });
+    NqRowMask::forEach(span.rest, [&](unsigned j) { to[j] = 0.0; });
+}
+
+bool NqSparseSystem::factor(const NqReArray& jacobian, unsigned m, const std::vector<Mask>& sparsity,
+                            const NqReArray* metric, bool isAsLeft, NqReArray& matrix,
+                            std::vector<unsigned int>& indices, NqReArray& nullSpace,
                             NqReArray& weightedNullSpace) {
     const unsigned n = matrix.columns();
     if (n < kLeastColumns || n > NqRowMask::Places) {
@@ -85,14 +95,15 @@ bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indice
         m_Reached.fill(0);
         m_AreKnownFew = m_IsWorthIt = m_IsPlanned = false;
     }
-    if (!findZeros(matrix, sparsity) || !findWeights(metric)) {
+    m_IsAsLeft = isAsLeft;
+    if (!findZeros(jacobian, sparsity) || !findWeights(metric)) {
         return false;
     }
     m_NextMultiplier = m_Multipliers.data();
     m_Settled = 0;
     std::iota(m_Order.begin(), m_Order.begin() + m_N, 0u);
     std::iota(m_Place.begin(), m_Place.begin() + m_N, 0u);
-    bool isRegular = factorRows(0, m_M, matrix) && findBasis(nullSpace);
+    bool isRegular = factorRows(0, m_M, jacobian) && findBasis(nullSpace);
     if (isRegular) {
         weightBasis(nullSpace, weightedNullSpace);
         isRegular = factorRows(m_M, m_N, weightedNullSpace);
@@ -100,11 +111,11 @@ bool NqSparseSystem::factor(NqReArray& matrix, std::vector<unsigned int>& indice
     if (!isRegular) {
         return false;
     }
+    writeFactors(matrix);
     if (!m_IsPlanned) {
         planFactors();
         m_IsPlanned = true;
     }
-    writeFactors(matrix);
     std::copy_n(m_Indices.begin(), m_N, indices.begin());
     return true;
 }
@@ -121,11 +132,11 @@ void NqSparseSystem::makeRoom() {
 
 /// Finds the zeros of J: those that are known where they hold and are enough, or those that it has. False
 /// where there are too few.
-NQ_WIDE_ROWS bool NqSparseSystem::findZeros(const NqReArray& matrix, const std::vector<Mask>& sparsity) {
+NQ_WIDE_ROWS bool NqSparseSystem::findZeros(const NqReArray& jacobian, const std::vector<Mask>& sparsity) {
     ForEachRow<Mask> filled;
     Mask others = sparsity.size() == m_M ? 0 : ~Mask{0}; // what differs from zero beside the known
     for (unsigned r = 0; r < m_M; ++r) {
-        filled[r] = NqRowMask::filled(matrix[r].data(), m_N);
+        filled[r] = NqRowMask::filled(jacobian[r].data(), m_N);
         others |= others == 0 ? filled[r] & ~sparsity[r] : 0;
     }
     const ForEachRow<Mask>& reached = others == 0 && areKnownFew(sparsity) ? m_Known : filled;
@@ -219,10 +230,7 @@ NQ_INLINE_ROWS void NqSparseSystem::take(unsigned row, const NqReArray& source) 
         });
         return;
     }
-    NqRowMask::forEach(m_Groups[row], [&](unsigned j) {
-        const Group zeros = {};
-        std::memcpy(values + j, &zeros, sizeof zeros);
-    });
+    clear(values, {m_Groups[row], 0});
     NqRowMask::forEach(m_Reached[row], [&](unsigned j) { values[j] = source[j][row - m_M]; });
 }
 
@@ -361,12 +369,17 @@ NQ_WIDE_ROWS bool NqSparseSystem::findBasis(NqReArray& nullSpace) {
     if (!m_IsPlanned) {
         planBasis();
     }
-    for (unsigned place = 0; place < m_N; ++place) {
+    for (unsigned place = m_M; place < m_N && !isLeft(); ++place) {
         double* const basis = nullSpace[m_Order[place]].data();
         setToZeros(basis, dimension);
-        if (place >= m_M) {
-            basis[place - m_M] = 1.0;
-            continue;
+        basis[place - m_M] = 1.0;
+    }
+    for (unsigned place = 0; place < m_M; ++place) {
+        double* const basis = nullSpace[m_Order[place]].data();
+        if (isLeft()) {
+            clear(basis, m_BasisSpans[m_Order[place]]);
+        } else {
+            setToZeros(basis, dimension);
         }
         const double* const u = m_Rows[place];
         NqRowMask::forEach(m_Filled[place] & ~m_Settled,
@@ -453,12 +466,15 @@ NQ_WIDE_ROWS void NqSparseSystem::weightBasis(const NqReArray& nullSpace, NqReAr
     const unsigned dimension = m_N - m_M;
     for (unsigned j = 0; j < m_N; ++j) {
         double* const weighted = weightedNullSpace[j].data();
-        setToZeros(weighted, dimension);
+        if (!isLeft()) {
+            setToZeros(weighted, dimension);
+        }
         if (m_IsDiagonal) {
             const double* const basis = nullSpace[j].data();
             NqRowMask::forEach(m_WeightedFilled[j],
                                [&](unsigned i) { weighted[i] = basis[i] * m_Diagonal[j]; });
         } else {
+            NqRowMask::forEach(m_WeightedFilled[j], [&](unsigned i) { weighted[i] = 0.0; });
             NqRowMask::forEach(m_WeightsFilled[j], [&](unsigned k) {
                 addMultiple(weighted, m_Weights[j][k], nullSpace[k].data(), m_BasisSpans[k]);
             });
@@ -499,7 +515,9 @@ NQ_WIDE_ROWS void NqSparseSystem::writeFactors(NqReArray& matrix) const {
     for (unsigned r = 0; r < m_N; ++r) {
         const double* const row = m_Rows[r];
         double* const factors = matrix[r].data();
-        setToZeros(factors, m_N);
+        if (!isLeft()) {
+            setToZeros(factors, m_N);
+        }
         NqRowMask::forEach(m_Eliminated[r], [&](unsigned place) { factors[place] = *multiplier++; });
         factors[r] = m_Pivot[r];
         NqRowMask::forEach(m_Filled[r], [&](unsigned column) { factors[m_Place[column]] = row[column]; });

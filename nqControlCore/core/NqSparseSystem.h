@@ -24,17 +24,19 @@ public:
     NqSparseSystem& operator=(const NqSparseSystem&) = delete;
     ~NqSparseSystem() = default;
 
-    /// Factors J, the first m rows of a square matrix, finds its null space, weights that and factors the
-    /// rows below J: what NqCoreVelocityControlTool::prep() does, on arrays that have their sizes.
+    /// Finds the null space of J, weights that, and factors the square matrix of J and the rows that follow
+    /// from it: what NqCoreVelocityControlTool::prep() does, on arrays that have their sizes.
     ///
+    /// @param jacobian  J in its first m rows; may be the matrix
     /// @param sparsity  what can differ from zero in J, a mask for each row. Where there are no such masks,
-    /// or
-    ///                  J has something else, its own zeros count.
+    ///                  or J has something else, its own zeros count.
     /// @param metric    null weights nothing
+    /// @param isAsLeft  whether matrix, null space and weighted null space are what this made last, so that
+    ///                  the zeros that the plan leaves are there
     /// False where that isn't possible, or J has too few zeros; the matrix is then as it was.
-    bool factor(NqReArray& matrix, std::vector<unsigned int>& indices, unsigned m,
-                const std::vector<NqRowMask::Mask>& sparsity, const NqReArray* metric, NqReArray& nullSpace,
-                NqReArray& weightedNullSpace);
+    bool factor(const NqReArray& jacobian, unsigned m, const std::vector<NqRowMask::Mask>& sparsity,
+                const NqReArray* metric, bool isAsLeft, NqReArray& matrix, std::vector<unsigned int>& indices,
+                NqReArray& nullSpace, NqReArray& weightedNullSpace);
 
     /// Solves with the factors that were made last, for two right-hand sides side by side. False where the
     /// result has an infinity or a NaN, which zeros would have spread.
@@ -55,9 +57,11 @@ private:
     static inline Span spanOf(Mask columns, unsigned n);
     static inline void addMultiple(double* to, double factor, const double* from, Mask groups);
     static inline void addMultiple(double* to, double factor, const double* from, const Span& span);
+    static inline void clear(double* to, const Span& span);
 
+    bool isLeft() const { return m_IsAsLeft && m_IsPlanned; }
     void makeRoom();
-    bool findZeros(const NqReArray& matrix, const std::vector<Mask>& sparsity);
+    bool findZeros(const NqReArray& jacobian, const std::vector<Mask>& sparsity);
     inline bool areKnownFew(const std::vector<Mask>& sparsity);
     bool fillFew(const ForEachRow<Mask>& elements) const;
     bool findWeights(const NqReArray* metric);
@@ -116,6 +120,7 @@ private:
     ForEachRow<Mask> m_Together; ///< the steps of a row that the next one goes through at once
 
     // The step at hand.
+    bool m_IsAsLeft = false;
     ForEachRow<double> m_Diagonal;       ///< the weight of each joint,
     ForEachRow<const double*> m_Weights; ///< or its row of a full metric
     ForEachRow<double> m_Pivot;          ///< the diagonal of U

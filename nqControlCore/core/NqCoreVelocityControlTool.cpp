@@ -514,10 +514,9 @@ bool NqCoreVelocityControlTool::factorQuickly(NqJacobianState* jacobianState, co
         if (!*m_SparseSystem) {
             *m_SparseSystem = std::make_shared<NqSparseSystem>();
         }
-        *m_PassOverZeros =
-            (*m_SparseSystem)
-                ->factor(jacobian, m, jacobianState->sparsityMasks(), metric, isAsLeft, matrix, indices,
-                         nullSpace, weightedNullSpace);
+        *m_PassOverZeros = (*m_SparseSystem)
+                               ->factor(jacobian, m, jacobianState->sparsityMasks(), metric, isAsLeft, matrix,
+                                        indices, nullSpace, weightedNullSpace);
         if (*m_PassOverZeros) {
             return true;
         }

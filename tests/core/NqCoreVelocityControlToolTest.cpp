@@ -484,6 +484,31 @@ TEST_P(KnownZeros, ChangeNothing) {
         changed("nothing", [](Problem&) {});
         changed("one more", [&](Problem& p) { p.jacobian[0][p.n - 1] = 0.7; });
         changed("nothing", [](Problem&) {});
+        const auto meddle = [&](const char* what, const auto& change) {
+            changed("before", [](Problem&) {});
+            change();
+            changed(what, [](Problem&) {});
+        };
+        meddle("matrix from outside",
+               [&] { sparseTool.setPrimaryMatrix(nqRandomArray(random, good.n, good.n)); });
+        meddle("rows B", [&] {
+            NqJacobianState full;
+            full.setJacobian(good.jacobian);
+            good.solveAB(sparseTool, &full, nqRandomArray(random, good.n - good.m, good.n), good.gradient);
+        });
+        meddle("assigned", [&] {
+            NqCoreVelocityControlTool other;
+            Problem(random, good.n, good.m).solve(other);
+            sparseTool = other;
+        });
+        meddle("dense step", [&] { Problem(random, good.n, good.m).solve(sparseTool, nullptr); });
+        meddle("resized", [&] {
+            NqPrintCapture capture;
+            Problem small = good;
+            small.n = 2;
+            small.solve(sparseTool);
+            sparseTool.resize();
+        });
         changed("infinite pivot", [&](Problem& p) {
             *std::ranges::max_element(p.jacobian[0], {}, [](double x) { return std::fabs(x); }) = infinity;
         });
@@ -508,6 +533,42 @@ TEST_P(KnownZeros, ChangeNothing) {
     know(bound.jacobian);
     for (const char* step : {"first", "second"}) {
         passesOver(bound, step);
+    }
+}
+
+/// Writes into the arrays that a prep has filled.
+class ScribblingTool : public NqCoreVelocityControlTool {
+public:
+    NqReArray found[3];
+
+protected:
+    using NqCoreVelocityControlTool::prep;
+    bool prep(NqJacobianState* state, NqReArray& matrix, Indices& indices, unsigned m, unsigned weightFlag,
+              const NqReArray& metric, NqReArray& nullSpace, NqReArray& weighted) override {
+        NqCoreVelocityControlTool::prep(state, matrix, indices, m, weightFlag, metric, nullSpace, weighted);
+        for (unsigned i = 0; i < 3; ++i) {
+            NqReArray& array = std::array{std::ref(matrix), std::ref(nullSpace), std::ref(weighted)}[i];
+            found[i] = array;
+            for (unsigned row = 0; row < array.rows(); ++row) {
+                std::ranges::fill(array[row], 7.0);
+            }
+        }
+        return true;
+    }
+};
+
+TEST(CoreVelocityControlTool, KnownZerosAreWhereASubclassWrote) {
+    NqRandom random(31);
+    const Problem problem = limbs(random, 4, 5, 3, 2);
+    NqJacobianState state;
+    state.setUseSparseNullSpace(true);
+    NqCoreVelocityControlTool plain;
+    problem.solve(plain, &state);
+    ScribblingTool tool;
+    for (unsigned step = 0; step < 3; ++step) {
+        problem.solve(tool, &state);
+        EXPECT_TRUE(tool.found[0] == plain.primaryMatrix() && tool.found[1] == plain.nullSpace() &&
+                    tool.found[2] == plain.weightedNullSpace());
     }
 }
 

@@ -116,6 +116,13 @@ void solve(NqCoreVelocityControlTool& tool, NqJacobianState& state, NqFuzzInput&
                 nqSameBits(again.nullSpaceRates, answer.nullSpaceRates) &&
                 nqSameBits({again.determinant}, {answer.determinant}),
             "nothing depends on calls before");
+    for (const auto array : {&NqCoreVelocityControlTool::primaryMatrix, &NqCoreVelocityControlTool::nullSpace,
+                             &NqCoreVelocityControlTool::weightedNullSpace}) {
+        const NqReArray &used = (tool.*array)(), &unused = (fresh.*array)();
+        for (unsigned i = 0; answer.isGood && !isFactored && i < unused.rows(); ++i) {
+            nqHolds(nqSameBits(used[i], unused[i]), "nor do the arrays");
+        }
+    }
     if (isSparse && !isFactored) {
         state.setUseSparseNullSpace(false);
         const Answer dense = ask(fresh);

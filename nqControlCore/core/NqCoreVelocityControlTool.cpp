@@ -372,10 +372,11 @@ bool NqCoreVelocityControlTool::solveTwice(const std::vector<double>& velocity,
                                            std::vector<double>& nullSpaceJointRates, double& determinant) {
     if (isPlain()) {
         determinant = solveBoth(velocity);
-        for (auto [lane, rates] : {std::pair(0, &jointRates), std::pair(1, &nullSpaceJointRates)}) {
-            growTo(m_N, *rates);
+        for (std::size_t lane = 0; lane < 2; ++lane) {
+            std::vector<double>& rates = lane == 0 ? jointRates : nullSpaceJointRates;
+            growTo(m_N, rates);
             for (unsigned i = 0; i < m_N; ++i) {
-                (*rates)[i] = (*m_Pairs)[i][lane];
+                rates[i] = (*m_Pairs)[i][lane];
             }
         }
         return true;

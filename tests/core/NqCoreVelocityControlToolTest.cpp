@@ -466,6 +466,15 @@ TEST_P(KnownZeros, ChangeNothing) {
                 }
             });
         }
+        for (const double first : {1.0, 2.0}) { // rows of the null space that have more than their row of U
+            changed("staircase", [&](Problem& p) {
+                for (unsigned i = 0; i < p.m; ++i) {
+                    p.jacobian[i].assign(p.n, 0.0);
+                    p.jacobian[i][i] = first + i;
+                    p.jacobian[i][i + 1] = 0.5;
+                }
+            });
+        }
         changed("zeros in a limb", [&](Problem& p) { p.jacobian[0][0] = p.jacobian[1][2] = 0.0; });
         changed("last pivot", [](Problem& p) { p.jacobian[0][4] = 99.0; });
         changed("equal pivots", [&](Problem& p) {

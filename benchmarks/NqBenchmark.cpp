@@ -22,6 +22,7 @@ namespace {
 
 constexpr unsigned kTimedSteps = 100000;
 constexpr unsigned kTimedRuns = 5;
+constexpr unsigned kThreadRuns = 41;
 /// Between cold steps so much is written that nothing of them is left in the caches.
 constexpr unsigned kColdSteps = 1000;
 constexpr std::size_t kSpoiledBytes = 16 << 20;
@@ -198,14 +199,8 @@ std::string NqBenchmark::measureStepTimes() {
             json += ",\n    " + cold.json(title);
         }
     }
-    std::printf("\n%-46s %9s %14s %18s %11s\n", "steps a second of independent loops", "one", "two threads",
-                "made by one thread", "bytes each");
-    for (const auto& makeCase : {NqBenchmarkCases::arm, NqBenchmarkCases::humanoid}) {
-        if (const auto benchmarkCase = makeCase(m_Options.models, 256)) {
-            const NqThroughput throughput(*benchmarkCase, kTimedSteps, m_Options.isQuick ? 1 : kTimedRuns);
-            std::fputs(throughput.text(benchmarkCase->title()).c_str(), stdout);
-        }
-    }
+    NqThroughput::print("steps a second of independent loops", m_Options.models,
+                        m_Options.isQuick ? 5 : kThreadRuns);
     return json;
 }
 

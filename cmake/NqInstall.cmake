@@ -1,5 +1,5 @@
 # Installing, in components, and what find_package(nqControlCore) and pkg-config find afterwards: nq::foundation,
-# nq::controlCore, nq::controlLoop and, as the component "urdf", nq::urdf. cpack makes a Debian package of each component.
+# nq::controlCore, nq::controlLoop, nq::wholeCacheLines and, as the component "urdf", nq::urdf. cpack makes a Debian package of each component.
 #   runtime      the program nqDrive, and the libraries if they are shared ones
 #   development  headers, static libraries, and what other builds find them by
 #   examples     models and examples; only on request
@@ -16,7 +16,7 @@ function(nqInstallLibraries export)
         ARCHIVE COMPONENT development)
     install(EXPORT ${export} NAMESPACE nq:: DESTINATION ${nqPackageFolder} COMPONENT development)
 endfunction()
-nqInstallLibraries(nqControlCoreTargets nqFoundation nqControlCore nqControlLoop)
+nqInstallLibraries(nqControlCoreTargets nqFoundation nqControlCore nqControlLoop nqWholeCacheLines)
 
 # Headers keep the folders that they are included by. Those that only sources include stay here.
 set(nqLeftOut "")

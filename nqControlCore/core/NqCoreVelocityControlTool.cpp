@@ -13,6 +13,7 @@
 #include <utility>
 
 using NqRowOperations::load;
+using NqRowOperations::Pair;
 using NqRowOperations::Panel;
 using NqRowOperations::PanelWidth;
 using NqRowOperations::store;
@@ -415,11 +416,11 @@ double NqCoreVelocityControlTool::solveBoth(const std::vector<double>& velocity)
 void NqCoreVelocityControlTool::pairUp(const std::vector<double>& velocity) {
     m_Pairs->resize(m_N);
     for (unsigned i = 0; i < m_M; ++i) {
-        (*m_Pairs)[i] = {velocity[i], 0.0};
+        store((*m_Pairs)[i], Pair{velocity[i], 0.0});
     }
     for (unsigned i = m_M; i < m_N; ++i) {
         const double lower = (*m_StackedRightHandSide)[i];
-        (*m_Pairs)[i] = {lower, lower};
+        store((*m_Pairs)[i], Pair{lower, lower});
     }
 }
 

@@ -102,10 +102,12 @@ NqGeneralMotionFilter::errorBetween(const NqCoordinateSystemTransformation& actu
                                     const NqCoordinateSystemTransformation& desiredPlacement,
                                     bool zAxisOnly) const {
     const NqVector& o = m_Offset.value();
-    const NqCoordinateSystemTransformation toActual = actualPlacement.inverse();
-    const NqCoordinateSystemTransformation relative = toActual * desiredPlacement;
-    return {toActual.orientation(), relative * o - o,
-            NqRotationError::between(relative.orientation(), zAxisOnly)};
+    // inverse(actual) * desired, in parts: as a whole it would go through memory.
+    const NqOrientation toActual = actualPlacement.orientation().inverse();
+    const NqVector origin = toActual * -actualPlacement.translation();
+    const NqVector translation = toActual * desiredPlacement.translation() + origin;
+    const NqOrientation rotation = toActual * desiredPlacement.orientation();
+    return {toActual, rotation * o + translation - o, NqRotationError::between(rotation, zAxisOnly)};
 }
 
 /// The motion of the offset point, in the actual frame, that takes the error away: by the profile and under

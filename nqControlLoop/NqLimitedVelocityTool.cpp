@@ -121,8 +121,8 @@ void NqLimitedVelocityTool::findPath(const std::vector<double>& velocity, std::v
 double NqLimitedVelocityTool::leastPivot() const {
     double least = std::numeric_limits<double>::infinity();
     for (unsigned i = 0; i < m_Rows; ++i) {
-        const double pivot = std::abs(primaryMatrix()[i][i]);
-        least = pivot < least || std::isnan(pivot) ? pivot : least;
+        const double magnitude = std::abs(pivot(i));
+        least = magnitude < least || std::isnan(magnitude) ? magnitude : least;
     }
     return std::isnan(least) ? 0.0 : least;
 }

@@ -10,7 +10,6 @@
 #include <cmath>
 #include <numeric>
 #include <typeinfo>
-#include <utility>
 
 using NqRowOperations::load;
 using NqRowOperations::Pair;
@@ -47,6 +46,10 @@ bool hasRows(const NqReArray& array, std::size_t rows, std::size_t entries) {
 
 bool hasShape(const NqReArray& array, unsigned rows, unsigned columns) {
     return array.rows() == rows && array.columns() == columns;
+}
+
+bool isSmall(unsigned m, unsigned n) {
+    return m != 0 && n <= NqSmallSystem::Places;
 }
 
 void swapColumns(NqReArray& matrix, unsigned first, unsigned second, unsigned rows) {
@@ -239,20 +242,19 @@ void growTo(std::size_t size, std::vector<double>& solution) {
 } // namespace
 
 const NqReArray& NqCoreVelocityControlTool::primaryMatrix() const {
-    return m_PrimaryMatrix;
+    return m_Arrays.matrix();
 }
 
 void NqCoreVelocityControlTool::setPrimaryMatrix(const NqReArray& primaryMatrix) {
-    m_PrimaryMatrix = primaryMatrix;
-    m_AsLeft.is = false;
+    m_Arrays.matrix() = primaryMatrix;
 }
 
 const NqReArray& NqCoreVelocityControlTool::nullSpace() const {
-    return m_NullSpace;
+    return m_Arrays.nullSpace();
 }
 
 const NqReArray& NqCoreVelocityControlTool::weightedNullSpace() const {
-    return m_WeightedNullSpace;
+    return m_Arrays.weightedNullSpace();
 }
 
 const bool& NqCoreVelocityControlTool::weightFlag() const {
@@ -294,15 +296,15 @@ bool NqCoreVelocityControlTool::calcJointRates(NqJacobianState* jacobianState, c
         return reportVector();
     }
     resize();
-    for (unsigned i = 0; i < m_N; ++i) {
-        m_PrimaryMatrix[i].resize(m_N); // one from outside may be ragged
-    }
     if (!factor(jacobianState, jacobian, metric)) {
         return false;
     }
     std::vector<double>& stacked = *m_StackedRightHandSide;
     stacked.assign(m_N, 0.0);
-    addRows(m_NullSpace, gradient.data(), m_N, stacked.data() + m_M, m_NullDimension);
+    double* const descent = stacked.data() + m_M;
+    if (!*m_PassOverZeros || !m_Arrays.sparseSystem().project(gradient, descent)) {
+        addRows(m_Arrays.nullSpace(), gradient.data(), m_N, descent, m_NullDimension);
+    }
     for (unsigned i = m_M; i < m_N; ++i) {
         stacked[i] = -(stacked[i] * alpha);
     }
@@ -320,15 +322,17 @@ bool NqCoreVelocityControlTool::calcJointRatesAB(NqJacobianState* jacobianState,
                                     "NqCoreVelocityControlTool::calcJointRatesAB(): no Jacobian state\n");
         return false;
     }
-    *m_PassOverZeros = m_AsLeft.is = false;
+    *m_PassOverZeros = false;
+    NqReArray& matrix = m_Arrays.matrix();
+    NqReArray& nullSpace = m_Arrays.nullSpace();
     const NqReArray& jacobian = jacobianState->jacobianArray();
     if (jacobian.size() != 0) {
-        m_PrimaryMatrix = jacobianState->factoredJacobianArray();
-        m_NullSpace = jacobianState->nullSpaceArray();
+        matrix = jacobianState->factoredJacobianArray();
+        nullSpace = jacobianState->nullSpaceArray();
         m_Indices = jacobianState->pivotIndices();
     } else {
-        m_PrimaryMatrix.setToIdentity(n, n);
-        m_NullSpace.setToIdentity(n, n);
+        matrix.setToIdentity(n, n);
+        nullSpace.setToIdentity(n, n);
         m_Indices.resize(n);
         std::iota(m_Indices.begin(), m_Indices.end(), 0u);
     }
@@ -347,11 +351,10 @@ bool NqCoreVelocityControlTool::calcJointRatesAB(NqJacobianState* jacobianState,
         pivotsFit = pivotsFit && (i < m_N ? m_Indices[i] < m_N : m_Indices[i] == i);
     }
     if (nullGradient.size() < m_NullDimension || velocity.size() < m_M || !pivotsFit ||
-        !hasShape(m_PrimaryMatrix, m_N, m_N) || !hasRows(m_PrimaryMatrix, m_N, m_N) ||
-        !hasRows(bRows, m_NullDimension, m_N)) {
+        !hasShape(matrix, m_N, m_N) || !hasRows(matrix, m_N, m_N) || !hasRows(bRows, m_NullDimension, m_N)) {
         return reportVector();
     }
-    if (!prep(m_PrimaryMatrix, m_Indices, m_M, m_N, bRows)) {
+    if (!prep(matrix, m_Indices, m_M, m_N, bRows)) {
         return false;
     }
     std::vector<double>& stacked = *m_StackedRightHandSide;
@@ -372,14 +375,9 @@ bool NqCoreVelocityControlTool::solveTwice(const std::vector<double>& velocity,
                                            std::vector<double>& jointRates,
                                            std::vector<double>& nullSpaceJointRates, double& determinant) {
     if (isPlain()) {
-        determinant = solveBoth(velocity);
-        for (std::size_t lane = 0; lane < 2; ++lane) {
-            std::vector<double>& rates = lane == 0 ? jointRates : nullSpaceJointRates;
-            growTo(m_N, rates);
-            for (unsigned i = 0; i < m_N; ++i) {
-                rates[i] = (*m_Pairs)[i][lane];
-            }
-        }
+        growTo(m_N, jointRates);
+        growTo(m_N, nullSpaceJointRates);
+        determinant = solveBoth(velocity, jointRates, nullSpaceJointRates);
         return true;
     }
     std::vector<double>& stacked = *m_StackedRightHandSide;
@@ -387,29 +385,39 @@ bool NqCoreVelocityControlTool::solveTwice(const std::vector<double>& velocity,
     std::copy_n(velocity.begin(), m_M, stacked.begin());
     nullPart = stacked;
     std::fill_n(nullPart.begin(), m_M, 0.0);
-    calc(m_PrimaryMatrix, m_Indices, stacked, jointRates, determinant);
-    calc(m_PrimaryMatrix, m_Indices, nullPart, nullSpaceJointRates, determinant);
+    calc(m_Arrays.matrix(), m_Indices, stacked, jointRates, determinant);
+    calc(m_Arrays.matrix(), m_Indices, nullPart, nullSpaceJointRates, determinant);
     return true;
 }
 
 /// Solves for both right-hand sides side by side, and gives the determinant.
-double NqCoreVelocityControlTool::solveBoth(const std::vector<double>& velocity) {
+double NqCoreVelocityControlTool::solveBoth(const std::vector<double>& velocity,
+                                            std::vector<double>& jointRates,
+                                            std::vector<double>& nullSpaceJointRates) {
     pairUp(velocity);
     std::array<double, 2>* const x = m_Pairs->data();
-    bool isSolved = false;
     if (*m_PassOverZeros) {
-        isSolved = (*m_SparseSystem)->substitute(m_PrimaryMatrix, x);
-        if (!isSolved) {
-            pairUp(velocity); // to begin once more
+        const NqSparseSystem& system = m_Arrays.sparseSystem();
+        if (system.solve(x, jointRates.data(), nullSpaceJointRates.data())) {
+            return system.determinant();
         }
+        pairUp(velocity); // to begin once more
     }
-    if (!isSolved && m_N != 0 && m_N <= NqSmallSystem::Places) {
-        NqSmallSystem::substitute(m_PrimaryMatrix, x);
-    } else if (!isSolved) {
-        substituteForward(m_PrimaryMatrix, m_N, x);
-        substituteBackward(m_PrimaryMatrix, m_N, x);
+    const NqReArray& factors = m_Arrays.matrix();
+    if (m_N != 0 && m_N <= NqSmallSystem::Places) {
+        NqSmallSystem::substitute(factors, x);
+    } else {
+        substituteForward(factors, m_N, x);
+        substituteBackward(factors, m_N, x);
     }
-    return finish(m_PrimaryMatrix, m_Indices, x);
+    const double determinant = finish(factors, m_Indices, x);
+    for (unsigned i = 0; i < m_N; ++i) {
+        jointRates[i] = x[i][0];
+    }
+    for (unsigned i = 0; i < m_N; ++i) {
+        nullSpaceJointRates[i] = x[i][1];
+    }
+    return determinant;
 }
 
 /// Puts both right-hand sides side by side.
@@ -425,15 +433,7 @@ void NqCoreVelocityControlTool::pairUp(const std::vector<double>& velocity) {
 }
 
 void NqCoreVelocityControlTool::resize() {
-    const auto reshape = [this](NqReArray& array, unsigned columns) {
-        if (!hasShape(array, m_N, columns)) {
-            array.setToZeros(m_N, columns);
-            m_AsLeft.is = false;
-        }
-    };
-    reshape(m_PrimaryMatrix, m_N);
-    reshape(m_NullSpace, m_NullDimension);
-    reshape(m_WeightedNullSpace, m_NullDimension);
+    m_Arrays.resize(m_N, m_N - m_NullDimension);
     if (m_Indices.size() < m_N) {
         m_Indices.assign(m_N, 0u);
     }
@@ -466,71 +466,78 @@ bool NqCoreVelocityControlTool::prep(NqReArray& primaryMatrix, std::vector<unsig
 /// Factors the system of a step: for a plain tool without a copy of J, where there is a quick way.
 bool NqCoreVelocityControlTool::factor(NqJacobianState* jacobianState, const NqReArray& jacobian,
                                        const NqReArray& metric) {
-    const bool isAsLeft = std::exchange(m_AsLeft.is, false);
+    const bool hasMetric = m_M == 0 || metric.rows() != 0;
     const NqReArray* const weights = m_WeightFlag ? &metric : nullptr;
-    const bool isPlainStep = isPlain() && (m_M == 0 || metric.rows() != 0);
-    if (isPlainStep && factorQuickly(jacobianState, jacobian, m_M, weights, isAsLeft, m_PrimaryMatrix,
-                                     m_Indices, m_NullSpace, m_WeightedNullSpace)) {
-        m_AsLeft.is = *m_PassOverZeros;
-        return true;
-    }
-    copyRows(jacobian, m_M, m_N, m_PrimaryMatrix);
+    const bool isPlainStep = isPlain() && hasMetric;
     if (isPlainStep) {
-        factorDensely(jacobianState, m_M, weights, m_PrimaryMatrix, m_Indices, m_NullSpace,
-                      m_WeightedNullSpace);
+        m_Indices.resize(m_N);
+        *m_PassOverZeros = passOverZeros(jacobianState, jacobian, m_M, m_N, weights, m_Indices);
+        if (*m_PassOverZeros) {
+            m_Arrays.leaveToSparseSystem();
+            return true;
+        }
+        m_Arrays.forgetSparseSystem(); // all arrays will be written
+    }
+    NqReArray& matrix = m_Arrays.matrix();
+    for (unsigned i = 0; i < m_N; ++i) {
+        matrix[i].resize(m_N); // one from outside may be ragged
+    }
+    if (isPlainStep && isSmall(m_M, m_N) &&
+        NqSmallSystem::factor(jacobian, m_M, weights, matrix, m_Indices, m_Arrays.nullSpace(),
+                              m_Arrays.weightedNullSpace())) {
         return true;
     }
-    return prep(jacobianState, m_PrimaryMatrix, m_Indices, m_M, m_WeightFlag ? 1u : 0u, metric, m_NullSpace,
-                m_WeightedNullSpace);
+    copyRows(jacobian, m_M, m_N, matrix);
+    if (isPlainStep) {
+        factorWithZeros(jacobianState, m_M, weights, matrix, m_Indices, m_Arrays.nullSpace(),
+                        m_Arrays.weightedNullSpace());
+        return true;
+    }
+    return prep(jacobianState, matrix, m_Indices, m_M, m_WeightFlag ? 1u : 0u, metric, m_Arrays.nullSpace(),
+                m_Arrays.weightedNullSpace());
 }
 
 bool NqCoreVelocityControlTool::prep(NqJacobianState* jacobianState, NqReArray& primaryMatrix,
                                      std::vector<unsigned int>& indices, unsigned int m,
                                      unsigned int weightFlag, const NqReArray& metric, NqReArray& nullSpace,
                                      NqReArray& weightedNullSpace) {
-    indices.resize(primaryMatrix.columns());
+    const unsigned n = primaryMatrix.columns();
+    indices.resize(n);
     if (m != 0 && metric.rows() == 0) {
         return false;
     }
     const NqReArray* const weights = weightFlag == 1 ? &metric : nullptr;
-    if (!factorQuickly(jacobianState, primaryMatrix, m, weights, false, primaryMatrix, indices, nullSpace,
-                       weightedNullSpace)) {
-        factorDensely(jacobianState, m, weights, primaryMatrix, indices, nullSpace, weightedNullSpace);
+    const bool hasShapes = hasShape(primaryMatrix, n, n) && hasShape(nullSpace, n, n - m) &&
+                           hasShape(weightedNullSpace, n, n - m);
+    if (hasShapes && passOverZeros(jacobianState, primaryMatrix, m, n, weights, indices)) {
+        const NqSparseSystem& system = m_Arrays.sparseSystem();
+        system.giveFactors(primaryMatrix);
+        system.giveNullSpace(nullSpace);
+        system.giveWeightedNullSpace(weightedNullSpace);
+        return true;
+    }
+    if (!hasShapes || !isSmall(m, n) ||
+        !NqSmallSystem::factor(primaryMatrix, m, weights, primaryMatrix, indices, nullSpace,
+                               weightedNullSpace)) {
+        factorWithZeros(jacobianState, m, weights, primaryMatrix, indices, nullSpace, weightedNullSpace);
     }
     return true;
 }
 
-/// Tries to pass over zeros, and the way of few joints. `isAsLeft` says that the arrays are what the former
-/// made last. False, with the rows of J in the matrix as they were, where neither can be taken.
-bool NqCoreVelocityControlTool::factorQuickly(NqJacobianState* jacobianState, const NqReArray& jacobian,
-                                              unsigned m, const NqReArray* metric, bool isAsLeft,
-                                              NqReArray& matrix, std::vector<unsigned int>& indices,
-                                              NqReArray& nullSpace, NqReArray& weightedNullSpace) {
-    const unsigned n = matrix.columns();
-    indices.resize(n);
-    if (m == 0 || !hasShape(matrix, n, n) || !hasShape(nullSpace, n, n - m) ||
-        !hasShape(weightedNullSpace, n, n - m)) {
-        return false;
-    }
-    if (jacobianState && jacobianState->useSparseNullSpace()) {
-        if (!*m_SparseSystem) {
-            *m_SparseSystem = std::make_shared<NqSparseSystem>();
-        }
-        *m_PassOverZeros = (*m_SparseSystem)
-                               ->factor(jacobian, m, jacobianState->sparsityMasks(), metric, isAsLeft, matrix,
-                                        indices, nullSpace, weightedNullSpace);
-        if (*m_PassOverZeros) {
-            return true;
-        }
-    }
-    return n <= NqSmallSystem::Places &&
-           NqSmallSystem::factor(jacobian, m, metric, matrix, indices, nullSpace, weightedNullSpace);
+/// Leaves the factors to the sparse system, and gives the interchanges. False where the zeros are too few, or
+/// nobody asks for it.
+bool NqCoreVelocityControlTool::passOverZeros(NqJacobianState* jacobianState, const NqReArray& jacobian,
+                                              unsigned m, unsigned n, const NqReArray* metric,
+                                              std::vector<unsigned int>& indices) {
+    return m != 0 && jacobianState && jacobianState->useSparseNullSpace() &&
+           m_Arrays.sparseSystem().factor(jacobian, m, n, jacobianState->sparsityMasks(), metric, indices);
 }
 
-void NqCoreVelocityControlTool::factorDensely(NqJacobianState* jacobianState, unsigned m,
-                                              const NqReArray* metric, NqReArray& matrix,
-                                              std::vector<unsigned int>& indices, NqReArray& nullSpace,
-                                              NqReArray& weightedNullSpace) {
+/// The way of any system; J is in the first m rows of the matrix.
+void NqCoreVelocityControlTool::factorWithZeros(NqJacobianState* jacobianState, unsigned m,
+                                                const NqReArray* metric, NqReArray& matrix,
+                                                std::vector<unsigned int>& indices, NqReArray& nullSpace,
+                                                NqReArray& weightedNullSpace) {
     const unsigned n = matrix.columns();
     if (m == 0) {
         nullSpace.setToIdentity(n, n);

@@ -1,14 +1,12 @@
 #pragma once
 
+#include <nqControlCore/core/NqSystemArrays.h>
 #include <nqControlCore/foundation/math/NqUncopied.h>
-#include <nqControlCore/foundation/matrix/NqReArray.h>
 
 #include <array>
-#include <memory>
 #include <vector>
 
 class NqJacobianState;
-class NqSparseSystem;
 namespace NqRowOperations {
 struct Panel;
 }
@@ -123,33 +121,24 @@ protected:
     /// plain tool does, with both solves in one.
     void leavePrepAndCalc() { m_LeavesPrepAndCalc = true; }
 
+    /// The i-th element of the diagonal of the primary matrix.
+    double pivot(unsigned i) const { return m_Arrays.pivot(i); }
+
 private:
     /// Which of equal pivots is taken.
     enum class Ties { FirstWins, LastWins };
-    /// Whether the arrays are as the sparse system left them; those that come by copying are not.
-    struct AsLeft {
-        bool is = false;
-        AsLeft() = default;
-        AsLeft(const AsLeft&) {}
-        AsLeft& operator=(const AsLeft&) {
-            is = false;
-            return *this;
-        }
-        ~AsLeft() = default;
-    };
 
     bool isPlain() const;
     bool factor(NqJacobianState* jacobianState, const NqReArray& jacobian, const NqReArray& metric);
-    bool factorQuickly(NqJacobianState* jacobianState, const NqReArray& jacobian, unsigned m,
-                       const NqReArray* metric, bool isAsLeft, NqReArray& matrix,
-                       std::vector<unsigned int>& indices, NqReArray& nullSpace,
-                       NqReArray& weightedNullSpace);
-    void factorDensely(NqJacobianState* jacobianState, unsigned m, const NqReArray* metric, NqReArray& matrix,
-                       std::vector<unsigned int>& indices, NqReArray& nullSpace,
-                       NqReArray& weightedNullSpace);
+    bool passOverZeros(NqJacobianState* jacobianState, const NqReArray& jacobian, unsigned m, unsigned n,
+                       const NqReArray* metric, std::vector<unsigned int>& indices);
+    void factorWithZeros(NqJacobianState* jacobianState, unsigned m, const NqReArray* metric,
+                         NqReArray& matrix, std::vector<unsigned int>& indices, NqReArray& nullSpace,
+                         NqReArray& weightedNullSpace);
     bool solveTwice(const std::vector<double>& velocity, std::vector<double>& jointRates,
                     std::vector<double>& nullSpaceJointRates, double& determinant);
-    double solveBoth(const std::vector<double>& velocity);
+    double solveBoth(const std::vector<double>& velocity, std::vector<double>& jointRates,
+                     std::vector<double>& nullSpaceJointRates);
     void pairUp(const std::vector<double>& velocity);
     template <typename Fill>
     void completeFactoring(NqReArray& matrix, std::vector<unsigned int>& indices, unsigned m, unsigned n,
@@ -160,9 +149,7 @@ private:
     void takeBack(NqReArray& matrix, const NqRowOperations::Panel& panel, unsigned c, const Fill& fill);
     void orderColumns(unsigned end);
 
-    NqReArray m_PrimaryMatrix;
-    NqReArray m_NullSpace;
-    NqReArray m_WeightedNullSpace;
+    NqSystemArrays m_Arrays;
     bool m_WeightFlag = true;
     bool m_LeavesPrepAndCalc = false;
     std::vector<unsigned int> m_Indices;
@@ -170,9 +157,7 @@ private:
     unsigned int m_M = 0;
     unsigned int m_NullDimension = 0;
 
-    NqUncopied<std::shared_ptr<NqSparseSystem>> m_SparseSystem; ///< once it is wanted
-    NqUncopied<bool> m_PassOverZeros;                           ///< in this step
-    AsLeft m_AsLeft;
+    NqUncopied<bool> m_PassOverZeros; ///< in this step
     NqUncopied<std::vector<double>> m_StackedRightHandSide;
     NqUncopied<std::vector<double>> m_NullRightHandSide;    ///< the same with v = 0
     NqUncopied<std::vector<std::array<double, 2>>> m_Pairs; ///< these two side by side, then both solutions

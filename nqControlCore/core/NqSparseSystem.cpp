@@ -44,13 +44,6 @@ NQ_INLINE_ROWS NqSparseSystem::Mask NqSparseSystem::groupsOf(Mask columns) {
     return (columns | columns >> 2) & kStarts;
 }
 
-/// The groups of a row of n elements, and those behind the last whole one.
-NQ_INLINE_ROWS NqSparseSystem::Span NqSparseSystem::spanOf(Mask columns, unsigned n) {
-    const unsigned whole = n / PanelWidth * PanelWidth;
-    const Mask inGroups = whole == 0 ? 0 : ~Mask{0} >> (NqRowMask::Places - whole);
-    return {groupsOf(columns & inGroups), columns & ~inGroups};
-}
-
 /// to[j] += factor from[j], in whole groups.
 NQ_INLINE_ROWS void NqSparseSystem::addMultiple(double* to, double factor, const double* from, Mask groups) {
     NqRowMask::forEach(groups, [&](unsigned j) {
@@ -62,27 +55,17 @@ NQ_INLINE_ROWS void NqSparseSystem::addMultiple(double* to, double factor, const
     });
 }
 
-/// to[j] += factor from[j].
-NQ_INLINE_ROWS void NqSparseSystem::addMultiple(double* to, double factor, const double* from,
-                                                const Span& span) {
-    addMultiple(to, factor, from, span.groups);
-    NqRowMask::forEach(span.rest, [&](unsigned j) { to[j] += factor * from[j]; });
-}
-
-/// to[j] = 0.
-NQ_INLINE_ROWS void NqSparseSystem::clear(double* to, const Span& span) {
-    NqRowMask::forEach(span.groups, [&](unsigned j) {
+/// to[j] = 0, in whole groups.
+NQ_INLINE_ROWS void NqSparseSystem::clear(double* to, Mask groups) {
+    NqRowMask::forEach(groups, [&](unsigned j) {
         const Group zeros = {};
         std::memcpy(to + j, &zeros, sizeof zeros);
     });
-    NqRowMask::forEach(span.rest, [&](unsigned j) { to[j] = 0.0; });
 }
 
-bool NqSparseSystem::factor(const NqReArray& jacobian, unsigned m, const std::vector<Mask>& sparsity,
-                            const NqReArray* metric, bool isAsLeft, NqReArray& matrix,
-                            std::vector<unsigned int>& indices, NqReArray& nullSpace,
-                            NqReArray& weightedNullSpace) {
-    const unsigned n = matrix.columns();
+bool NqSparseSystem::factor(const NqReArray& jacobian, unsigned m, unsigned n,
+                            const std::vector<Mask>& sparsity, const NqReArray* metric,
+                            std::vector<unsigned int>& indices) {
     if (n < kLeastColumns || n > NqRowMask::Places) {
         return false;
     }
@@ -95,7 +78,6 @@ bool NqSparseSystem::factor(const NqReArray& jacobian, unsigned m, const std::ve
         m_Reached.fill(0);
         m_AreKnownFew = m_IsWorthIt = m_IsPlanned = false;
     }
-    m_IsAsLeft = isAsLeft;
     if (!findZeros(jacobian, sparsity) || !findWeights(metric)) {
         return false;
     }
@@ -103,15 +85,13 @@ bool NqSparseSystem::factor(const NqReArray& jacobian, unsigned m, const std::ve
     m_Settled = 0;
     std::iota(m_Order.begin(), m_Order.begin() + m_N, 0u);
     std::iota(m_Place.begin(), m_Place.begin() + m_N, 0u);
-    bool isRegular = factorRows(0, m_M, jacobian) && findBasis(nullSpace);
-    if (isRegular) {
-        weightBasis(nullSpace, weightedNullSpace);
-        isRegular = factorRows(m_M, m_N, weightedNullSpace);
-    }
-    if (!isRegular) {
+    if (!factorRows(0, m_M, jacobian) || !findBasis()) {
         return false;
     }
-    writeFactors(matrix);
+    weightBasis();
+    if (!factorRows(m_M, m_N, jacobian)) {
+        return false;
+    }
     if (!m_IsPlanned) {
         planFactors();
         m_IsPlanned = true;
@@ -128,6 +108,10 @@ void NqSparseSystem::makeRoom() {
     void* begin = m_Elements.data() + NqRowMask::Places;
     std::size_t space = (m_Elements.size() - NqRowMask::Places) * sizeof(double);
     m_Begin = static_cast<double*>(std::align(kLine * sizeof(double), sizeof(double), begin, space));
+    m_Stride = (m_N - m_M + PanelWidth - 1) / PanelWidth * PanelWidth;
+    m_Basis.resize(m_N * m_Stride);
+    m_Weighted.assign(m_N * m_Stride, 0.0);
+    m_Sum.resize(m_Stride);
 }
 
 /// Finds the zeros of J: those that are known where they hold and are enough, or those that it has. False
@@ -186,19 +170,19 @@ inline NqSparseSystem::Mask NqSparseSystem::stepsOf(Mask columns) const {
     return steps;
 }
 
-/// Factors rows that `source` has, those below J as its columns.
-NQ_WIDE_ROWS bool NqSparseSystem::factorRows(unsigned begin, unsigned end, const NqReArray& source) {
+/// Factors rows of J, or those below it.
+NQ_WIDE_ROWS bool NqSparseSystem::factorRows(unsigned begin, unsigned end, const NqReArray& jacobian) {
     Mask done = 0; // steps of this row, together with the one before
     for (unsigned row = begin; row < end; ++row) {
         if (!m_IsPlanned && !planElimination(row)) {
             return false;
         }
         if (done == 0) {
-            take(row, source);
+            take(row, jacobian);
         }
         const Mask together = m_IsPlanned ? m_Together[row] : 0;
         if (together != 0) {
-            take(row + 1, source);
+            take(row + 1, jacobian);
         }
         const bool isFinite =
             together != 0 ? eliminatePair(row, together) : eliminate(row, m_Eliminated[row] & ~done);
@@ -214,11 +198,11 @@ NQ_WIDE_ROWS bool NqSparseSystem::factorRows(unsigned begin, unsigned end, const
     return true;
 }
 
-/// Takes a row of J, or one below it, which is a column there.
-NQ_INLINE_ROWS void NqSparseSystem::take(unsigned row, const NqReArray& source) {
+/// Takes a row of J, or one below it, which is a column of W N.
+NQ_INLINE_ROWS void NqSparseSystem::take(unsigned row, const NqReArray& jacobian) {
     double* const values = m_Rows[row];
     if (row < m_M) {
-        const double* const elements = source[row].data();
+        const double* const elements = jacobian[row].data();
         NqRowMask::forEach(m_Groups[row], [&](unsigned j) {
             Group group = {};
             if (j + PanelWidth <= m_N) {
@@ -230,8 +214,15 @@ NQ_INLINE_ROWS void NqSparseSystem::take(unsigned row, const NqReArray& source) 
         });
         return;
     }
-    clear(values, {m_Groups[row], 0});
-    NqRowMask::forEach(m_Reached[row], [&](unsigned j) { values[j] = source[j][row - m_M]; });
+    clear(values, m_Groups[row]);
+    const unsigned column = row - m_M;
+    NqRowMask::forEach(m_Reached[row], [&](unsigned j) { values[j] = weightedAt(j, column); });
+}
+
+/// An element of W N that can differ from zero.
+NQ_INLINE_ROWS double NqSparseSystem::weightedAt(unsigned joint, unsigned column) const {
+    const std::size_t place = joint * m_Stride + column;
+    return m_IsDiagonal ? m_Basis[place] * m_Diagonal[joint] : m_Weighted[place];
 }
 
 /// Finds the steps that eliminate what a row has in settled columns, and what that leaves of it; gives it
@@ -362,25 +353,21 @@ inline unsigned NqSparseSystem::findLargest(unsigned row) const {
     return check != 0.0 || largest == 0.0 ? m_N : m_Order[place];
 }
 
-/// With U = [U11 U12] the rows -U11^-1 U12 for the columns of U11, and a one for each other. False when an
-/// element isn't finite.
-NQ_WIDE_ROWS bool NqSparseSystem::findBasis(NqReArray& nullSpace) {
-    const unsigned dimension = m_N - m_M;
+/// With U = [U11 U12] the rows -U11^-1 U12 for the columns of U11, and a one for each other. What can't
+/// differ from zero is as the step before has left it, if that went by the same plan. False when an element
+/// isn't finite.
+NQ_WIDE_ROWS bool NqSparseSystem::findBasis() {
     if (!m_IsPlanned) {
         planBasis();
-    }
-    for (unsigned place = m_M; place < m_N && !isLeft(); ++place) {
-        double* const basis = nullSpace[m_Order[place]].data();
-        setToZeros(basis, dimension);
-        basis[place - m_M] = 1.0;
+        std::fill(m_Basis.begin(), m_Basis.end(), 0.0);
+        for (unsigned place = m_M; place < m_N; ++place) {
+            basisOf(m_Order[place])[place - m_M] = 1.0;
+        }
     }
     for (unsigned place = 0; place < m_M; ++place) {
-        double* const basis = nullSpace[m_Order[place]].data();
-        if (isLeft()) {
-            clear(basis, m_BasisSpans[m_Order[place]]);
-        } else {
-            setToZeros(basis, dimension);
-        }
+        const unsigned joint = m_Order[place];
+        double* const basis = basisOf(joint);
+        clear(basis, m_BasisGroups[joint]);
         const double* const u = m_Rows[place];
         NqRowMask::forEach(m_Filled[place] & ~m_Settled,
                            [&](unsigned column) { basis[m_Place[column] - m_M] = -u[column]; });
@@ -388,22 +375,17 @@ NQ_WIDE_ROWS bool NqSparseSystem::findBasis(NqReArray& nullSpace) {
     Group check = {}; // NaN, where one isn't finite
     for (unsigned k = m_M; k-- > 0;) {
         const double* const u = m_Rows[k];
-        double* const basis = nullSpace[m_Order[k]].data();
+        double* const basis = basisOf(m_Order[k]);
         NqRowMask::forEach(m_BasisSteps[k], [&](unsigned step) {
             const unsigned known = m_Order[step];
-            addMultiple(basis, -u[known], nullSpace[known].data(), m_BasisSpans[known]);
+            addMultiple(basis, -u[known], basisOf(known), m_BasisGroups[known]);
         });
-        const Span& span = m_BasisSpans[m_Order[k]];
-        NqRowMask::forEach(span.groups, [&](unsigned i) {
+        NqRowMask::forEach(m_BasisGroups[m_Order[k]], [&](unsigned i) {
             Group values;
             std::memcpy(&values, basis + i, sizeof values);
             values *= m_Reciprocal[k];
             check += values * 0.0;
             std::memcpy(basis + i, &values, sizeof values);
-        });
-        NqRowMask::forEach(span.rest, [&](unsigned i) {
-            basis[i] *= m_Reciprocal[k];
-            check[0] += basis[i] * 0.0;
         });
     }
     return check[0] + check[1] + check[2] + check[3] == 0.0;
@@ -424,7 +406,7 @@ inline void NqSparseSystem::planBasis() {
             filled = bit(place - m_M);
         }
         m_BasisFilled[joint] = filled;
-        m_BasisSpans[joint] = spanOf(filled, m_N - m_M);
+        m_BasisGroups[joint] = groupsOf(filled);
     }
 }
 
@@ -458,27 +440,18 @@ NQ_WIDE_ROWS bool NqSparseSystem::findWeights(const NqReArray* metric) {
     return check == 0.0 && count <= kWeights * m_N;
 }
 
-/// W N, whose columns are the rows below J.
-NQ_WIDE_ROWS void NqSparseSystem::weightBasis(const NqReArray& nullSpace, NqReArray& weightedNullSpace) {
+/// W N, whose columns are the rows below J. With a diagonal metric each of its elements is found when it is
+/// needed.
+NQ_WIDE_ROWS void NqSparseSystem::weightBasis() {
     if (!m_IsPlanned) {
         planWeightedBasis();
     }
-    const unsigned dimension = m_N - m_M;
-    for (unsigned j = 0; j < m_N; ++j) {
-        double* const weighted = weightedNullSpace[j].data();
-        if (!isLeft()) {
-            setToZeros(weighted, dimension);
-        }
-        if (m_IsDiagonal) {
-            const double* const basis = nullSpace[j].data();
-            NqRowMask::forEach(m_WeightedFilled[j],
-                               [&](unsigned i) { weighted[i] = basis[i] * m_Diagonal[j]; });
-        } else {
-            NqRowMask::forEach(m_WeightedFilled[j], [&](unsigned i) { weighted[i] = 0.0; });
-            NqRowMask::forEach(m_WeightsFilled[j], [&](unsigned k) {
-                addMultiple(weighted, m_Weights[j][k], nullSpace[k].data(), m_BasisSpans[k]);
-            });
-        }
+    for (unsigned j = 0; j < m_N && !m_IsDiagonal; ++j) {
+        double* const weighted = weightedOf(j);
+        std::fill_n(weighted, m_Stride, 0.0);
+        NqRowMask::forEach(m_WeightsFilled[j], [&](unsigned k) {
+            addMultiple(weighted, m_Weights[j][k], basisOf(k), m_BasisGroups[k]);
+        });
     }
 }
 
@@ -509,36 +482,80 @@ void NqSparseSystem::planFactors() {
     }
 }
 
-/// Gives the matrix the factors, with their columns in order.
-NQ_WIDE_ROWS void NqSparseSystem::writeFactors(NqReArray& matrix) const {
+NQ_WIDE_ROWS bool NqSparseSystem::project(const std::vector<double>& vector, double* result) {
+    if (!NqRowOperations::areFinite(vector.data(), m_N)) {
+        return false;
+    }
+    std::fill(m_Sum.begin(), m_Sum.end(), 0.0);
+    for (unsigned joint = 0; joint < m_N; ++joint) {
+        addMultiple(m_Sum.data(), vector[joint], basisOf(joint), m_BasisGroups[joint]);
+    }
+    std::copy_n(m_Sum.begin(), m_N - m_M, result);
+    return true;
+}
+
+NQ_WIDE_ROWS bool NqSparseSystem::solve(std::array<double, 2>* rightHandSides, double* first,
+                                        double* second) const {
+    std::array<double, 2>* const x = rightHandSides;
+    const double* multiplier = m_Multipliers.data();
+    for (unsigned i = 0; i < m_N; ++i) {
+        Pair sum = load(x[i]);
+        NqRowMask::forEach(m_Eliminated[i], [&](unsigned j) { sum -= load(x[j]) * *multiplier++; });
+        store(x[i], sum);
+    }
+    Pair check = {};
+    for (unsigned i = m_N; i-- > 0;) {
+        const double* const row = m_Rows[i];
+        Pair sum = load(x[i]);
+        NqRowMask::forEach(m_Upper[i], [&](unsigned j) { sum -= load(x[j]) * row[m_Order[j]]; });
+        sum /= m_Pivot[i];
+        store(x[i], sum);
+        check += sum * 0.0; // NaN, if it isn't finite
+    }
+    if (check[0] != 0.0 || check[1] != 0.0) {
+        return false;
+    }
+    for (unsigned i = 0; i < m_N; ++i) {
+        first[m_Order[i]] = x[i][0];
+    }
+    for (unsigned i = 0; i < m_N; ++i) {
+        second[m_Order[i]] = x[i][1];
+    }
+    return true;
+}
+
+double NqSparseSystem::determinant() const {
+    bool isOdd = false;
+    double product = 1.0;
+    for (unsigned i = 0; i < m_N; ++i) {
+        isOdd ^= m_Indices[i] != i;
+        product *= m_Pivot[i];
+    }
+    return isOdd ? product * -1.0 : product;
+}
+
+void NqSparseSystem::giveFactors(NqReArray& matrix) const {
     const double* multiplier = m_Multipliers.data();
     for (unsigned r = 0; r < m_N; ++r) {
         const double* const row = m_Rows[r];
-        double* const factors = matrix[r].data();
-        if (!isLeft()) {
-            setToZeros(factors, m_N);
-        }
+        std::vector<double>& factors = matrix[r];
+        factors.assign(m_N, 0.0); // one from outside may be ragged
         NqRowMask::forEach(m_Eliminated[r], [&](unsigned place) { factors[place] = *multiplier++; });
         factors[r] = m_Pivot[r];
         NqRowMask::forEach(m_Filled[r], [&](unsigned column) { factors[m_Place[column]] = row[column]; });
     }
 }
 
-NQ_WIDE_ROWS bool NqSparseSystem::substitute(const NqReArray& factors, std::array<double, 2>* x) const {
-    for (unsigned i = 0; i < m_N; ++i) {
-        const double* const row = factors[i].data();
-        Pair sum = load(x[i]);
-        NqRowMask::forEach(m_Eliminated[i], [&](unsigned j) { sum -= load(x[j]) * row[j]; });
-        store(x[i], sum);
+void NqSparseSystem::giveNullSpace(NqReArray& nullSpace) const {
+    for (unsigned j = 0; j < m_N; ++j) {
+        std::copy_n(basisOf(j), m_N - m_M, nullSpace[j].begin());
     }
-    Pair check = {};
-    for (unsigned i = m_N; i-- > 0;) {
-        const double* const row = factors[i].data();
-        Pair sum = load(x[i]);
-        NqRowMask::forEach(m_Upper[i], [&](unsigned j) { sum -= load(x[j]) * row[j]; });
-        sum /= row[i];
-        store(x[i], sum);
-        check += sum * 0.0; // NaN, if it isn't finite
+}
+
+void NqSparseSystem::giveWeightedNullSpace(NqReArray& weightedNullSpace) const {
+    for (unsigned j = 0; j < m_N; ++j) {
+        std::vector<double>& weighted = weightedNullSpace[j];
+        std::fill(weighted.begin(), weighted.end(), 0.0);
+        NqRowMask::forEach(m_WeightedFilled[j], [&](unsigned i) { weighted[i] = weightedAt(j, i); });
     }
-    return check[0] == 0.0 && check[1] == 0.0;
 }

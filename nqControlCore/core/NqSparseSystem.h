@@ -25,66 +25,76 @@ public:
     ~NqSparseSystem() = default;
 
     /// Finds the null space of J, weights that, and factors the square matrix of J and the rows that follow
-    /// from it: what NqCoreVelocityControlTool::prep() does, on arrays that have their sizes.
+    /// from it: what NqCoreVelocityControlTool::prep() does.
     ///
-    /// @param jacobian  J in its first m rows; may be the matrix
+    /// @param jacobian  J in its first m rows, of n columns
     /// @param sparsity  what can differ from zero in J, a mask for each row. Where there are no such masks,
     ///                  or J has something else, its own zeros count.
     /// @param metric    null weights nothing
-    /// @param isAsLeft  whether matrix, null space and weighted null space are what this made last, so that
-    ///                  the zeros that the plan leaves are there
-    /// False where that isn't possible, or J has too few zeros; the matrix is then as it was.
-    bool factor(const NqReArray& jacobian, unsigned m, const std::vector<NqRowMask::Mask>& sparsity,
-                const NqReArray* metric, bool isAsLeft, NqReArray& matrix, std::vector<unsigned int>& indices,
-                NqReArray& nullSpace, NqReArray& weightedNullSpace);
+    /// @param indices   of n entries; given the interchanges
+    /// False where that isn't possible, or J has too few zeros.
+    bool factor(const NqReArray& jacobian, unsigned m, unsigned n,
+                const std::vector<NqRowMask::Mask>& sparsity, const NqReArray* metric,
+                std::vector<unsigned int>& indices);
 
-    /// Solves with the factors that were made last, for two right-hand sides side by side. False where the
-    /// result has an infinity or a NaN, which zeros would have spread.
-    bool substitute(const NqReArray& factors, std::array<double, 2>* x) const;
+    // Of the last factoring, if that was possible:
+
+    /// Solves for two right-hand sides side by side, which are used up. False, the solutions untouched, where
+    /// one has an infinity or a NaN, which zeros would have spread.
+    bool solve(std::array<double, 2>* rightHandSides, double* first, double* second) const;
+
+    /// N^T g for a vector g over the joints. False, the result untouched, where g isn't finite.
+    bool project(const std::vector<double>& vector, double* result);
+
+    double determinant() const;
+    double pivot(unsigned i) const { return m_Pivot[i]; }
+
+    /// The arrays, whole.
+    void giveFactors(NqReArray& matrix) const;
+    void giveNullSpace(NqReArray& nullSpace) const;
+    void giveWeightedNullSpace(NqReArray& weightedNullSpace) const;
 
 private:
     using Mask = NqRowMask::Mask;
     template <typename T>
     using ForEachRow = std::array<T, NqRowMask::Places>;
 
-    /// Columns of a row: those in groups of four by where such a group begins, and those behind the last
-    /// group.
-    struct Span {
-        Mask groups;
-        Mask rest;
-    };
     static inline Mask groupsOf(Mask columns);
-    static inline Span spanOf(Mask columns, unsigned n);
     static inline void addMultiple(double* to, double factor, const double* from, Mask groups);
-    static inline void addMultiple(double* to, double factor, const double* from, const Span& span);
-    static inline void clear(double* to, const Span& span);
+    static inline void clear(double* to, Mask groups);
 
-    bool isLeft() const { return m_IsAsLeft && m_IsPlanned; }
     void makeRoom();
     bool findZeros(const NqReArray& jacobian, const std::vector<Mask>& sparsity);
     inline bool areKnownFew(const std::vector<Mask>& sparsity);
     bool fillFew(const ForEachRow<Mask>& elements) const;
     bool findWeights(const NqReArray* metric);
-    bool factorRows(unsigned begin, unsigned end, const NqReArray& source);
+    bool factorRows(unsigned begin, unsigned end, const NqReArray& jacobian);
     inline bool planElimination(unsigned row);
-    inline void take(unsigned row, const NqReArray& source);
+    inline void take(unsigned row, const NqReArray& jacobian);
     inline bool eliminate(unsigned row, Mask steps);
     inline bool eliminatePair(unsigned row, Mask steps);
     inline bool settle(unsigned row);
     inline bool isLargestStill(unsigned row) const;
     inline unsigned findLargest(unsigned row) const;
-    bool findBasis(NqReArray& nullSpace);
+    bool findBasis();
     inline void planBasis();
-    void weightBasis(const NqReArray& nullSpace, NqReArray& weightedNullSpace);
+    void weightBasis();
     void planWeightedBasis();
     inline Mask stepsOf(Mask columns) const;
     void planFactors();
-    void writeFactors(NqReArray& matrix) const;
+    double* basisOf(unsigned joint) { return m_Basis.data() + joint * m_Stride; }
+    const double* basisOf(unsigned joint) const { return m_Basis.data() + joint * m_Stride; }
+    double* weightedOf(unsigned joint) { return m_Weighted.data() + joint * m_Stride; }
+    inline double weightedAt(unsigned joint, unsigned column) const;
 
     unsigned m_N = 0;
     unsigned m_M = 0;
     std::vector<double> m_Elements; ///< of the rows of A, each from its first group to its last
     double* m_Begin = nullptr;      ///< where room for them begins
+    unsigned m_Stride = 0;          ///< of what follows, in whole groups
+    std::vector<double> m_Basis;    ///< N, row behind row
+    std::vector<double> m_Weighted; ///< W N, where W isn't diagonal
+    std::vector<double> m_Sum;      ///< of rows of N
 
     // The plan, in the caller's columns.
     bool m_IsPlanned = false; ///< whether what follows goes as in the step before
@@ -110,7 +120,7 @@ private:
     // By planBasis(), findWeights() and planWeightedBasis().
     ForEachRow<Mask> m_BasisSteps;     ///< the rows of N, by their steps, that one of U11 needs
     ForEachRow<Mask> m_BasisFilled;    ///< columns of N, for each joint
-    ForEachRow<Span> m_BasisSpans;     ///< these as spans
+    ForEachRow<Mask> m_BasisGroups;    ///< where the groups begin that these are in
     bool m_IsDiagonal = true;          ///< whether the metric has one weight for each joint
     ForEachRow<Mask> m_WeightsFilled;  ///< of a full metric
     ForEachRow<Mask> m_WeightedFilled; ///< columns of W N, for each joint
@@ -120,7 +130,6 @@ private:
     ForEachRow<Mask> m_Together; ///< the steps of a row that the next one goes through at once
 
     // The step at hand.
-    bool m_IsAsLeft = false;
     ForEachRow<double> m_Diagonal;       ///< the weight of each joint,
     ForEachRow<const double*> m_Weights; ///< or its row of a full metric
     ForEachRow<double> m_Pivot;          ///< the diagonal of U

@@ -119,4 +119,33 @@ TEST(NqBoundedLeastSquares, HasNothingToGainInTheBounds) {
     }
 }
 
+TEST(NqLimitedVelocityTool, KnownZerosChangeNothing) {
+    std::mt19937_64 random(41);
+    constexpr unsigned n = 30, m = 12;
+    NqLimitedVelocityTool plain, knowing;
+    for (unsigned round = 0; round < 40; ++round) {
+        NqLimitedProblem problem(random, n, m); // of six limbs
+        std::vector<std::vector<bool>> bits(m, std::vector<bool>(n));
+        for (unsigned i = 0; i < m; ++i) {
+            for (unsigned j = 0; j < n; ++j) {
+                bits[i][j] = i / 2 == j / 5;
+                problem.jacobian[i][j] = bits[i][j] ? problem.jacobian[i][j] : 0.0;
+            }
+        }
+        if (round % 2 == 0) {
+            problem.lower.assign(n, -1.0e9); // none is met
+            problem.upper.assign(n, 1.0e9);
+        }
+        knowing.setSparsity(bits);
+        const auto solve = [&](NqLimitedVelocityTool& tool) {
+            return tool.solve(problem.jacobian, problem.metric, problem.gradient, problem.velocity,
+                              problem.lower, problem.upper);
+        };
+        EXPECT_EQ(solve(knowing), solve(plain));
+        EXPECT_EQ(knowing.leastPivot(), plain.leastPivot());
+        EXPECT_EQ(knowing.rates(), plain.rates());
+        EXPECT_EQ(knowing.scale(), plain.scale());
+    }
+}
+
 } // namespace

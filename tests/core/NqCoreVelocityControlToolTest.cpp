@@ -498,7 +498,12 @@ TEST_P(KnownZeros, ChangeNothing) {
         changed("nothing", [](Problem&) {});
         // Nobody looks at the arrays until something else changes some of them.
         const NqReArray other = nqRandomArray(random, good.n, good.n);
+        Problem bent = good;
+        for (unsigned i = 0; i < bent.m; ++i) {
+            transform(bent.jacobian[i], [&](double x) { return x * (1.0 + 0.3 * nqUniform(random)); });
+        }
         const auto meddle = [&](const char* what, const auto& change) {
+            passesOver(bent, what);
             SCOPED_TRACE(what);
             NqPrintCapture capture;
             good.solve(plainTool);
@@ -516,8 +521,9 @@ TEST_P(KnownZeros, ChangeNothing) {
         });
         meddle("copied", [&](Tool& tool) {
             const Tool copy(tool);
-            Problem(random, good.n, good.m).solve(tool, &state);
+            bent.solve(tool, &state);
             tool = copy;
+            EXPECT_EQ(tool.primaryMatrix(), copy.primaryMatrix());
         });
         meddle("refused", [&](Tool& tool) {
             Problem unweighted = good;
@@ -538,6 +544,9 @@ TEST_P(KnownZeros, ChangeNothing) {
             p.jacobian[0][0] = 1.0e-200;
             p.jacobian[last][0] = 1.0e200;
         });
+        for (unsigned j = 0; j < good.n; ++j) {
+            changed("infinite gradient", [&](Problem& p) { p.gradient[j] = infinity; });
+        }
         for (const double value : {infinity, -infinity, std::nan(""), 1.0e-310, 1.0e200, 1.0e308}) {
             changed("odd value", [&](Problem& p) { p.jacobian[round % p.m][0] = value; });
             changed("odd limb", [&](Problem& p) {

@@ -423,12 +423,13 @@ double NqCoreVelocityControlTool::solveBoth(const std::vector<double>& velocity,
 /// Puts both right-hand sides side by side.
 void NqCoreVelocityControlTool::pairUp(const std::vector<double>& velocity) {
     m_Pairs->resize(m_N);
+    std::array<double, 2>* const pairs = m_Pairs->data();
+    const double* const stacked = m_StackedRightHandSide->data();
     for (unsigned i = 0; i < m_M; ++i) {
-        store((*m_Pairs)[i], Pair{velocity[i], 0.0});
+        store(pairs[i], Pair{velocity[i], 0.0});
     }
     for (unsigned i = m_M; i < m_N; ++i) {
-        const double lower = (*m_StackedRightHandSide)[i];
-        store((*m_Pairs)[i], Pair{lower, lower});
+        store(pairs[i], Pair{stacked[i], stacked[i]});
     }
 }
 

@@ -37,6 +37,9 @@ public:
 
     virtual ~NqCoreVelocityControlTool() = default;
 
+    // A step that passes over zeros writes the following arrays when they are asked for: ask again after each
+    // step, as a reference from before may still show the one before.
+
     /// n by n; after a solve the factors of A with its columns interchanged: L, unit lower triangular,
     /// strictly below the diagonal, U on and above it.
     virtual const NqReArray& primaryMatrix() const;

@@ -374,15 +374,15 @@ bool NqCoreVelocityControlTool::isPlain() const {
 bool NqCoreVelocityControlTool::solveTwice(const std::vector<double>& velocity,
                                            std::vector<double>& jointRates,
                                            std::vector<double>& nullSpaceJointRates, double& determinant) {
+    std::vector<double>& stacked = *m_StackedRightHandSide;
+    std::copy_n(velocity.begin(), m_M, stacked.begin());
     if (isPlain()) {
-        growTo(m_N, jointRates);
+        growTo(m_N, jointRates); // may be the vector that the velocity came in
         growTo(m_N, nullSpaceJointRates);
-        determinant = solveBoth(velocity, jointRates, nullSpaceJointRates);
+        determinant = solveBoth(jointRates.data(), nullSpaceJointRates.data());
         return true;
     }
-    std::vector<double>& stacked = *m_StackedRightHandSide;
     std::vector<double>& nullPart = *m_NullRightHandSide;
-    std::copy_n(velocity.begin(), m_M, stacked.begin());
     nullPart = stacked;
     std::fill_n(nullPart.begin(), m_M, 0.0);
     calc(m_Arrays.matrix(), m_Indices, stacked, jointRates, determinant);
@@ -391,17 +391,15 @@ bool NqCoreVelocityControlTool::solveTwice(const std::vector<double>& velocity,
 }
 
 /// Solves for both right-hand sides side by side, and gives the determinant.
-double NqCoreVelocityControlTool::solveBoth(const std::vector<double>& velocity,
-                                            std::vector<double>& jointRates,
-                                            std::vector<double>& nullSpaceJointRates) {
-    pairUp(velocity);
+double NqCoreVelocityControlTool::solveBoth(double* jointRates, double* nullSpaceJointRates) {
+    pairUp();
     std::array<double, 2>* const x = m_Pairs->data();
     if (*m_PassOverZeros) {
         const NqSparseSystem& system = m_Arrays.sparseSystem();
-        if (system.solve(x, jointRates.data(), nullSpaceJointRates.data())) {
+        if (system.solve(x, jointRates, nullSpaceJointRates)) {
             return system.determinant();
         }
-        pairUp(velocity); // to begin once more
+        pairUp(); // to begin once more
     }
     const NqReArray& factors = m_Arrays.matrix();
     if (m_N != 0 && m_N <= NqSmallSystem::Places) {
@@ -421,12 +419,12 @@ double NqCoreVelocityControlTool::solveBoth(const std::vector<double>& velocity,
 }
 
 /// Puts both right-hand sides side by side.
-void NqCoreVelocityControlTool::pairUp(const std::vector<double>& velocity) {
+void NqCoreVelocityControlTool::pairUp() {
     m_Pairs->resize(m_N);
     std::array<double, 2>* const pairs = m_Pairs->data();
     const double* const stacked = m_StackedRightHandSide->data();
     for (unsigned i = 0; i < m_M; ++i) {
-        store(pairs[i], Pair{velocity[i], 0.0});
+        store(pairs[i], Pair{stacked[i], 0.0});
     }
     for (unsigned i = m_M; i < m_N; ++i) {
         store(pairs[i], Pair{stacked[i], stacked[i]});

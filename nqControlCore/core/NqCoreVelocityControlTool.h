@@ -140,9 +140,8 @@ private:
                          NqReArray& weightedNullSpace);
     bool solveTwice(const std::vector<double>& velocity, std::vector<double>& jointRates,
                     std::vector<double>& nullSpaceJointRates, double& determinant);
-    double solveBoth(const std::vector<double>& velocity, std::vector<double>& jointRates,
-                     std::vector<double>& nullSpaceJointRates);
-    void pairUp(const std::vector<double>& velocity);
+    double solveBoth(double* jointRates, double* nullSpaceJointRates);
+    void pairUp();
     template <typename Fill>
     void completeFactoring(NqReArray& matrix, std::vector<unsigned int>& indices, unsigned m, unsigned n,
                            Ties ties, const Fill& fill);

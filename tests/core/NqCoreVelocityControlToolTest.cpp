@@ -351,6 +351,10 @@ TEST(CoreVelocityControlTool, SubclassesHaveTheirWay) {
                                      problem.alpha, problem.velocity, 9, both.rates, both.rates,
                                      both.determinant));
     EXPECT_EQ(both.rates, problem.solve(plain).nullRates) << "written last";
+    Numbers inPlace = problem.velocity;
+    EXPECT_TRUE(plain.calcJointRates(nullptr, problem.jacobian, problem.metric, problem.gradient,
+                                     problem.alpha, inPlace, 9, inPlace, both.nullRates, both.determinant));
+    EXPECT_EQ(inPlace, problem.solve(plain).rates);
 }
 
 TEST(CoreVelocityControlTool, MatricesFromOutsideMayBeRagged) {

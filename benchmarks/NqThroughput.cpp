@@ -15,10 +15,12 @@
 
 #include <benchmark/benchmark.h>
 #include <malloc.h>
+#include <pthread.h>
+#include <sched.h>
 
 namespace {
 
-constexpr unsigned kMostThreads = 2;
+constexpr unsigned kThreads = 2;
 constexpr double kRunSeconds = 0.02;
 
 using Clock = std::chrono::steady_clock;
@@ -30,32 +32,62 @@ double secondsOf(const NqThroughput::Loop& loop, unsigned steps) {
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-double stepsPerSecond(const Make& make, unsigned threads, unsigned steps, bool isMadeByOne) {
-    std::array<NqThroughput::Loop, kMostThreads> loops;
-    std::array<double, kMostThreads> rates{};
+/// Keeps this thread on the i-th of the cores that the process may use.
+void keepOnCore(unsigned i) {
+    static const cpu_set_t allowed = [] {
+        cpu_set_t cores;
+        sched_getaffinity(0, sizeof cores, &cores);
+        return cores;
+    }();
+    unsigned count = 0;
+    for (unsigned core = 0; core < CPU_SETSIZE; ++core) {
+        if (CPU_ISSET(core, &allowed) && count++ == i) {
+            cpu_set_t one;
+            CPU_ZERO(&one);
+            CPU_SET(core, &one);
+            pthread_setaffinity_np(pthread_self(), sizeof one, &one);
+        }
+    }
+}
+
+struct Rates {
+    double alone = 0.0; ///< mean of what each core does while the other one rests
+    double together = 0.0;
+};
+
+/// Two loops, each on a core of its own: first one, then the other, then both.
+Rates measure(const Make& make, unsigned steps, bool isMadeByOne) {
+    std::array<NqThroughput::Loop, kThreads> loops;
+    std::array<double, kThreads> alone{}, together{};
     const auto makeReady = [&](unsigned i) {
         loops[i] = make();
         loops[i](1);
     };
-    for (unsigned i = 0; i < threads && isMadeByOne; ++i) {
+    for (unsigned i = 0; i < kThreads && isMadeByOne; ++i) {
         makeReady(i);
     }
-    std::barrier atStart(threads);
-    std::array<std::thread, kMostThreads> running;
-    for (unsigned i = 0; i < threads; ++i) {
+    std::barrier atTurn(kThreads);
+    std::array<std::thread, kThreads> running;
+    for (unsigned i = 0; i < kThreads; ++i) {
         running[i] = std::thread([&, i] {
+            keepOnCore(i);
             if (!isMadeByOne) {
                 makeReady(i);
             }
-            loops[i](steps / 4); // until the threads have found a core each
-            atStart.arrive_and_wait();
-            rates[i] = steps / secondsOf(loops[i], steps);
+            for (unsigned turn = 0; turn < kThreads; ++turn) {
+                atTurn.arrive_and_wait();
+                if (turn == i) {
+                    alone[i] = steps / secondsOf(loops[i], steps);
+                }
+            }
+            atTurn.arrive_and_wait();
+            together[i] = steps / secondsOf(loops[i], steps);
         });
     }
-    for (unsigned i = 0; i < threads; ++i) {
-        running[i].join();
+    for (std::thread& thread : running) {
+        thread.join();
     }
-    return rates[0] + rates[1];
+    return {(alone[0] + alone[1]) / kThreads, together[0] + together[1]};
 }
 
 double median(std::vector<double> values) {
@@ -103,10 +135,10 @@ NqThroughput::NqThroughput(const Make& make, unsigned steps, unsigned runs) {
     loop = nullptr;
     std::vector<double> alone, ownLoops, loopsOfOne;
     for (unsigned run = 0; run < runs; ++run) {
-        const double rate = stepsPerSecond(make, 1, steps, false);
-        alone.push_back(rate);
-        ownLoops.push_back(stepsPerSecond(make, 2, steps, false) / rate);
-        loopsOfOne.push_back(stepsPerSecond(make, 2, steps, true) / rate);
+        const Rates own = measure(make, steps, false), ofOne = measure(make, steps, true);
+        alone.push_back(own.alone);
+        ownLoops.push_back(own.together / own.alone);
+        loopsOfOne.push_back(ofOne.together / ofOne.alone);
     }
     m_Alone = median(alone);
     m_OwnLoops = median(ownLoops);

@@ -5,9 +5,10 @@
 #include <functional>
 #include <string>
 
-/// Steps a second of independent loops, one on each thread: on one thread, and on two with loops that each
-/// thread made itself, or one made for all. By the wall clock, in short runs that follow each other, since
-/// the cores of a virtual machine seldom keep their speed: the rate and the two ratios are medians.
+/// Steps a second of independent loops: of one, and of two at once on two cores, with loops that each thread
+/// made itself, or one made for both. By the wall clock, in short turns that follow each other, since the
+/// cores of a virtual machine are seldom equal and seldom keep their speed: what both do at once is divided
+/// by the mean of what each does alone. The rate and the two ratios are medians.
 class NqThroughput {
 public:
     /// Makes that many steps.

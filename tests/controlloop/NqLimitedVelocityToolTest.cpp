@@ -138,13 +138,11 @@ TEST(NqLimitedVelocityTool, KnownZerosChangeNothing) {
         }
         knowing.setSparsity(bits);
         const auto solve = [&](NqLimitedVelocityTool& tool) {
-            return tool.solve(problem.jacobian, problem.metric, problem.gradient, problem.velocity,
-                              problem.lower, problem.upper);
+            const Outcome outcome = tool.solve(problem.jacobian, problem.metric, problem.gradient,
+                                               problem.velocity, problem.lower, problem.upper);
+            return std::tuple(outcome, tool.leastPivot(), tool.rates(), tool.scale());
         };
         EXPECT_EQ(solve(knowing), solve(plain));
-        EXPECT_EQ(knowing.leastPivot(), plain.leastPivot());
-        EXPECT_EQ(knowing.rates(), plain.rates());
-        EXPECT_EQ(knowing.scale(), plain.scale());
     }
 }
 

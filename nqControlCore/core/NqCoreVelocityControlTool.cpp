@@ -488,7 +488,7 @@ bool NqCoreVelocityControlTool::factor(NqJacobianState* jacobianState, const NqR
     }
     copyRows(jacobian, m_M, m_N, matrix);
     if (isPlainStep) {
-        factorWithZeros(jacobianState, m_M, weights, matrix, m_Indices, m_Arrays.nullSpace(),
+        factorInGeneral(jacobianState, m_M, weights, matrix, m_Indices, m_Arrays.nullSpace(),
                         m_Arrays.weightedNullSpace());
         return true;
     }
@@ -518,7 +518,7 @@ bool NqCoreVelocityControlTool::prep(NqJacobianState* jacobianState, NqReArray& 
     if (!hasShapes || !isSmall(m, n) ||
         !NqSmallSystem::factor(primaryMatrix, m, weights, primaryMatrix, indices, nullSpace,
                                weightedNullSpace)) {
-        factorWithZeros(jacobianState, m, weights, primaryMatrix, indices, nullSpace, weightedNullSpace);
+        factorInGeneral(jacobianState, m, weights, primaryMatrix, indices, nullSpace, weightedNullSpace);
     }
     return true;
 }
@@ -533,7 +533,7 @@ bool NqCoreVelocityControlTool::passOverZeros(NqJacobianState* jacobianState, co
 }
 
 /// The way of any system; J is in the first m rows of the matrix.
-void NqCoreVelocityControlTool::factorWithZeros(NqJacobianState* jacobianState, unsigned m,
+void NqCoreVelocityControlTool::factorInGeneral(NqJacobianState* jacobianState, unsigned m,
                                                 const NqReArray* metric, NqReArray& matrix,
                                                 std::vector<unsigned int>& indices, NqReArray& nullSpace,
                                                 NqReArray& weightedNullSpace) {

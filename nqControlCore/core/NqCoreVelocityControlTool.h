@@ -135,7 +135,7 @@ private:
     bool factor(NqJacobianState* jacobianState, const NqReArray& jacobian, const NqReArray& metric);
     bool passOverZeros(NqJacobianState* jacobianState, const NqReArray& jacobian, unsigned m, unsigned n,
                        const NqReArray* metric, std::vector<unsigned int>& indices);
-    void factorWithZeros(NqJacobianState* jacobianState, unsigned m, const NqReArray* metric,
+    void factorInGeneral(NqJacobianState* jacobianState, unsigned m, const NqReArray* metric,
                          NqReArray& matrix, std::vector<unsigned int>& indices, NqReArray& nullSpace,
                          NqReArray& weightedNullSpace);
     bool solveTwice(const std::vector<double>& velocity, std::vector<double>& jointRates,

@@ -13,9 +13,9 @@ class NqReArray;
 /// What can differ from zero is known by a bit for each element, so that up to 64 columns are handled. What
 /// is to be done follows from it and from the order of the pivots, and is kept as a plan: it holds from step
 /// to step up to the first row that has another pivot, and from there on is made anew. Rows stay in the
-/// caller's column order until all are done; interchanges are only recorded. As each element gets the terms
-/// that differ from zero in the order of the dense way, pivots and values are the same to the last bit,
-/// perhaps but for the sign of zeros. Where that can't be promised (an infinity or NaN anywhere, a row of
+/// caller's column order, and interchanges are only recorded; whole arrays are written when they are asked
+/// for. As each element gets the terms that differ from zero in the order of the dense way, pivots and values
+/// are the same to the last bit, perhaps but for the sign of zeros. Where that can't be promised (an infinity or NaN anywhere, a row of
 /// zeros, a pivot without a finite reciprocal), the dense way has to be taken.
 class NqSparseSystem {
 public:

@@ -15,8 +15,8 @@ class NqReArray;
 /// to step up to the first row that has another pivot, and from there on is made anew. Rows stay in the
 /// caller's column order, and interchanges are only recorded; whole arrays are written when they are asked
 /// for. As each element gets the terms that differ from zero in the order of the dense way, pivots and values
-/// are the same to the last bit, perhaps but for the sign of zeros. Where that can't be promised (an infinity or NaN anywhere, a row of
-/// zeros, a pivot without a finite reciprocal), the dense way has to be taken.
+/// are the same to the last bit, perhaps but for the sign of zeros. Where that can't be promised (an infinity
+/// or NaN anywhere, a row of zeros, a pivot without a finite reciprocal), the dense way has to be taken.
 class NqSparseSystem {
 public:
     NqSparseSystem() = default;
